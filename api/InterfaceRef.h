@@ -1,0 +1,83 @@
+/// An owning pointer to an interface.
+#pragma once
+
+#include "api/KestrixPreviewAPI.h"
+
+#include <utility>
+
+/// Owns one reference to an `Interface`, or none when null, and knows the id by which it was
+/// obtained: that of `IUnknown` for a pointer that was handed over rather than queried for.
+///
+/// Calls nothing but the three operations of `IUnknown`. Not synchronised.
+template<class Interface>
+class InterfaceRef {
+public:
+    InterfaceRef() = default;
+
+    /// Adds a reference of its own to `pointer`, which may be null.
+    explicit InterfaceRef(Interface* pointer) : m_pointer(pointer) { addRef(); }
+
+    InterfaceRef(const InterfaceRef& other) : m_id(other.m_id), m_pointer(other.m_pointer)
+    {
+        addRef();
+    }
+
+    InterfaceRef(InterfaceRef&& other) noexcept
+        : m_id(other.m_id),
+          m_pointer(std::exchange(other.m_pointer, nullptr))
+    {
+    }
+
+    InterfaceRef& operator=(InterfaceRef other) noexcept
+    {
+        std::swap(m_id, other.m_id);
+        std::swap(m_pointer, other.m_pointer);
+        return *this;
+    }
+
+    ~InterfaceRef() { reset(); }
+
+    /// Gives the reference back, if there is one, and becomes null.
+    void reset()
+    {
+        if (m_pointer)
+            m_pointer->Release();
+        m_pointer = nullptr;
+    }
+
+    /// Gives the old reference back and holds what `object` answers for `id`. The status is the
+    /// object's own; whether there is an interface is told by the pointer.
+    HRESULT query(IUnknown* object, REFIID id)
+    {
+        void* queried = nullptr;
+        const HRESULT status = object->QueryInterface(id, &queried);
+        reset();
+        m_id = id;
+        m_pointer = static_cast<Interface*>(queried);
+        return status;
+    }
+
+    /// For an operation whose out-argument carries a reference: gives the old reference back and
+    /// returns the place to store the new one.
+    Interface** receive()
+    {
+        reset();
+        m_id = IID_IUnknown;
+        return &m_pointer;
+    }
+
+    [[nodiscard]] REFIID id() const { return m_id; }
+    [[nodiscard]] Interface* get() const { return m_pointer; }
+    Interface* operator->() const { return m_pointer; }
+    explicit operator bool() const { return m_pointer != nullptr; }
+
+private:
+    void addRef()
+    {
+        if (m_pointer)
+            m_pointer->AddRef();
+    }
+
+    REFIID m_id = IID_IUnknown;
+    Interface* m_pointer = nullptr;
+};

@@ -1,0 +1,37 @@
+/// Opens and closes the access to a frame's bytes.
+#include "api/ScopedBufferBytes.h"
+
+#include "api/InterfaceRef.h"
+
+#include <new>
+
+std::shared_ptr<void> ScopedBufferBytes(IKestrixVideoBuffer* buffer, std::uint32_t flags)
+{
+    if (!buffer || buffer->StartAccess(flags) < 0)
+        return {};
+
+    void* bytes = nullptr;
+    if (buffer->GetBytes(&bytes) < 0) {
+        buffer->EndAccess(flags);
+        return {};
+    }
+
+    buffer->AddRef();
+    const auto endAccess = [buffer, flags](void*) {
+        buffer->EndAccess(flags);
+        buffer->Release();
+    };
+    // Should the shared count not fit into memory, the pointer calls the deleter before it throws.
+    return {bytes, endAccess};
+}
+
+std::shared_ptr<void> ReadableFrameBytes(IKestrixVideoFrame* frame) noexcept
+{
+    InterfaceRef<IKestrixVideoBuffer> buffer;
+    buffer.query(frame, IID_IKestrixVideoBuffer);
+    try {
+        return ScopedBufferBytes(buffer.get(), BufferAccessRead);
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
+}
