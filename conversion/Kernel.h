@@ -1,0 +1,103 @@
+/// What a stage of a pipeline is, and how it declares its kind.
+///
+/// A stage derives from `Kernel<N, N>`, names its `Input` and `Output` representations, and has
+///
+///     Pixels<Output, N> step(const Pixels<Input, N>& in)            // plain
+///
+/// Two kinds have one operation more, and that operation is the declaration:
+///
+///     Pixels<Output, N> firstStep(const Pixels<Input, N>& in)       // looks back
+///     Pixels<Output, N> step(const Pixels<Input, N>& in, __m128i next)
+///     Pixels<Output, N> lastStep(const Pixels<Input, N>& in)        // looks ahead
+///
+/// A stage that looks back keeps pixels of the group before in its members; `firstStep` takes a
+/// row's first group, which has none. A stage that looks ahead gets the first 16 bytes of the group
+/// behind as `next`; `lastStep` takes a row's last group. It reads the row itself, so it can only
+/// stand first in a pipeline.
+#pragma once
+
+#include "conversion/Representations.h"
+
+#include <concepts>
+#include <utility>
+
+/// Stages and the machinery around them melt into one loop. Compilers do that for small functions
+/// only, and a step that is called costs more than it does.
+#define KSX_INLINE [[gnu::always_inline]] inline
+#define KSX_INLINE_LAMBDA __attribute__((always_inline))
+
+namespace KSX::PixelConversion {
+
+/// Calls `f.operator()<I>()` for each I from `BEGIN` to `END` - 1: a loop whose index is a constant
+/// in every round, which is what lets vectors in arrays become registers.
+template<unsigned BEGIN, unsigned END, class F>
+KSX_INLINE void unrolled(F&& f)
+{
+    [&]<unsigned... I>(std::integer_sequence<unsigned, I...>) KSX_INLINE_LAMBDA
+    {
+        (f.template operator()<BEGIN + I>(), ...);
+    }
+    (std::make_integer_sequence<unsigned, END - BEGIN>{});
+}
+
+/// The base of every stage: a step takes `IN` pixels and gives `OUT`.
+template<unsigned IN, unsigned OUT>
+class Kernel {
+public:
+    static constexpr unsigned kIn = IN;
+    static constexpr unsigned kOut = OUT;
+
+    /// For stages that are steered from outside. There is none at present.
+    virtual void setUserContext(const void* /*context*/) {}
+};
+
+template<class S>
+using InputOf = Pixels<typename S::Input, S::kIn>;
+
+template<class S>
+using OutputOf = Pixels<typename S::Output, S::kOut>;
+
+template<class S>
+concept LooksBack = requires(S& stage, const InputOf<S>& in)
+{
+    {
+        stage.step(in)
+        } -> std::same_as<OutputOf<S>>;
+    {
+        stage.firstStep(in)
+        } -> std::same_as<OutputOf<S>>;
+};
+
+template<class S>
+concept LooksAhead = requires(S& stage, const InputOf<S>& in, __m128i next)
+{
+    {
+        stage.step(in, next)
+        } -> std::same_as<OutputOf<S>>;
+    {
+        stage.lastStep(in)
+        } -> std::same_as<OutputOf<S>>;
+};
+
+template<class S>
+concept Plain = requires(S& stage, const InputOf<S>& in)
+{
+    {
+        stage.step(in)
+        } -> std::same_as<OutputOf<S>>;
+}
+&&!requires(S & stage)
+{
+    &S::firstStep;
+}
+&&!requires(S & stage)
+{
+    &S::lastStep;
+};
+
+/// A stage is of exactly one kind, and no stage changes the count of pixels.
+template<class S>
+concept Stage = std::derived_from<S, Kernel<S::kIn, S::kOut>> && S::kIn == S::kOut &&
+                (Plain<S> || LooksBack<S> || LooksAhead<S>);
+
+} // namespace KSX::PixelConversion

@@ -1,0 +1,322 @@
+/// Chains of stages: how they are named, and how one block of pixels runs through them.
+///
+/// `BIND<A, B>`, `BIND3<A, B, C>` up to `BIND7<...>` join stages and other chains. However they
+/// nest, the result is one flat `Pipeline`: its list of stages, and its block, the least common
+/// multiple of the pixels that its stages take a step.
+#pragma once
+
+#include "conversion/Kernel.h"
+
+#include <cstddef>
+#include <numeric>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+
+namespace KSX::PixelConversion {
+
+template<class... STAGES>
+struct StageList {
+};
+
+/// A chain of stages that works on blocks of `BLOCK` pixels. `MERGE` lets composition put merged
+/// forms in the place of stages (see `MergedForm`); tests switch it off to compare the two.
+template<unsigned BLOCK, class LIST, bool MERGE = true>
+struct Pipeline;
+
+template<unsigned BLOCK, class... STAGES, bool MERGE>
+struct Pipeline<BLOCK, StageList<STAGES...>, MERGE> {
+    static_assert((Stage<STAGES> && ...), "every member of a pipeline is a stage");
+    static_assert(((BLOCK % STAGES::kIn == 0) && ...), "a block is a whole number of steps");
+
+    using Stages = StageList<STAGES...>;
+    static constexpr unsigned kBlock = BLOCK;
+    static constexpr bool kMerge = MERGE;
+    static constexpr bool kLooksBack = (LooksBack<STAGES> || ...);
+    static constexpr bool kLooksAhead = (LooksAhead<STAGES> || ...);
+};
+
+/// Applies `KERNEL` to `N` consecutive groups of pixels, in pixel order. It is one object, so that
+/// what it carries from a group to the next passes through the repetitions as it does from step to
+/// step. Standing in a list, it asks for a block of at least `N` groups.
+template<unsigned N, Stage KERNEL>
+class Nx : public KERNEL {
+public:
+    /// Runs group number `GROUP` of a block of `N`. `FIRST` and `LAST` say that the block is the
+    /// first or last of its row; `src` points at the group where a stage that looks ahead finds the
+    /// bytes behind it.
+    template<unsigned GROUP, bool FIRST, bool LAST>
+    KSX_INLINE OutputOf<KERNEL> group(const InputOf<KERNEL>& in, const std::byte* src)
+    {
+        if constexpr (LooksAhead<KERNEL>) {
+            if constexpr (LAST && GROUP == N - 1)
+                return this->lastStep(in);
+            else
+                return this->step(in, _mm_loadu_si128(reinterpret_cast<const __m128i*>(
+                                          src + InputOf<KERNEL>::kBytes)));
+        } else if constexpr (LooksBack<KERNEL> && FIRST && GROUP == 0) {
+            return this->firstStep(in);
+        } else {
+            return this->step(in);
+        }
+    }
+};
+
+namespace details {
+
+template<class MEMBER>
+struct Flatten {
+    using type = Pipeline<MEMBER::kIn, StageList<MEMBER>>;
+};
+
+template<unsigned BLOCK, class LIST, bool MERGE>
+struct Flatten<Pipeline<BLOCK, LIST, MERGE>> {
+    using type = Pipeline<BLOCK, LIST, MERGE>;
+};
+
+template<unsigned N, class KERNEL>
+struct Flatten<Nx<N, KERNEL>> {
+    using type = Pipeline<N * KERNEL::kIn, StageList<KERNEL>>;
+};
+
+template<class... LISTS>
+struct Concatenate;
+
+template<class... A>
+struct Concatenate<StageList<A...>> {
+    using type = StageList<A...>;
+};
+
+template<class... A, class... B, class... REST>
+struct Concatenate<StageList<A...>, StageList<B...>, REST...> {
+    using type = typename Concatenate<StageList<A..., B...>, REST...>::type;
+};
+
+constexpr unsigned lcm(unsigned a)
+{
+    return a;
+}
+
+template<class... REST>
+constexpr unsigned lcm(unsigned a, unsigned b, REST... rest)
+{
+    return lcm(std::lcm(a, b), rest...);
+}
+
+} // namespace details
+
+/// A stage, an `Nx` or a pipeline as a pipeline.
+template<class MEMBER>
+using AsPipeline = typename details::Flatten<MEMBER>::type;
+
+template<class... MEMBERS>
+using BindAll =
+    Pipeline<details::lcm(AsPipeline<MEMBERS>::kBlock...),
+             typename details::Concatenate<typename AsPipeline<MEMBERS>::Stages...>::type>;
+
+template<class A, class B>
+using BIND = BindAll<A, B>;
+template<class A, class B, class C>
+using BIND3 = BindAll<A, B, C>;
+template<class A, class B, class C, class D>
+using BIND4 = BindAll<A, B, C, D>;
+template<class A, class B, class C, class D, class E>
+using BIND5 = BindAll<A, B, C, D, E>;
+template<class A, class B, class C, class D, class E, class F>
+using BIND6 = BindAll<A, B, C, D, E, F>;
+template<class A, class B, class C, class D, class E, class F, class G>
+using BIND7 = BindAll<A, B, C, D, E, F, G>;
+
+/// The same chain with every stage run as it is listed.
+template<class PIPELINE>
+using AsListed =
+    Pipeline<AsPipeline<PIPELINE>::kBlock, typename AsPipeline<PIPELINE>::Stages, false>;
+
+// --- Merged forms --------------------------------------------------------------------------------
+
+/// A faster stage in the place of adjoining stages, or of a single one on fuller lanes.
+///
+/// A specialisation for a run of stages names, as `type`, one stage that gives the same bits as the
+/// run for every input that the stages before it can make, and of the same kind. Composition takes
+/// the longest run that has such a form whose step divides the block; the list that an entry gives,
+/// its block and the rules for the ends of a row stay those of the stages as listed. A form stands
+/// beside the stages that it merges, and a test compares it with them.
+template<class... STAGES>
+struct MergedForm {
+};
+
+namespace details {
+
+template<class T>
+struct TypeTag {
+    using type = T;
+};
+
+/// The first `N` stages of a list, and those behind them.
+template<std::size_t N, class HEAD, class TAIL>
+struct Split;
+
+template<class... HEAD, class... TAIL>
+struct Split<0, StageList<HEAD...>, StageList<TAIL...>> {
+    using Head = StageList<HEAD...>;
+    using Tail = StageList<TAIL...>;
+};
+
+template<std::size_t N, class... HEAD, class NEXT, class... TAIL>
+requires(N > 0) struct Split<N, StageList<HEAD...>, StageList<NEXT, TAIL...>>
+    : Split<N - 1, StageList<HEAD..., NEXT>, StageList<TAIL...>> {
+};
+
+template<unsigned BLOCK, class... RUN>
+consteval bool hasMergedForm(StageList<RUN...>)
+{
+    if constexpr (requires { typename MergedForm<RUN...>::type; })
+        return BLOCK % MergedForm<RUN...>::type::kIn == 0;
+    else
+        return false;
+}
+
+template<class... RUN>
+auto mergedForm(StageList<RUN...>) -> typename MergedForm<RUN...>::type;
+
+/// Moves stages from `TODO` to `DONE`, trying runs of `RUN` stages and fewer.
+template<unsigned BLOCK, std::size_t RUN, class... DONE, class... TODO>
+consteval auto mergeStages(StageList<DONE...> done, StageList<TODO...> todo)
+{
+    if constexpr (sizeof...(TODO) == 0) {
+        return done;
+    } else if constexpr (RUN == 0) {
+        using Rest = Split<1, StageList<>, StageList<TODO...>>;
+        using Grown = typename Concatenate<StageList<DONE...>, typename Rest::Head>::type;
+        return mergeStages<BLOCK, sizeof...(TODO) - 1>(Grown{}, typename Rest::Tail{});
+    } else {
+        using Rest = Split<RUN, StageList<>, StageList<TODO...>>;
+        if constexpr (hasMergedForm<BLOCK>(typename Rest::Head{})) {
+            using Form = decltype(mergedForm(typename Rest::Head{}));
+            return mergeStages<BLOCK, sizeof...(TODO) - RUN>(StageList<DONE..., Form>{},
+                                                             typename Rest::Tail{});
+        } else {
+            return mergeStages<BLOCK, RUN - 1>(done, todo);
+        }
+    }
+}
+
+template<class PIPELINE>
+struct Merged;
+
+template<unsigned BLOCK, class... STAGES>
+struct Merged<Pipeline<BLOCK, StageList<STAGES...>, false>> {
+    using type = StageList<STAGES...>;
+};
+
+template<unsigned BLOCK, class... STAGES>
+struct Merged<Pipeline<BLOCK, StageList<STAGES...>, true>> {
+    using type =
+        decltype(mergeStages<BLOCK, sizeof...(STAGES)>(StageList<>{}, StageList<STAGES...>{}));
+};
+
+} // namespace details
+
+// --- Running a block -----------------------------------------------------------------------------
+
+/// The stage objects of a pipeline, and the step of one block through them.
+///
+/// Work inside a block is ordered by need: a group of the last stage calls for the groups before it
+/// that it lacks, and so on down to the loads. So only what a few pixels need lives at once, which
+/// in blocks of 24 to 96 pixels is what keeps the vectors in registers. All of that is settled when
+/// the pipeline is compiled; what is left is straight code.
+template<unsigned BLOCK, class LIST>
+class Composition;
+
+template<unsigned BLOCK, class... STAGES>
+class Composition<BLOCK, StageList<STAGES...>> {
+    static constexpr unsigned kCount = sizeof...(STAGES);
+
+    template<unsigned I>
+    using StageAt = std::tuple_element_t<I, std::tuple<STAGES...>>;
+
+    template<unsigned I>
+    static consteval bool connects()
+    {
+        if constexpr (I + 1 < kCount)
+            return std::same_as<typename StageAt<I>::Output, typename StageAt<I + 1>::Input> &&
+                   !LooksAhead<StageAt<I + 1>> && connects<I + 1>();
+        else
+            return true;
+    }
+    static_assert(connects<0>(), "a stage takes what the one before it gives, and only the first, "
+                                 "which reads the row, can look ahead");
+
+public:
+    using Input = typename StageAt<0>::Input;
+    using Output = typename StageAt<kCount - 1>::Output;
+    static constexpr unsigned kInBytes = Pixels<Input, BLOCK>::kBytes;
+    static constexpr unsigned kOutBytes = Pixels<Output, BLOCK>::kBytes;
+
+    void setUserContext(const void* context)
+    {
+        std::apply([&](auto&... stage) { (stage.setUserContext(context), ...); }, m_stages);
+    }
+
+    /// Reads a block at `src`, runs it through all stages and stores it at `dst`. `FIRST` and
+    /// `LAST` tell the stages that look back or ahead that the block begins or ends its row.
+    template<bool FIRST, bool LAST>
+    KSX_INLINE void block(const std::byte* src, std::byte* dst)
+    {
+        Between between;
+        unrolled<0, BLOCK / StageAt<kCount - 1>::kIn>([&]<unsigned GROUP>() KSX_INLINE_LAMBDA {
+            run<kCount - 1, GROUP, FIRST, LAST>(src, dst, between);
+        });
+    }
+
+private:
+    /// What each stage has given so far, a block long. Constant indices only, so none of it is ever
+    /// in memory unless registers run out.
+    using Between = std::tuple<Pixels<typename STAGES::Output, BLOCK>...>;
+
+    static constexpr unsigned groupsFor(unsigned pixels, unsigned step)
+    {
+        return (pixels + step - 1) / step;
+    }
+
+    template<unsigned I, unsigned GROUP, bool FIRST, bool LAST>
+    KSX_INLINE void run(const std::byte* src, std::byte* dst, Between& between)
+    {
+        using S = StageAt<I>;
+        using In = InputOf<S>;
+        using Out = OutputOf<S>;
+        const std::byte* const groupSrc = src + GROUP * In::kBytes;
+
+        In in;
+        if constexpr (I == 0) {
+            unrolled<0, In::kVectors>([&]<unsigned V>() KSX_INLINE_LAMBDA {
+                in[V] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(groupSrc) + V);
+            });
+        } else {
+            constexpr unsigned kStep = StageAt<I - 1>::kIn;
+            unrolled<groupsFor(GROUP * S::kIn, kStep), groupsFor((GROUP + 1) * S::kIn, kStep)>(
+                [&]<unsigned BEFORE>()
+                    KSX_INLINE_LAMBDA { run<I - 1, BEFORE, FIRST, LAST>(src, dst, between); });
+            unrolled<0, In::kVectors>([&]<unsigned V>() KSX_INLINE_LAMBDA {
+                in[V] = std::get<I - 1>(between)[GROUP * In::kVectors + V];
+            });
+        }
+
+        const Out out = std::get<I>(m_stages).template group<GROUP, FIRST, LAST>(in, groupSrc);
+
+        unrolled<0, Out::kVectors>([&]<unsigned V>() KSX_INLINE_LAMBDA {
+            if constexpr (I == kCount - 1)
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + GROUP * Out::kBytes) + V, out[V]);
+            else
+                std::get<I>(between)[GROUP * Out::kVectors + V] = out[V];
+        });
+    }
+
+    std::tuple<Nx<BLOCK / STAGES::kIn, STAGES>...> m_stages;
+};
+
+/// The stage objects that run `PIPELINE`, merged forms in place.
+template<class PIPELINE>
+using CompositionOf = Composition<PIPELINE::kBlock, typename details::Merged<PIPELINE>::type>;
+
+} // namespace KSX::PixelConversion

@@ -1,0 +1,62 @@
+/// How pixels lie in 16-byte vectors: between stages, and in memory.
+///
+/// Between stages a lane holds one code value, unsigned and not normalised, at the depth that the
+/// stages around it name. Lanes count from the low end of a vector, which is the lowest address
+/// when stored. In a name `v8` is 8 lanes of 16 bits and `v4` 4 lanes of 32 bits.
+#pragma once
+
+#include <emmintrin.h>
+
+namespace KSX::PixelConversion {
+
+/// The base of every representation: `PIXELS` pixels lie together in `BYTES` bytes.
+template<unsigned BYTES, unsigned PIXELS>
+struct Representation {
+    static constexpr unsigned kBytes = BYTES;
+    static constexpr unsigned kPixels = PIXELS;
+
+    /// Bytes that a row of `width` pixels occupies, whole groups.
+    static constexpr unsigned rowBytes(unsigned width)
+    {
+        return (width + PIXELS - 1) / PIXELS * BYTES;
+    }
+};
+
+/// Bytes of a format in memory. Formats of one size share a type, so that a byte swap can follow
+/// any pack of its size.
+template<unsigned BYTES, unsigned PIXELS = 1>
+struct Packed : Representation<BYTES, PIXELS> {
+};
+
+/// B, G, R, A of a pixel in 16 bits each, then of the next. 2 pixels a vector.
+struct BGRAv8 : Representation<8, 1> {};
+
+/// Three vectors R, G, B, a pixel a lane of 32 bits with its value in the low 16. 4 pixels.
+struct RGBv4 : Representation<12, 1> {};
+
+/// Three vectors R, G, B, a pixel a lane of 16 bits. 8 pixels.
+struct RGBv8 : Representation<6, 1> {};
+
+/// 4:2:2. Cb, Y, Cr, Y of a pixel pair in 16 bits each, then of the next pair. 4 pixels a vector.
+struct UYVYv8 : Representation<4, 1> {};
+
+/// 4:4:4. For a pixel pair e, o: Cb(e), Y(e), Cr(e), Y(o), Cb(o), Y(e), Cr(o), Y(o). 2 pixels a
+/// vector. Both lumas stand in both halves so that a multiply-and-add of neighbouring lanes, with a
+/// zero weight where the other pixel's luma stands, needs no further shuffle.
+struct UYVY444v8 : Representation<8, 1> {};
+
+/// The vectors of `PIXELS` pixels, passed from stage to stage by value.
+template<class REPRESENTATION, unsigned PIXELS>
+struct Pixels {
+    static_assert(PIXELS % REPRESENTATION::kPixels == 0, "a group of pixels is split");
+    static constexpr unsigned kBytes = PIXELS / REPRESENTATION::kPixels * REPRESENTATION::kBytes;
+    static_assert(kBytes % sizeof(__m128i) == 0, "a vector is not filled");
+    static constexpr unsigned kVectors = kBytes / sizeof(__m128i);
+
+    __m128i v[kVectors];
+
+    constexpr __m128i& operator[](unsigned i) { return v[i]; }
+    constexpr __m128i operator[](unsigned i) const { return v[i]; }
+};
+
+} // namespace KSX::PixelConversion

@@ -1,0 +1,141 @@
+/// Walks a picture row by row and runs a pipeline over each row, block by block.
+#pragma once
+
+#include "conversion/Pipeline.h"
+
+#include <cstddef>
+#include <cstring>
+#include <xmmintrin.h>
+
+namespace KSX::PixelConversion {
+
+/// Values of `FLAGS` of `Transform`.
+enum WalkerFlags : unsigned {
+    kWholeBlocks = 3, ///< the width is a multiple of the block; there is no code for a tail
+    kAnyWidth = 7,    ///< a row may end in a partial block
+};
+
+/// The blocks ahead of the one being read at which the source is prefetched.
+constexpr unsigned kPrefetchBlocks = 8;
+
+/// How a row's end is handled where its width is no multiple of the block: through scratch, so that
+/// not a byte behind the row is read or written. Prepared once a picture.
+///
+/// The scratch is not cleared. What lies in it behind the row's pixels is left over from earlier
+/// rows or never set; pixels made from it are thrown away, but for a look at the next chroma pair
+/// from a row's last odd pixel, which has no defined value then.
+template<class COMPOSITION>
+struct Tail {
+    unsigned inBytes;  ///< to copy from the row first; 0 where a whole block can be read in place
+    unsigned outBytes; ///< to copy into the row last; 0 where a whole block can be stored in place
+    alignas(16) std::byte in[COMPOSITION::kInBytes];
+    alignas(16) std::byte out[COMPOSITION::kOutBytes];
+
+    /// For rows of `width` pixels that begin with `blocks` whole blocks.
+    Tail(unsigned width, unsigned blocks)
+        : inBytes(partOf(COMPOSITION::Input::rowBytes(width), blocks, COMPOSITION::kInBytes)),
+          outBytes(partOf(COMPOSITION::Output::rowBytes(width), blocks, COMPOSITION::kOutBytes))
+    {
+    }
+
+private:
+    static unsigned partOf(unsigned row, unsigned blocks, unsigned blockBytes)
+    {
+        return (blocks + 1) * blockBytes <= row ? 0 : row - blocks * blockBytes;
+    }
+};
+
+/// Runs `PIPELINE` over a picture. `FLAGS` is one of `WalkerFlags`; `PREFETCH` counts blocks.
+///
+/// Rows take one of four forms, by what the stages of the pipeline do:
+///
+/// | stages | first block | blocks between | last block |
+/// |---|---|---|---|
+/// | plain | step | step | step |
+/// | look back | firstStep | step | step |
+/// | look ahead | step | step | lastStep |
+/// | both | firstStep | step | lastStep |
+///
+/// The last block is the tail where the row ends in a partial block. A pipeline that looks back
+/// needs one whole block in a row, one that does both a second one, whole or partial, and one that
+/// looks ahead a width of 1. Nothing checks that.
+template<class PIPELINE, unsigned FLAGS, unsigned PREFETCH>
+class Transform {
+    using P = AsPipeline<PIPELINE>;
+    using Stages = CompositionOf<P>;
+    static_assert(FLAGS == kWholeBlocks || FLAGS == kAnyWidth);
+
+public:
+    /// Source first, unlike a `ConversionFunction`. Row sizes are signed: a negative one walks
+    /// upwards. A `height` below 1, read as signed, does nothing.
+    static void apply(const void* src, int srcRowBytes, void* dst, int dstRowBytes, unsigned width,
+                      unsigned height, const void* userContext)
+    {
+        Stages stages;
+        stages.setUserContext(userContext);
+
+        const unsigned blocks = width / P::kBlock;
+        const bool partial = FLAGS == kAnyWidth && width % P::kBlock != 0;
+        Tail<Stages> tail(width, blocks);
+
+        const auto* srcRow = static_cast<const std::byte*>(src);
+        auto* dstRow = static_cast<std::byte*>(dst);
+        for (int row = 0; row < static_cast<int>(height); ++row) {
+            walkRow(stages, tail, srcRow, dstRow, blocks, partial);
+            srcRow += srcRowBytes;
+            dstRow += dstRowBytes;
+        }
+    }
+
+private:
+    KSX_INLINE static void walkRow(Stages& stages, Tail<Stages>& tail, const std::byte* src,
+                                   std::byte* dst, unsigned blocks, bool partial)
+    {
+        // A row's last block has a form of its own where a stage looks ahead; otherwise only a
+        // partial one has.
+        unsigned steps = P::kLooksAhead && !partial ? blocks - 1 : blocks;
+
+        if constexpr (P::kLooksBack) {
+            prefetch(src);
+            stages.template block<true, false>(src, dst);
+            src += Stages::kInBytes;
+            dst += Stages::kOutBytes;
+            --steps;
+        }
+        for (; steps != 0; --steps) {
+            prefetch(src);
+            stages.template block<false, false>(src, dst);
+            src += Stages::kInBytes;
+            dst += Stages::kOutBytes;
+        }
+        if constexpr (FLAGS == kAnyWidth) {
+            if (partial)
+                return tailBlock(stages, tail, src, dst);
+        }
+        if constexpr (P::kLooksAhead)
+            stages.template block<false, true>(src, dst);
+    }
+
+    KSX_INLINE static void tailBlock(Stages& stages, Tail<Stages>& tail, const std::byte* src,
+                                     std::byte* dst)
+    {
+        const std::byte* in = src;
+        if (tail.inBytes != 0) {
+            std::memcpy(tail.in, src, tail.inBytes);
+            in = tail.in;
+        }
+        std::byte* const out = tail.outBytes != 0 ? tail.out : dst;
+        stages.template block<false, P::kLooksAhead>(in, out);
+        if (tail.outBytes != 0)
+            std::memcpy(dst, tail.out, tail.outBytes);
+    }
+
+    /// Issued past the end of the row as well: a hint cannot fault.
+    KSX_INLINE static void prefetch(const std::byte* src)
+    {
+        _mm_prefetch(reinterpret_cast<const char*>(src + PREFETCH * Stages::kInBytes),
+                     _MM_HINT_NTA);
+    }
+};
+
+} // namespace KSX::PixelConversion

@@ -1,0 +1,34 @@
+/// Constant vectors that stages share. Their names spell their contents: `v4i_0xff` is 255 in each
+/// of 4 lanes of 32 bits, `v8i_0xff` in each of 8 lanes of 16 bits. In the name of a mask the lanes
+/// run from the top one down, so `v4i_mask_x210` has lane 3 clear and the others set.
+#pragma once
+
+#include <cstdint>
+#include <emmintrin.h>
+
+namespace KSX::PixelConversion {
+
+/// A vector with `lane` in each of 4 lanes of 32 bits.
+constexpr __m128i v4i(std::uint32_t lane)
+{
+    const auto pair = static_cast<long long>(std::uint64_t{lane} << 32 | lane);
+    return __m128i{pair, pair};
+}
+
+/// A vector with `lane` in each of 8 lanes of 16 bits.
+constexpr __m128i v8i(std::uint16_t lane)
+{
+    return v4i(std::uint32_t{lane} << 16 | lane);
+}
+
+inline constexpr __m128i v0 = v4i(0);
+
+inline constexpr __m128i v4i_0xff = v4i(0xff);
+inline constexpr __m128i v4i_0xffff = v4i(0xffff);
+inline constexpr __m128i v4i_0xff000000 = v4i(0xff000000);
+inline constexpr __m128i v4i_0xffff0000 = v4i(0xffff0000);
+inline constexpr __m128i v4i_0x3fff = v4i(0x3fff);
+
+inline constexpr __m128i v8i_0xff = v8i(0xff);
+
+} // namespace KSX::PixelConversion

@@ -1,0 +1,431 @@
+/// Stages of the 8-bit RGB formats: bytes to the working representations and back, and moves
+/// between those. No arithmetic on colour: a value that enters as 37 leaves as 37, but for the
+/// saturation of a pack. All are plain.
+///
+///     address    0   1   2   3
+///     ARGB       A   R   G   B      8ARGB_FULL, 8ARGB_SMPTE
+///     BGRA       B   G   R   A      8BGRA_FULL, 8BGRA_SMPTE
+///     BGRX       B   G   R   -      8BGRX_FULL
+///     RGBA       R   G   B   A      8RGBA_FULL
+///     RGB        R   G   B  |R      8RGB_FULL, 16 pixels in 48 bytes
+///
+/// Alpha survives where a pipeline stays in `BGRAv8` or swaps bytes; `RGBv4` and `RGBv8` have none,
+/// and the packs from them write 255.
+#pragma once
+
+#include "conversion/Pipeline.h"
+#include "conversion/VectorConstants.h"
+
+#include <tmmintrin.h>
+
+namespace KSX::PixelConversion {
+
+// --- To BGRAv8 -----------------------------------------------------------------------------------
+
+/// Unpacks BGRA to BGRAv8. 4 pixels a step: 16 bytes in, 2 vectors out.
+///
+///     out[i] = in[i]                                B, G, R, A, 0..255
+class UNPACK_BGRA_TO_BGRAv8 : public Kernel<4, 4> {
+public:
+    using Input = Packed<4>;
+    using Output = BGRAv8;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return {{_mm_unpacklo_epi8(in[0], v0), _mm_unpackhi_epi8(in[0], v0)}};
+    }
+};
+
+namespace details {
+
+/// Shuffles the lanes of both pixels of a `BGRAv8` vector alike.
+template<int LANES>
+KSX_INLINE __m128i shufflePixels(__m128i bgra)
+{
+    return _mm_shufflehi_epi16(_mm_shufflelo_epi16(bgra, LANES), LANES);
+}
+
+constexpr int kReversed = _MM_SHUFFLE(0, 1, 2, 3);
+constexpr int kRedAndBlueExchanged = _MM_SHUFFLE(3, 0, 1, 2);
+
+} // namespace details
+
+/// Unpacks ARGB to BGRAv8. 4 pixels a step: 16 bytes in, 2 vectors out.
+///
+///     out[4p + c] = in[4p + 3 - c]
+class UNPACK_ARGB_TO_BGRAv8 : public UNPACK_BGRA_TO_BGRAv8 {
+public:
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        const auto argb = UNPACK_BGRA_TO_BGRAv8::step(in);
+        return {{details::shufflePixels<details::kReversed>(argb[0]),
+                 details::shufflePixels<details::kReversed>(argb[1])}};
+    }
+};
+
+/// Unpacks RGBA to BGRAv8. 4 pixels a step: 16 bytes in, 2 vectors out. Lanes 0 and 2 of a pixel
+/// change places.
+class UNPACK_RGBA_TO_BGRAv8 : public UNPACK_BGRA_TO_BGRAv8 {
+public:
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        const auto rgba = UNPACK_BGRA_TO_BGRAv8::step(in);
+        return {{details::shufflePixels<details::kRedAndBlueExchanged>(rgba[0]),
+                 details::shufflePixels<details::kRedAndBlueExchanged>(rgba[1])}};
+    }
+};
+
+/// Unpacks BGRX to BGRAv8. 4 pixels a step: 16 bytes in, 2 vectors out. Alpha is 255 whatever the
+/// fourth byte held.
+class UNPACK_BGRX_TO_BGRAv8 : public UNPACK_BGRA_TO_BGRAv8 {
+public:
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return UNPACK_BGRA_TO_BGRAv8::step({{_mm_or_si128(in[0], v4i_0xff000000)}});
+    }
+};
+
+// --- To RGBv4 and RGBv8 --------------------------------------------------------------------------
+
+namespace details {
+
+/// Cuts 4-byte pixels into components. `R`, `G` and `B` are the bytes at which they lie in a pixel,
+/// read as a little-endian word w:
+///
+///     out[c][p] = (w[p] >> 8 * byte of c) & 255
+template<int R, int G, int B>
+class UNPACK_BYTES_TO_RGBv4 : public Kernel<4, 4> {
+public:
+    using Input = Packed<4>;
+    using Output = RGBv4;
+    static constexpr int kBytes[3] = {R, G, B};
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return {{component<R>(in[0]), component<G>(in[0]), component<B>(in[0])}};
+    }
+
+private:
+    template<int BYTE>
+    KSX_INLINE static __m128i component(__m128i words)
+    {
+        const __m128i shifted = _mm_srli_epi32(words, 8 * BYTE);
+        return BYTE == 3 ? shifted : _mm_and_si128(shifted, v4i_0xff);
+    }
+};
+
+} // namespace details
+
+/// Unpacks ARGB to RGBv4. 4 pixels a step: 16 bytes in, 3 vectors out. Drops alpha.
+class UNPACK_ARGB_TO_RGBv4 : public details::UNPACK_BYTES_TO_RGBv4<1, 2, 3> {};
+
+/// Unpacks BGRA to RGBv4. 4 pixels a step: 16 bytes in, 3 vectors out. Drops alpha.
+class UNPACK_BGRA_TO_RGBv4 : public details::UNPACK_BYTES_TO_RGBv4<2, 1, 0> {};
+
+/// Unpacks RGBA to RGBv4. 4 pixels a step: 16 bytes in, 3 vectors out. Drops alpha.
+class UNPACK_RGBA_TO_RGBv4 : public details::UNPACK_BYTES_TO_RGBv4<0, 1, 2> {};
+
+/// Unpacks BGRA to RGBv8. 8 pixels a step: 32 bytes in, 3 vectors out. Drops alpha.
+///
+/// Values are below 256, so the signed saturation of the narrowing never acts.
+class UNPACK_BGRA_TO_RGBv8 : public Kernel<8, 8> {
+public:
+    using Input = Packed<4>;
+    using Output = RGBv8;
+
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
+    {
+        const UNPACK_BGRA_TO_RGBv4 unpack;
+        const auto first = unpack.step({{in[0]}});
+        const auto second = unpack.step({{in[1]}});
+        return {{_mm_packs_epi32(first[0], second[0]), _mm_packs_epi32(first[1], second[1]),
+                 _mm_packs_epi32(first[2], second[2])}};
+    }
+};
+
+// --- Between representations ---------------------------------------------------------------------
+
+/// Regroups BGRAv8 to RGBv4. 4 pixels a step: 2 vectors in, 3 out. Drops alpha.
+class BGRAv8_TO_RGBv4 : public Kernel<4, 4> {
+public:
+    using Input = BGRAv8;
+    using Output = RGBv4;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        const __m128i evenPixels = _mm_unpacklo_epi16(in[0], in[1]);  // B0 B2 G0 G2 R0 R2 A0 A2
+        const __m128i oddPixels = _mm_unpackhi_epi16(in[0], in[1]);   // B1 B3 G1 G3 R1 R3 A1 A3
+        const __m128i bg = _mm_unpacklo_epi16(evenPixels, oddPixels); // B0..B3 G0..G3
+        const __m128i ra = _mm_unpackhi_epi16(evenPixels, oddPixels); // R0..R3 A0..A3
+        return {
+            {_mm_unpacklo_epi16(ra, v0), _mm_unpackhi_epi16(bg, v0), _mm_unpacklo_epi16(bg, v0)}};
+    }
+};
+
+/// Regroups RGBv4 to BGRAv8. 4 pixels a step: 3 vectors in, 2 out. The alpha lane is 65535; stages
+/// behind see to it or do not look.
+class RGBv4_TO_BGRAv8 : public Kernel<4, 4> {
+public:
+    using Input = RGBv4;
+    using Output = BGRAv8;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        const __m128i bg = _mm_or_si128(in[2], _mm_slli_epi32(in[1], 16));
+        const __m128i ra = _mm_or_si128(in[0], v4i_0xffff0000);
+        return {{_mm_unpacklo_epi32(bg, ra), _mm_unpackhi_epi32(bg, ra)}};
+    }
+};
+
+// --- From BGRAv8 ---------------------------------------------------------------------------------
+
+/// Packs BGRAv8 to BGRA. 4 pixels a step: 2 vectors in, 16 bytes out. Lanes saturate as signed
+/// values: below 0 gives 0, above 255 gives 255.
+class PACK_BGRAv8_TO_BGRA : public Kernel<4, 4> {
+public:
+    using Input = BGRAv8;
+    using Output = Packed<4>;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return {{_mm_packus_epi16(in[0], in[1])}};
+    }
+};
+
+/// Packs BGRAv8 to RGBA, saturating. 4 pixels a step: 2 vectors in, 16 bytes out.
+class PACK_BGRAv8_TO_RGBA : public PACK_BGRAv8_TO_BGRA {
+public:
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return PACK_BGRAv8_TO_BGRA::step(
+            {{details::shufflePixels<details::kRedAndBlueExchanged>(in[0]),
+              details::shufflePixels<details::kRedAndBlueExchanged>(in[1])}});
+    }
+};
+
+/// Packs BGRAv8 to ARGB, saturating. 4 pixels a step: 2 vectors in, 16 bytes out. One byte shuffle
+/// behind the narrowing is cheaper than four lane shuffles before it.
+class PACK_BGRAv8_TO_ARGB : public PACK_BGRAv8_TO_BGRA {
+public:
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        const __m128i reversed =
+            _mm_setr_epi8(3, 2, 1, 0, 7, 6, 5, 4, 11, 10, 9, 8, 15, 14, 13, 12);
+        return {{_mm_shuffle_epi8(PACK_BGRAv8_TO_BGRA::step(in)[0], reversed)}};
+    }
+};
+
+// --- From RGBv4 and RGBv8 ------------------------------------------------------------------------
+
+namespace details {
+
+/// Joins components to 4-byte pixels, saturating, with an alpha of 255. `R`, `G`, `B` and `A` are
+/// the bytes at which they lie in a pixel.
+///
+/// Of each lane the low 16 bits count. They become four lanes of 16 bits a pixel in the order of
+/// the bytes, and are narrowed as signed values. Alpha goes in as 0x3fff and saturates to 255.
+template<int R, int G, int B, int A>
+class PACK_RGBv4_TO_BYTES : public Kernel<4, 4> {
+public:
+    using Input = RGBv4;
+    using Output = Packed<4>;
+    static constexpr int kBytes[4] = {R, G, B, A};
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        const __m128i first = join(lane<0>(in), lane<1>(in));
+        const __m128i second = join(lane<2>(in), lane<3>(in));
+        return {{_mm_packus_epi16(_mm_unpacklo_epi32(first, second),
+                                  _mm_unpackhi_epi32(first, second))}};
+    }
+
+private:
+    /// The component that lies at `BYTE` of a pixel.
+    template<int BYTE>
+    KSX_INLINE static __m128i lane(const Pixels<Input, 4>& in)
+    {
+        return BYTE == R ? in[0] : BYTE == G ? in[1] : BYTE == B ? in[2] : v4i_0x3fff;
+    }
+
+    KSX_INLINE static __m128i join(__m128i low, __m128i high)
+    {
+        return _mm_or_si128(_mm_and_si128(low, v4i_0xffff), _mm_slli_epi32(high, 16));
+    }
+};
+
+} // namespace details
+
+/// Packs RGBv4 to BGRA. 4 pixels a step: 3 vectors in, 16 bytes out.
+class PACK_RGBv4_TO_BGRA : public details::PACK_RGBv4_TO_BYTES<2, 1, 0, 3> {};
+
+/// Packs RGBv4 to ARGB. 4 pixels a step: 3 vectors in, 16 bytes out.
+class PACK_RGBv4_TO_ARGB : public details::PACK_RGBv4_TO_BYTES<1, 2, 3, 0> {};
+
+/// Packs RGBv4 to RGBA. 4 pixels a step: 3 vectors in, 16 bytes out.
+class PACK_RGBv4_TO_RGBA : public details::PACK_RGBv4_TO_BYTES<0, 1, 2, 3> {};
+
+/// Packs RGBv8 to BGRA, saturating, with an alpha of 255. 8 pixels a step: 3 vectors in, 32 bytes
+/// out.
+class PACK_RGBv8_TO_BGRA : public Kernel<8, 8> {
+public:
+    using Input = RGBv8;
+    using Output = Packed<4>;
+
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
+    {
+        const __m128i bgLow = _mm_unpacklo_epi16(in[2], in[1]);
+        const __m128i bgHigh = _mm_unpackhi_epi16(in[2], in[1]);
+        const __m128i raLow = _mm_unpacklo_epi16(in[0], v8i_0xff);
+        const __m128i raHigh = _mm_unpackhi_epi16(in[0], v8i_0xff);
+        return {
+            {_mm_packus_epi16(_mm_unpacklo_epi32(bgLow, raLow), _mm_unpackhi_epi32(bgLow, raLow)),
+             _mm_packus_epi16(_mm_unpacklo_epi32(bgHigh, raHigh),
+                              _mm_unpackhi_epi32(bgHigh, raHigh))}};
+    }
+};
+
+// --- Bytes to bytes ------------------------------------------------------------------------------
+
+/// Widens RGB to RGBA with an alpha of 255. 16 pixels a step: 48 bytes in, 64 bytes out.
+///
+/// Pieces of 12 bytes, cut at 0, 12, 24 and 36 across the vectors' boundaries, hold 4 pixels each;
+/// one byte shuffle opens the gaps for alpha.
+class UNPACK_RGB_TO_RGBA_SSSE3 : public Kernel<16, 16> {
+public:
+    using Input = Packed<3>;
+    using Output = Packed<4>;
+
+    KSX_INLINE Pixels<Output, 16> step(const Pixels<Input, 16>& in) const
+    {
+        return {{widen(in[0]), widen(_mm_alignr_epi8(in[1], in[0], 12)),
+                 widen(_mm_alignr_epi8(in[2], in[1], 8)), widen(_mm_srli_si128(in[2], 4))}};
+    }
+
+private:
+    KSX_INLINE static __m128i widen(__m128i rgb)
+    {
+        const __m128i gaps = _mm_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1);
+        return _mm_or_si128(_mm_shuffle_epi8(rgb, gaps), v4i_0xff000000);
+    }
+};
+
+/// Narrows RGBA to RGB, dropping alpha. 16 pixels a step: 64 bytes in, 48 bytes out.
+///
+/// One byte shuffle closes the gaps of each vector, which leaves 12 bytes at its low end; four such
+/// pieces make three vectors.
+class PACK_RGBA_TO_RGB : public Kernel<16, 16> {
+public:
+    using Input = Packed<4>;
+    using Output = Packed<3>;
+
+    KSX_INLINE Pixels<Output, 16> step(const Pixels<Input, 16>& in) const
+    {
+        const __m128i q0 = narrow(in[0]);
+        const __m128i q1 = narrow(in[1]);
+        const __m128i q2 = narrow(in[2]);
+        const __m128i q3 = narrow(in[3]);
+        return {{_mm_or_si128(q0, _mm_slli_si128(q1, 12)),
+                 _mm_or_si128(_mm_srli_si128(q1, 4), _mm_slli_si128(q2, 8)),
+                 _mm_or_si128(_mm_srli_si128(q2, 8), _mm_slli_si128(q3, 4))}};
+    }
+
+private:
+    KSX_INLINE static __m128i narrow(__m128i rgba)
+    {
+        const __m128i colour =
+            _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
+        return _mm_shuffle_epi8(rgba, colour);
+    }
+};
+
+/// Reverses the 4 bytes of every pixel: ARGB to BGRA and back, alpha and all. 4 pixels a step: 16
+/// bytes in, 16 bytes out.
+class ENDIAN_SWAP_PACKED_RGB : public Kernel<4, 4> {
+public:
+    using Input = Packed<4>;
+    using Output = Packed<4>;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        const __m128i reversed =
+            _mm_setr_epi8(3, 2, 1, 0, 7, 6, 5, 4, 11, 10, 9, 8, 15, 14, 13, 12);
+        return {{_mm_shuffle_epi8(in[0], reversed)}};
+    }
+};
+
+// --- Merged forms --------------------------------------------------------------------------------
+
+namespace details {
+
+template<int R, int G, int B>
+std::true_type unpacksBytes(const UNPACK_BYTES_TO_RGBv4<R, G, B>&);
+template<int R, int G, int B, int A>
+std::true_type packsBytes(const PACK_RGBv4_TO_BYTES<R, G, B, A>&);
+
+template<class S>
+concept UnpacksBytesToRGBv4 = requires(const S& s)
+{
+    unpacksBytes(s);
+};
+template<class S>
+concept PacksRGBv4ToBytes = requires(const S& s)
+{
+    packsBytes(s);
+};
+
+} // namespace details
+
+/// From one order of bytes straight to another, with an alpha of 255. A byte can't saturate, so one
+/// byte shuffle and an OR stand for the cut and the join. 4 pixels a step: 16 bytes in, 16 bytes
+/// out.
+template<details::UnpacksBytesToRGBv4 UNPACK, details::PacksRGBv4ToBytes PACK>
+class REORDER_OPAQUE_BYTES : public Kernel<4, 4> {
+public:
+    using Input = Packed<4>;
+    using Output = Packed<4>;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return {{_mm_or_si128(_mm_shuffle_epi8(in[0], vector(kOrder)), vector(kOpaque))}};
+    }
+
+private:
+    struct Bytes {
+        std::int8_t at[16];
+    };
+
+    static constexpr Bytes order()
+    {
+        Bytes from{};
+        for (int pixel = 0; pixel < 16; pixel += 4) {
+            for (int c = 0; c < 3; ++c)
+                from.at[pixel + PACK::kBytes[c]] =
+                    static_cast<std::int8_t>(pixel + UNPACK::kBytes[c]);
+            from.at[pixel + PACK::kBytes[3]] = -1; // a zero byte
+        }
+        return from;
+    }
+
+    static constexpr Bytes opaque()
+    {
+        Bytes alpha{};
+        for (int pixel = 0; pixel < 16; pixel += 4)
+            alpha.at[pixel + PACK::kBytes[3]] = -1;
+        return alpha;
+    }
+
+    KSX_INLINE static __m128i vector(const Bytes& bytes)
+    {
+        return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes.at));
+    }
+
+    alignas(16) static constexpr Bytes kOrder = order();
+    alignas(16) static constexpr Bytes kOpaque = opaque();
+};
+
+template<details::UnpacksBytesToRGBv4 UNPACK, details::PacksRGBv4ToBytes PACK>
+struct MergedForm<UNPACK, PACK> {
+    using type = REORDER_OPAQUE_BYTES<UNPACK, PACK>;
+};
+
+} // namespace KSX::PixelConversion
