@@ -1,0 +1,60 @@
+/// The command line of the sample host.
+#pragma once
+
+#include "api/KestrixPreviewAPI.h"
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+namespace preview_host {
+
+/// A bad option. The message is one line.
+struct UsageError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// Pixels by rows.
+struct Size {
+    unsigned width = 0;
+    unsigned height = 0;
+
+    bool operator==(const Size&) const = default;
+};
+
+enum class HelperKind { FixedFunction, OpenGL3 };
+
+/// What was asked for, each value checked by itself.
+struct Options {
+    /// A file of raw frames, "-" for standard input, a PNG picture, or empty for the test pattern.
+    std::string input;
+    /// The same for the right eye; empty for a plain frame.
+    std::string rightEye;
+    HelperKind helper = HelperKind::OpenGL3;
+    std::uint32_t format = 0;
+    std::optional<Size> size;
+    std::optional<unsigned> rowBytes;
+    std::optional<std::uint32_t> colorspace;
+    bool captured = false;
+    bool flip = false;
+    std::uint32_t preview3D = Preview3DDefault;
+    /// Frames a second, 0 for as fast as possible.
+    double rate = 0;
+    /// How many frames to show, if not all.
+    std::optional<std::uint64_t> frames;
+    std::optional<Size> window;
+    std::string screenshot;
+    bool listFormats = false;
+};
+
+/// Reads the command line. Throws `UsageError`; gives nothing where help was asked for and printed.
+std::optional<Options> parseOptions(int argc, char** argv);
+
+/// The four characters of a format code, or "ARGB" for the one that has none.
+std::string formatName(std::uint32_t format);
+
+/// The code that a format's name or number means, if it is one of the 30.
+std::optional<std::uint32_t> formatCode(const std::string& name);
+
+} // namespace preview_host

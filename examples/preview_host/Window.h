@@ -1,0 +1,59 @@
+/// A window with an OpenGL context that suits one of the helpers.
+#pragma once
+
+#include "Options.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+struct GLFWwindow;
+
+namespace preview_host {
+
+/// The one window of the program. Its context is current on the thread that made it for as long as
+/// it lives.
+class Window {
+public:
+    /// Opens a window of `size`, or of that shape where the screen is smaller, with a context of
+    /// OpenGL 2.1 or of OpenGL 3.2 core. Without `paced`, showing does not wait for the screen.
+    /// Throws `std::runtime_error`.
+    Window(Size size, HelperKind helper, bool paced, const std::string& title);
+    ~Window();
+
+    Window(const Window&) = delete;
+    Window& operator=(const Window&) = delete;
+
+    /// What to do when the system has lost the window's contents.
+    void onRefresh(std::function<void()> paint) { m_refresh = std::move(paint); }
+
+    /// Handles what the user did, and waits for more for so many seconds.
+    void handleEvents(double seconds);
+
+    /// Whether the user has closed the window or pressed Escape.
+    bool isClosed() const;
+
+    /// Clears the window and sets the viewport to its largest part that has the shape of `picture`.
+    void beginPaint(Size picture) const;
+
+    /// Shows what was painted.
+    void show() const;
+
+    /// Writes what was painted and not yet shown to a PNG file.
+    void saveScreenshot(const std::string& path) const;
+
+    /// Texels on the longest side of a texture.
+    unsigned largestTexture() const;
+
+    /// The context's version, and whose it is.
+    std::string version() const;
+
+private:
+    Size framebufferSize() const;
+
+    GLFWwindow* m_window = nullptr;
+    std::function<void()> m_refresh;
+};
+
+} // namespace preview_host
