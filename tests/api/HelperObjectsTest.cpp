@@ -1,0 +1,131 @@
+/// The helpers as reference-counted objects, and the factories that make them.
+#include "tests/support/AllocationFaults.h"
+#include "tests/support/PreviewFixture.h"
+
+#include <atomic>
+#include <thread>
+
+namespace kestrix::test {
+namespace {
+
+struct Factory {
+    const char* name;
+    CreateScreenPreviewHelperFunction create;
+};
+
+class HelperObject : public FakeGLTest, public testing::WithParamInterface<Factory> {
+protected:
+    /// Can be released, as its destructor may want GL.
+    Helper make()
+    {
+        Helper helper(GetParam().create());
+        if (helper)
+            helper->InitializeGL();
+        return helper;
+    }
+};
+
+TEST_P(HelperObject, AnswersForItselfAndForIUnknownWithOnePointer)
+{
+    const Helper helper = make();
+    for (const REFIID id : {IID_IUnknown, IID_IKestrixGLScreenPreviewHelper}) {
+        void* out = nullptr;
+        EXPECT_EQ(helper->QueryInterface(id, &out), S_OK);
+        EXPECT_EQ(out, helper.get());
+        // One reference of the test's, one of the query's.
+        EXPECT_EQ(helper->Release(), 1u);
+    }
+}
+
+TEST_P(HelperObject, AnswersForNothingElse)
+{
+    const Helper helper = make();
+    // All bytes of an id count, the last as well as the first.
+    REFIID nearly = IID_IKestrixGLScreenPreviewHelper;
+    nearly.bytes[15] ^= 1;
+    REFIID nearlyUnknown = IID_IUnknown;
+    nearlyUnknown.bytes[0] ^= 1;
+    for (const REFIID id : {IID_IKestrixVideoFrame, nearly, nearlyUnknown}) {
+        void* out = this;
+        EXPECT_EQ(helper->QueryInterface(id, &out), E_NOINTERFACE);
+        EXPECT_EQ(out, nullptr);
+    }
+    EXPECT_EQ(helper->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
+    EXPECT_EQ(helper->AddRef(), 2u);
+    EXPECT_EQ(helper->Release(), 1u);
+}
+
+TEST_P(HelperObject, CountsReferencesOfManyThreads)
+{
+    const Helper helper = make();
+    const auto work = [&] {
+        for (int i = 0; i < 20000; ++i) {
+            helper->AddRef();
+            helper->Release();
+        }
+    };
+    std::thread a(work);
+    std::thread b(work);
+    a.join();
+    b.join();
+    EXPECT_EQ(helper->AddRef(), 2u);
+    EXPECT_EQ(helper->Release(), 1u);
+}
+
+TEST_P(HelperObject, StandsByItself)
+{
+    Helper first = make();
+    Helper second = make();
+    ASSERT_NE(first.get(), second.get());
+    first.reset();
+    EXPECT_EQ(second->SetFrame(nullptr), S_OK);
+    EXPECT_EQ(second->PaintGL(), S_OK);
+    EXPECT_EQ(second->AddRef(), 2u);
+    EXPECT_EQ(second->Release(), 1u);
+}
+
+TEST_P(HelperObject, IsMadeWithoutAnyGLCall)
+{
+    Helper helper(GetParam().create());
+    EXPECT_TRUE(gl.calls().empty());
+    EXPECT_TRUE(gl.lookups().empty());
+    helper->InitializeGL();
+}
+
+// Every allocation in turn fails, until all succeed. Null or a sound helper, nothing else, and no
+// memory lost on the way.
+TEST_P(HelperObject, IsNullWhereMemoryIsShort)
+{
+    // What a process keeps for good, such as colour tables, is made first.
+    make().reset();
+
+    int nulls = 0;
+    for (int number = 0;; ++number) {
+        const long before = liveAllocations();
+        int failed = 0;
+        IKestrixGLScreenPreviewHelper* helper = nullptr;
+        {
+            const auto faults = AllocationFaults::number(number);
+            helper = GetParam().create();
+            failed = faults.failed();
+        }
+        if (!failed) {
+            ASSERT_NE(helper, nullptr);
+            helper->InitializeGL();
+            EXPECT_EQ(helper->Release(), 0u);
+            break;
+        }
+        EXPECT_EQ(helper, nullptr) << "allocation " << number;
+        EXPECT_EQ(liveAllocations(), before) << "allocation " << number;
+        ++nulls;
+    }
+    EXPECT_GE(nulls, 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Api, HelperObject,
+                         testing::Values(Factory{"Legacy", CreateOpenGLScreenPreviewHelper_0002},
+                                         Factory{"OpenGL3", CreateOpenGL3ScreenPreviewHelper_0002}),
+                         [](const auto& tested) { return std::string(tested.param.name); });
+
+} // namespace
+} // namespace kestrix::test

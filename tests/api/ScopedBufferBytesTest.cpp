@@ -1,0 +1,128 @@
+/// The order in which a frame's memory is opened, kept and closed.
+#include "api/ScopedBufferBytes.h"
+#include "api/InterfaceRef.h"
+#include "tests/support/AllocationFaults.h"
+#include "tests/support/TestFrame.h"
+
+#include <gmock/gmock.h>
+
+namespace kestrix::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class FrameAccess : public testing::Test {
+protected:
+    FrameAccess() { frame->log = &log; }
+    // The frame's end is logged too, and the log goes first.
+    ~FrameAccess() override { frame->log = nullptr; }
+
+    std::vector<std::string> log;
+    IUnknown* unknown() { return static_cast<IKestrixVideoFrame*>(frame.get()); }
+
+    host::Owned<TestFrame> frame =
+        TestFrame::create({.width = 4, .height = 2, .format = 32, .rowBytes = 16});
+};
+
+TEST_F(FrameAccess, StaysOpenUntilTheLastCopyGoes)
+{
+    std::shared_ptr<void> bytes = ScopedBufferBytes(frame.get(), BufferAccessReadWrite);
+    EXPECT_EQ(bytes.get(), frame->bytes());
+    EXPECT_THAT(log, ElementsAre("StartAccess 3", "GetBytes", "AddRef"));
+    EXPECT_EQ(frame->references(), 2u);
+
+    std::shared_ptr<void> copy = bytes;
+    bytes.reset();
+    EXPECT_EQ(frame->openAccesses(), 1);
+
+    log.clear();
+    copy.reset();
+    EXPECT_THAT(log, ElementsAre("EndAccess 3", "Release"));
+    EXPECT_EQ(frame->references(), 1u);
+}
+
+TEST_F(FrameAccess, OutlivesTheCallersReference)
+{
+    std::shared_ptr<void> bytes = ScopedBufferBytes(frame.get(), BufferAccessRead);
+    TestFrame* const observed = frame.get();
+    observed->AddRef();
+    frame.reset();
+    EXPECT_EQ(observed->references(), 2u);
+    bytes.reset();
+    EXPECT_EQ(observed->references(), 1u);
+    frame.reset(observed);
+}
+
+TEST_F(FrameAccess, IsEmptyWithoutABuffer)
+{
+    EXPECT_EQ(ScopedBufferBytes(nullptr, BufferAccessRead), nullptr);
+}
+
+TEST_F(FrameAccess, IsEmptyAndNotClosedWhereTheBufferRefusesIt)
+{
+    frame->startAccessStatus = E_FAIL;
+    EXPECT_EQ(ScopedBufferBytes(frame.get(), BufferAccessRead), nullptr);
+    EXPECT_THAT(log, ElementsAre("StartAccess 1"));
+}
+
+TEST_F(FrameAccess, IsClosedOnceWithoutAReferenceWhereThereAreNoBytes)
+{
+    frame->getBytesStatus = E_FAIL;
+    EXPECT_EQ(ScopedBufferBytes(frame.get(), BufferAccessRead), nullptr);
+    EXPECT_THAT(log, ElementsAre("StartAccess 1", "GetBytes", "EndAccess 1"));
+}
+
+TEST_F(FrameAccess, IsUndoneWhereThereIsNoMemoryForTheCount)
+{
+    log.reserve(16);
+    {
+        const auto faults = AllocationFaults::fromSize(24);
+        EXPECT_THROW(ScopedBufferBytes(frame.get(), BufferAccessRead), std::bad_alloc);
+        EXPECT_GT(faults.failed(), 0);
+    }
+    EXPECT_THAT(log, ElementsAre("StartAccess 1", "GetBytes", "AddRef", "EndAccess 1", "Release"));
+    EXPECT_EQ(frame->references(), 1u);
+    EXPECT_EQ(frame->openAccesses(), 0);
+}
+
+class OwningPointer : public FrameAccess {};
+
+TEST_F(OwningPointer, AddsAReferenceToAPlainPointerAndTakesOverAQueriedOne)
+{
+    {
+        const InterfaceRef<IKestrixVideoFrame> plain(frame.get());
+        EXPECT_EQ(frame->references(), 2u);
+        EXPECT_EQ(plain.id(), IID_IUnknown);
+
+        InterfaceRef<IKestrixVideoBuffer> queried;
+        EXPECT_EQ(queried.query(unknown(), IID_IKestrixVideoBuffer), S_OK);
+        EXPECT_EQ(queried.get(), static_cast<IKestrixVideoBuffer*>(frame.get()));
+        EXPECT_EQ(queried.id(), IID_IKestrixVideoBuffer);
+        EXPECT_EQ(frame->references(), 3u);
+
+        // Asked for what the object has not: the old reference goes, none comes.
+        EXPECT_EQ(queried.query(unknown(), IID_IKestrixVideoFrameMetadata), E_NOINTERFACE);
+        EXPECT_FALSE(queried);
+        EXPECT_EQ(frame->references(), 2u);
+    }
+    EXPECT_EQ(frame->references(), 1u);
+}
+
+TEST_F(OwningPointer, CountsCopiesAndMoves)
+{
+    InterfaceRef<IKestrixVideoFrame> first(frame.get());
+    InterfaceRef<IKestrixVideoFrame> copy(first);
+    EXPECT_EQ(frame->references(), 3u);
+    const InterfaceRef<IKestrixVideoFrame> moved(std::move(copy));
+    EXPECT_EQ(frame->references(), 3u);
+    first = moved;
+    EXPECT_EQ(frame->references(), 3u);
+    first.reset();
+    first.reset();
+    EXPECT_FALSE(first);
+    EXPECT_EQ(frame->references(), 2u);
+}
+
+} // namespace
+} // namespace kestrix::test

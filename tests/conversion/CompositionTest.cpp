@@ -1,0 +1,117 @@
+/// How stages become a pipeline: nesting, repetition, merged forms.
+#include "conversion/Transform.h"
+#include "tests/conversion/ArtificialStages.h"
+
+#include <concepts>
+#include <numeric>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace kestrix::test {
+namespace {
+
+using A = PLAIN<1, 4>;
+using B = PLAIN<2, 4>;
+using C = PLAIN<3, 4>;
+using Eights = PLAIN<4, 8>;
+using Twelves = PLAIN<5, 12>;
+using Single = PLAIN<6, 4>;
+using AThenB = FORM<7, 4, A, B>;
+using AThenBThenC = FORM<8, 8, A, B, C>;
+using SingleOnEights = FORM<9, 8, Single>;
+
+} // namespace
+} // namespace kestrix::test
+
+namespace KSX::PixelConversion {
+
+template<>
+struct MergedForm<kestrix::test::A, kestrix::test::B> {
+    using type = kestrix::test::AThenB;
+};
+template<>
+struct MergedForm<kestrix::test::A, kestrix::test::B, kestrix::test::C> {
+    using type = kestrix::test::AThenBThenC;
+};
+template<>
+struct MergedForm<kestrix::test::Single> {
+    using type = kestrix::test::SingleOnEights;
+};
+
+} // namespace KSX::PixelConversion
+
+namespace kestrix::test {
+namespace {
+
+using namespace KSX::PixelConversion;
+
+TEST(Composition, NestedPipelinesAreTheirFlatList)
+{
+    using Flat = BIND7<A, B, C, Eights, Twelves, A, B>;
+    static_assert(std::same_as<BIND<BIND3<A, B, C>, BIND4<Eights, Twelves, A, B>>, Flat>);
+    static_assert(std::same_as<BIND5<A, BIND<B, BIND<C, Eights>>, Twelves, A, B>, Flat>);
+    static_assert(std::same_as<BIND6<A, B, C, BIND<Eights, Twelves>, A, B>, Flat>);
+    static_assert(Flat::kBlock == 24);
+    // A repeated stage asks for the pixels of its repetitions and is otherwise that stage.
+    static_assert(BIND<Nx<3, A>, Eights>::kBlock == 24);
+    static_assert(BIND<Nx<2, A>, Eights>::kBlock == 8);
+}
+
+TEST(Composition, HandsTheUserContextToEveryStage)
+{
+    static thread_local std::vector<const void*> contexts;
+    contexts.clear();
+    class Listener : public PLAIN<1, 4> {
+    public:
+        void setUserContext(const void* context) override { contexts.push_back(context); }
+    };
+    const int context = 0;
+    Transform<BIND<Listener, Listener>, kWholeBlocks, 8>::apply(nullptr, 0, nullptr, 0, 0, 0,
+                                                                &context);
+    EXPECT_EQ(contexts, (std::vector<const void*>{&context, &context}));
+}
+
+/// Runs `PIPELINE` over three blocks, merged and as listed, and returns the IDs of the stages that
+/// ran in the merged one.
+template<class PIPELINE>
+std::string idsThatRan()
+{
+    constexpr unsigned kWidth = 3 * PIPELINE::kBlock;
+    std::vector<std::uint32_t> src(kWidth), listed(kWidth), merged(kWidth);
+    std::iota(src.begin(), src.end(), 1000u);
+
+    operations.fill({});
+    Transform<AsListed<PIPELINE>, kWholeBlocks, 8>::apply(src.data(), 0, listed.data(), 0, kWidth,
+                                                          1, nullptr);
+    for (const int form : {7, 8, 9})
+        EXPECT_EQ(operations[form], "");
+
+    operations.fill({});
+    Transform<PIPELINE, kWholeBlocks, 8>::apply(src.data(), 0, merged.data(), 0, kWidth, 1,
+                                                nullptr);
+    EXPECT_EQ(merged, listed);
+
+    std::string ids;
+    for (std::size_t id = 0; id < operations.size(); ++id)
+        if (!operations[id].empty())
+            ids += std::to_string(id);
+    return ids;
+}
+
+TEST(MergedForms, TakeTheLongestRunWhoseStepDividesTheBlock)
+{
+    EXPECT_EQ((idsThatRan<BIND<A, B>>()), "7");
+    EXPECT_EQ((idsThatRan<BIND3<A, B, C>>()), "37") << "8 does not divide a block of 4";
+    EXPECT_EQ((idsThatRan<BIND4<A, B, C, Eights>>()), "48");
+    EXPECT_EQ((idsThatRan<BIND3<C, A, B>>()), "37") << "not at the front only";
+    EXPECT_EQ((idsThatRan<BIND4<A, B, A, B>>()), "7") << "more than once";
+    EXPECT_EQ((idsThatRan<BIND<B, A>>()), "12") << "in this order alone";
+    EXPECT_EQ((idsThatRan<BIND<A, BIND<B, C>>>()), "37") << "across nested pipelines";
+    EXPECT_EQ((idsThatRan<BIND<Single, Eights>>()), "49");
+    EXPECT_EQ((idsThatRan<BIND<Single, Twelves>>()), "56") << "8 does not divide 12";
+    EXPECT_EQ((idsThatRan<BIND3<Single, Twelves, Eights>>()), "459");
+}
+
+} // namespace
+} // namespace kestrix::test

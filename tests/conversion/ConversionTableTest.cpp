@@ -1,0 +1,219 @@
+/// The table of conversions and its lookup, and the formats as memory.
+#include "conversion/KSXPixelConversion.h"
+#include "conversion/PixelFormats.h"
+
+#include <algorithm>
+#include <iostream>
+#include <map>
+#include <set>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace kestrix::test {
+namespace {
+
+using namespace KSX::PixelConversion;
+
+constexpr Colorspace kColorspaces[] = {Colorspace601, Colorspace709, Colorspace2020,
+                                       ColorspaceUnspecified};
+
+/// The rows whose entry is still to be written. Each entry that is lowers this, to 0 in the end.
+constexpr std::size_t kRowsWithoutFunction = 352;
+
+using Question = std::tuple<PixelFormat, Colorspace, PixelFormat, Colorspace>;
+
+/// Each question that has an answer, and the row that gives it: every row spelled out for the
+/// colourspaces that it serves, where an earlier row is never displaced.
+std::map<Question, std::size_t> answers()
+{
+    std::map<Question, std::size_t> rows;
+    for (std::size_t i = 0; i < std::size(conversions); ++i) {
+        const ConversionEntry& row = conversions[i];
+        if (row.srcColorspace != ColorspaceUnspecified) {
+            rows.try_emplace({row.srcFormat, row.srcColorspace, row.dstFormat, row.dstColorspace},
+                             i);
+            continue;
+        }
+        for (const Colorspace any : kColorspaces)
+            rows.try_emplace({row.srcFormat, any, row.dstFormat, any}, i);
+    }
+    return rows;
+}
+
+/// The function of row `index`, which is to be the row of that question.
+ConversionFunction functionOfRow(std::size_t index, const Question& question)
+{
+    const ConversionEntry& row = conversions[index];
+    EXPECT_EQ(question,
+              Question(row.srcFormat, row.srcColorspace, row.dstFormat, row.dstColorspace))
+        << "row " << index;
+    return row.function;
+}
+
+TEST(ConversionTable, HasARowForEveryEntryOrSaysWhichNot)
+{
+    std::string missing;
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < std::size(conversions); ++i) {
+        if (conversions[i].function != nullptr)
+            continue;
+        ++count;
+        const auto* const src = findPixelFormat(conversions[i].srcFormat);
+        const auto* const dst = findPixelFormat(conversions[i].dstFormat);
+        ASSERT_TRUE(src != nullptr && dst != nullptr) << "row " << i;
+        missing +=
+            "\n  row " + std::to_string(i) + ": " + src->engineName + " to " + dst->engineName;
+    }
+    std::cout << count << " rows without a function:" << missing << '\n';
+    EXPECT_EQ(count, kRowsWithoutFunction);
+}
+
+TEST(ConversionTable, IsInGroupsOfASource)
+{
+    // Every row where the source changes. A row lost or doubled moves all that follow.
+    const std::vector<std::pair<std::size_t, PixelFormat>> starts = {
+        {0, PixelFormat_2vuy},   {1, PixelFormat_YUY2},   {2, PixelFormat_2vuy},
+        {3, PixelFormat_YUY2},   {4, PixelFormat_2vuy},   {42, PixelFormat_v210},
+        {79, PixelFormat_v212},  {81, PixelFormat_v216},  {83, PixelFormat_ay10},
+        {86, PixelFormat_Ay10},  {98, PixelFormat_ARGB},  {115, PixelFormat_BGRA},
+        {158, PixelFormat_BGRX}, {164, PixelFormat_vRGB}, {170, PixelFormat_BGRv},
+        {178, PixelFormat_r210}, {196, PixelFormat_R210}, {211, PixelFormat_RGBA},
+        {230, PixelFormat_RGB3}, {244, PixelFormat_R10l}, {260, PixelFormat_r210},
+        {261, PixelFormat_R10b}, {277, PixelFormat_R10L}, {293, PixelFormat_R10B},
+        {309, PixelFormat_R10A}, {325, PixelFormat_A04l}, {329, PixelFormat_A04L},
+        {331, PixelFormat_R12B}, {340, PixelFormat_R12L}, {349, PixelFormat_b64a},
+        {350, PixelFormat_2vuy}, {352, PixelFormat_v210}, {354, PixelFormat_BGRA},
+        {355, PixelFormat_R12B}, {356, PixelFormat_R12L}, {357, PixelFormat_R12l},
+        {362, PixelFormat_b64a}};
+    std::vector<std::pair<std::size_t, PixelFormat>> got;
+    for (std::size_t i = 0; i < std::size(conversions); ++i)
+        if (i == 0 || conversions[i].srcFormat != conversions[i - 1].srcFormat)
+            got.emplace_back(i, conversions[i].srcFormat);
+    EXPECT_EQ(got, starts);
+    EXPECT_EQ(std::size(conversions), 364u);
+}
+
+TEST(ConversionTable, HoldsWhatEveryRowMustHold)
+{
+    for (std::size_t i = 0; i < std::size(conversions); ++i) {
+        SCOPED_TRACE(testing::Message() << "row " << i);
+        const ConversionEntry& row = conversions[i];
+        EXPECT_NE(findPixelFormat(row.srcFormat), nullptr);
+        EXPECT_NE(findPixelFormat(row.dstFormat), nullptr);
+        for (const Colorspace colorspace : {row.srcColorspace, row.dstColorspace})
+            EXPECT_EQ(std::count(std::begin(kColorspaces), std::end(kColorspaces), colorspace), 1);
+        EXPECT_EQ(row.srcColorspace == ColorspaceUnspecified,
+                  row.dstColorspace == ColorspaceUnspecified);
+        // A frame that needs no conversion gets none. 10-bit RGBA is written through once more.
+        const bool changes =
+            row.srcFormat != row.dstFormat || row.srcColorspace != row.dstColorspace;
+        EXPECT_EQ(changes, i != 324);
+    }
+}
+
+TEST(ConversionTable, HasTenRowsThatEarlierOnesHide)
+{
+    std::set<std::size_t> hidden;
+    for (std::size_t i = 0; i < std::size(conversions); ++i)
+        hidden.insert(i);
+    for (const auto& [question, row] : answers())
+        hidden.erase(row);
+    EXPECT_EQ(hidden, (std::set<std::size_t>{7, 8, 9, 44, 45, 46, 87, 88, 89, 209}));
+    // Each is hidden by a row with the same function.
+    for (const auto& [first, last] : {std::pair{6, 9}, {43, 46}, {86, 89}})
+        for (int i = first; i <= last; ++i)
+            EXPECT_EQ(conversions[i].function, conversions[first].function) << "row " << i;
+    EXPECT_EQ(conversions[209].function, conversions[205].function);
+}
+
+TEST(ConversionLookup, AnswersEveryQuestionByTheFirstRowThatServesIt)
+{
+    const auto expected = answers();
+    for (const PixelFormatInfo& src : kPixelFormats)
+        for (const PixelFormatInfo& dst : kPixelFormats)
+            for (const Colorspace from : kColorspaces)
+                for (const Colorspace to : kColorspaces) {
+                    const Colorspace target = to == ColorspaceUnspecified ? from : to;
+                    const auto row = expected.find({src.code, from, dst.code, target});
+                    const ConversionFunction function =
+                        row == expected.end() ? nullptr : conversions[row->second].function;
+                    ASSERT_EQ(GetConversionFunction(src.code, dst.code, from, to), function)
+                        << src.engineName << " to " << dst.engineName << ", " << from << " to "
+                        << to;
+                }
+}
+
+TEST(ConversionLookup, TellsACaseFromTheOneBesideIt)
+{
+    const auto find = GetConversionFunction;
+    constexpr auto k2vuy = PixelFormat_2vuy;
+    constexpr auto kBGRA = PixelFormat_BGRA;
+    constexpr auto kRGBA = PixelFormat_RGBA;
+    constexpr auto k601 = Colorspace601;
+    constexpr auto k709 = Colorspace709;
+    constexpr auto k2020 = Colorspace2020;
+    constexpr auto kNone = ColorspaceUnspecified;
+
+    // A destination's colourspace left open is the source's: no change of primaries.
+    const auto reordered = functionOfRow(142, {kBGRA, kNone, kRGBA, kNone});
+    EXPECT_NE(reordered, nullptr);
+    for (const auto colorspace : {k601, k709, k2020, kNone}) {
+        EXPECT_EQ(find(kBGRA, kRGBA, colorspace, kNone), reordered);
+        EXPECT_EQ(find(kBGRA, kRGBA, colorspace, colorspace), reordered);
+    }
+    EXPECT_EQ(find(kBGRA, kRGBA, k601, k709), functionOfRow(139, {kBGRA, k601, kRGBA, k709}));
+    EXPECT_NE(find(kBGRA, kRGBA, k601, k709), reordered);
+    EXPECT_EQ(find(kBGRA, kRGBA, k709, k601), nullptr) << "no row changes it that way";
+    EXPECT_EQ(find(kBGRA, kRGBA, kNone, k709), nullptr) << "from nothing to something";
+
+    EXPECT_EQ(find(k2vuy, PixelFormat_ARGB, kNone, kNone), nullptr) << "needs a colourspace";
+    EXPECT_EQ(find(k2vuy, PixelFormat_ARGB, k601, k601),
+              functionOfRow(10, {k2vuy, k601, PixelFormat_ARGB, k601}));
+    EXPECT_EQ(find(k2vuy, PixelFormat_ARGB, k2020, k2020), nullptr);
+    EXPECT_EQ(find(k2vuy, kBGRA, k2020, k2020), functionOfRow(18, {k2vuy, k2020, kBGRA, k2020}));
+
+    EXPECT_EQ(find(kBGRA, kBGRA, k709, k709), nullptr) << "nothing to convert";
+    EXPECT_EQ(find(kBGRA, kBGRA, k709, kNone), nullptr);
+    EXPECT_EQ(find(kBGRA, kBGRA, k709, k2020), functionOfRow(156, {kBGRA, k709, kBGRA, k2020}));
+
+    // Written, but not to be had.
+    EXPECT_EQ(find(kBGRA, PixelFormat_RGB3, kNone, kNone), nullptr);
+    EXPECT_EQ(find(PixelFormat_ARGB, PixelFormat_RGB3, kNone, kNone), nullptr);
+
+    const auto copy = &CopyWithoutConversion;
+    EXPECT_EQ(find(PixelFormat_v212, PixelFormat_v216, k709, k709), copy);
+    EXPECT_EQ(find(PixelFormat_v216, PixelFormat_v212, kNone, kNone), copy);
+    EXPECT_EQ(find(static_cast<PixelFormat>(0), kBGRA, kNone, kNone), nullptr);
+}
+
+TEST(PixelFormats, RowsEndInWholeGroups)
+{
+    const auto bytes = [](PixelFormat format, std::size_t width) {
+        return rowBytes(*findPixelFormat(format), width);
+    };
+    EXPECT_EQ(bytes(PixelFormat_2vuy, 15), 32u);
+    EXPECT_EQ(bytes(PixelFormat_YUY2, 1), 4u);
+    EXPECT_EQ(bytes(PixelFormat_v210, 1280), 3424u);
+    EXPECT_EQ(bytes(PixelFormat_v216, 5), 20u);
+    EXPECT_EQ(bytes(PixelFormat_Ay10, 5), 32u);
+    EXPECT_EQ(bytes(PixelFormat_RGB3, 5), 15u);
+    EXPECT_EQ(bytes(PixelFormat_ARGB, 5), 20u);
+    EXPECT_EQ(bytes(PixelFormat_R10A, 5), 20u);
+    EXPECT_EQ(bytes(PixelFormat_A04L, 5), 40u);
+    EXPECT_EQ(bytes(PixelFormat_R12l, 9), 72u);
+    EXPECT_EQ(bytes(PixelFormat_b64a, 5), 40u);
+    EXPECT_EQ(PixelFormat_ARGB, 32u);
+    EXPECT_EQ(PixelFormat_BGRA, 0x42475241u);
+
+    std::set<std::uint32_t> codes;
+    for (const PixelFormatInfo& format : kPixelFormats)
+        codes.insert(format.code);
+    EXPECT_EQ(codes.size(), 30u);
+    EXPECT_EQ(findPixelFormat(0), nullptr);
+}
+
+} // namespace
+} // namespace kestrix::test

@@ -1,0 +1,66 @@
+/// A GL context without a window to be seen, and pictures to paint into.
+///
+/// What is done here goes past the recorder.
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+struct GLFWwindow;
+
+namespace kestrix::test {
+
+/// A context that is current on the calling thread for as long as it lives.
+class GLContext {
+public:
+    enum class Kind {
+        Legacy, ///< OpenGL 2.1 or what is compatible with it
+        Core32, ///< OpenGL 3.2 or later, core profile, forward compatible
+    };
+
+    explicit GLContext(Kind kind);
+    ~GLContext();
+    GLContext(const GLContext&) = delete;
+    GLContext& operator=(const GLContext&) = delete;
+
+    /// Why there is no context; empty where there is one.
+    const std::string& failure() const { return m_failure; }
+
+private:
+    GLFWwindow* m_window = nullptr;
+    std::string m_failure;
+};
+
+/// A framebuffer of floats, bound for drawing with the viewport over all of it. Needs a context for
+/// as long as it lives.
+class Canvas {
+public:
+    Canvas(int width, int height);
+    ~Canvas();
+    Canvas(const Canvas&) = delete;
+    Canvas& operator=(const Canvas&) = delete;
+
+    int width() const { return m_width; }
+    int height() const { return m_height; }
+
+    /// Fills it with a colour that no test paints.
+    void soil();
+
+    /// R, G, B, A of the pixels as painted, the top line first.
+    std::vector<std::array<float, 4>> read() const;
+
+private:
+    int m_width;
+    int m_height;
+    unsigned m_framebuffer = 0;
+    unsigned m_renderbuffer = 0;
+};
+
+/// An integer of the context's state.
+int glState(unsigned name);
+
+/// The oldest error that the context has not told yet.
+unsigned glErrorNow();
+
+} // namespace kestrix::test

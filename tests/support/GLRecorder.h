@@ -1,0 +1,162 @@
+/// A GL that stands between the helpers and the driver: it writes down every call and either passes
+/// it on or answers it by itself.
+///
+/// GLRecorder.cpp defines `glXGetProcAddress` and the entry points that the library links directly,
+/// so a test program that contains it and the static library has its GL calls arrive here.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <iosfwd>
+#include <map>
+#include <set>
+#include <string>
+#include <type_traits>
+#include <variant>
+#include <vector>
+
+namespace kestrix::test {
+
+/// Stands for an argument that a test does not care about.
+struct AnyArgument {};
+inline constexpr AnyArgument kAny{};
+
+/// An argument as it was passed: an integer or enumerant, a floating-point number, or an address.
+struct GLArgument {
+    std::variant<std::int64_t, double, const void*, AnyArgument> value;
+
+    template<class T>
+    GLArgument(T argument) : value(hold(argument))
+    {
+    }
+
+    bool operator==(const GLArgument& other) const;
+    std::int64_t integer() const { return std::get<std::int64_t>(value); }
+    const void* address() const { return std::get<const void*>(value); }
+
+private:
+    template<class T>
+    static decltype(value) hold(T argument)
+    {
+        if constexpr (std::is_same_v<T, AnyArgument>)
+            return argument;
+        else if constexpr (std::is_null_pointer_v<T>)
+            return static_cast<const void*>(nullptr);
+        else if constexpr (std::is_pointer_v<T>)
+            return static_cast<const void*>(argument);
+        else if constexpr (std::is_floating_point_v<T>)
+            return static_cast<double>(argument);
+        else
+            return static_cast<std::int64_t>(argument);
+    }
+};
+
+/// A call, made or expected.
+struct GLCall {
+    std::string name;
+    std::vector<GLArgument> arguments;
+
+    bool operator==(const GLCall& other) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const GLCall& call);
+
+/// Writes an expected call as it would stand in code.
+template<class... ARGUMENTS>
+GLCall call(const char* name, ARGUMENTS... arguments)
+{
+    return {name, {GLArgument(arguments)...}};
+}
+
+/// The offset into a bound buffer that GL takes in the place of an address.
+inline const void* bufferOffset(std::uintptr_t offset)
+{
+    return reinterpret_cast<const void*>(offset);
+}
+
+/// What the fake answers, and what it was told.
+struct FakeGL {
+    int majorVersion = 4;
+    int minorVersion = 5;
+    const char* extensions = "";
+    bool vertexShaderCompiles = true;
+    bool fragmentShaderCompiles = true;
+    bool programLinks = true;
+    int infoLogLength = 40;
+    bool buffersMap = true;
+
+    int unpackRowLength = 0;
+    int textureEnvironmentMode = 0x2100; // GL_MODULATE
+    /// Names made and not deleted, each with its kind. No two kinds share a name.
+    std::map<unsigned, std::string> live;
+    std::map<unsigned, unsigned> boundBuffers;
+    std::map<unsigned, std::vector<std::uint8_t>> bufferBytes;
+
+    unsigned make(const char* kind);
+    /// Where a uniform or an attribute lies; any fixed and distinct number will do.
+    static int location(const char* name);
+    std::vector<unsigned> liveOf(const std::string& kind) const;
+};
+
+/// The one recorder of the process. GL thread only.
+class GLRecorder {
+public:
+    static GLRecorder& get();
+
+    /// Forgets everything and answers calls by a fresh fake, for which no context is needed.
+    void useFake();
+    /// Forgets everything and passes calls on to libGL, which needs a current context.
+    void useDriver();
+
+    /// Calls since the last `clear`, in order, look-ups excluded.
+    const std::vector<GLCall>& calls() const { return m_calls; }
+    /// Those of them to certain functions.
+    std::vector<GLCall> callsTo(const std::set<std::string>& names) const;
+    std::vector<std::string> callNames() const;
+    /// Names asked of `glXGetProcAddress` since the last `clear`.
+    const std::vector<std::string>& lookups() const { return m_lookups; }
+    void clear();
+
+    /// Runs `observer` at each call to `name`, before the call is answered.
+    void observe(const std::string& name, std::function<void(const GLCall&)> observer);
+
+    /// Has calls to `name` answered by `function`, whatever the mode.
+    template<class FUNCTION>
+    void replace(const std::string& name, FUNCTION* function)
+    {
+        m_replacements[name] = reinterpret_cast<void*>(function);
+    }
+
+    /// Has `glXGetProcAddress` give null at the look-up of that number from the last `clear`,
+    /// counted from 0; none for a negative number.
+    void failLookup(int number) { m_failingLookup = number; }
+
+    FakeGL fake;
+
+    // For the entry points only.
+    void record(GLCall call);
+    void* target(const char* name);
+    void* lookUp(const char* name);
+
+private:
+    void forgetAll();
+
+    bool m_driver = false;
+    int m_failingLookup = -1;
+    std::vector<GLCall> m_calls;
+    std::vector<std::string> m_lookups;
+    std::multimap<std::string, std::function<void(const GLCall&)>> m_observers;
+    std::map<std::string, void*> m_replacements;
+};
+
+/// The driver's own entry point, past the recorder. Of type `FUNCTION`, as in
+/// `driverGL<decltype(glGetError)>("glGetError")`.
+void* driverEntryPoint(const char* name);
+
+template<class FUNCTION>
+FUNCTION* driverGL(const char* name)
+{
+    return reinterpret_cast<FUNCTION*>(driverEntryPoint(name));
+}
+
+} // namespace kestrix::test

@@ -1,0 +1,43 @@
+/// Memory right behind which nothing can be read or written.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <new>
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace kestrix::test {
+
+/// Zeroed bytes that end where an unreadable page begins.
+class GuardedBytes {
+public:
+    explicit GuardedBytes(std::size_t size) : m_size(size)
+    {
+        const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+        m_mapped = (size + page - 1) / page * page + page;
+        void* memory =
+            mmap(nullptr, m_mapped, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (memory == MAP_FAILED)
+            throw std::bad_alloc();
+        m_base = static_cast<std::uint8_t*>(memory);
+        mprotect(m_base + m_mapped - page, page, PROT_NONE);
+        m_begin = m_base + m_mapped - page - size;
+    }
+
+    ~GuardedBytes() { munmap(m_base, m_mapped); }
+    GuardedBytes(const GuardedBytes&) = delete;
+    GuardedBytes& operator=(const GuardedBytes&) = delete;
+
+    std::uint8_t* begin() { return m_begin; }
+    std::uint8_t* end() { return m_begin + m_size; }
+
+private:
+    std::size_t m_size;
+    std::size_t m_mapped;
+    std::uint8_t* m_base;
+    std::uint8_t* m_begin;
+};
+
+} // namespace kestrix::test

@@ -1,0 +1,87 @@
+/// A picture in memory that shows every byte touched outside its rows.
+#pragma once
+
+#include "tests/support/GuardedBytes.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include <gtest/gtest.h>
+
+namespace kestrix::test {
+
+/// Where the rows of a picture lie. `padding` bytes stand between rows, and `slack` bytes behind
+/// the one that is last in memory before the page that can't be touched.
+struct PictureLayout {
+    std::size_t padding = 0;
+    bool bottomUp = false;
+    std::size_t slack = 0;
+};
+
+/// Rows of exact size with guard bytes before, between and behind them, and an unreadable page
+/// behind it all. An odd padding puts rows at every alignment.
+class GuardedPicture {
+public:
+    GuardedPicture(unsigned height, std::size_t rowBytes, PictureLayout layout = {})
+        : m_height(height),
+          m_rowBytes(rowBytes),
+          m_layout(layout),
+          m_memory(kLead + height * rowBytes + (height > 1 ? (height - 1) * layout.padding : 0) +
+                   layout.slack)
+    {
+        for (std::uint8_t* byte = m_memory.begin(); byte != m_memory.end(); ++byte)
+            *byte = guardAt(byte);
+    }
+
+    unsigned height() const { return m_height; }
+    std::uint8_t* top() { return rowAt(0); }
+
+    /// The distance from a row to the one below, as the engine's entries take it.
+    unsigned rowStep() const
+    {
+        const auto step = static_cast<unsigned>(m_rowBytes + m_layout.padding);
+        return m_layout.bottomUp ? 0 - step : step;
+    }
+
+    std::span<std::uint8_t> row(unsigned y) { return {rowAt(y), m_rowBytes}; }
+
+    /// Fails with the place of the first guard byte that has changed.
+    testing::AssertionResult guardsIntact()
+    {
+        const std::size_t step = m_rowBytes + m_layout.padding;
+        const std::uint8_t* const rows = m_memory.begin() + kLead;
+        for (const std::uint8_t* byte = m_memory.begin(); byte != m_memory.end(); ++byte) {
+            const std::ptrdiff_t offset = byte - rows;
+            const bool inRows = offset >= 0 && step != 0 &&
+                                static_cast<std::size_t>(offset) / step < m_height &&
+                                static_cast<std::size_t>(offset) % step < m_rowBytes;
+            if (!inRows && *byte != guardAt(byte))
+                return testing::AssertionFailure()
+                       << "guard byte at " << offset << " from the lowest row was written; rows of "
+                       << m_rowBytes << " bytes, " << step << " apart";
+        }
+        return testing::AssertionSuccess();
+    }
+
+private:
+    static constexpr std::size_t kLead = 64;
+
+    static std::uint8_t guardAt(const std::uint8_t* byte)
+    {
+        return static_cast<std::uint8_t>(0xA5 ^ reinterpret_cast<std::uintptr_t>(byte) * 29);
+    }
+
+    std::uint8_t* rowAt(unsigned y)
+    {
+        const unsigned fromLowest = m_layout.bottomUp && m_height != 0 ? m_height - 1 - y : y;
+        return m_memory.begin() + kLead + fromLowest * (m_rowBytes + m_layout.padding);
+    }
+
+    unsigned m_height;
+    std::size_t m_rowBytes;
+    PictureLayout m_layout;
+    GuardedBytes m_memory;
+};
+
+} // namespace kestrix::test
