@@ -1,5 +1,6 @@
 /// The helpers as reference-counted objects, and the factories that make them.
 #include "tests/support/AllocationFaults.h"
+#include "tests/support/CaseName.h"
 #include "tests/support/PreviewFixture.h"
 
 #include <atomic>
@@ -125,7 +126,7 @@ TEST_P(HelperObject, IsNullWhereMemoryIsShort)
 INSTANTIATE_TEST_SUITE_P(Api, HelperObject,
                          testing::Values(Factory{"Legacy", CreateOpenGLScreenPreviewHelper_0002},
                                          Factory{"OpenGL3", CreateOpenGL3ScreenPreviewHelper_0002}),
-                         [](const auto& tested) { return std::string(tested.param.name); });
+                         caseName);
 
 } // namespace
 } // namespace kestrix::test

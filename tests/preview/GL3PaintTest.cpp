@@ -1,5 +1,6 @@
 /// What the OpenGL 3 helper does with frames: uploads, textures, uniforms, fences, references.
 #include "preview/ScreenPreviewLut.h"
+#include "tests/support/CaseName.h"
 #include "tests/support/PreviewFixture.h"
 #include "tests/support/TestFrame.h"
 
@@ -197,7 +198,7 @@ TEST_F(GL3Paint, ChoosesTheTexelTypeByFormat)
 // --- Two eyes ------------------------------------------------------------------------------------
 
 struct StereoCase {
-    const char* preview;
+    const char* name;
     int format;
     int width, height;     // texture
     int rightX, rightY;    // of the right picture in it
@@ -207,7 +208,7 @@ struct StereoCase {
 
 void PrintTo(const StereoCase& c, std::ostream* out)
 {
-    *out << c.preview;
+    *out << c.name;
 }
 
 class GL3StereoPaint : public GL3Paint, public testing::WithParamInterface<StereoCase> {};
@@ -217,7 +218,7 @@ TEST_P(GL3StereoPaint, LaysTheEyesOut)
     const StereoCase& c = GetParam();
     const Frame right = TestFrame::create(kSmall);
     const Frame left = TestFrame::create(withRightEye(kSmall, right));
-    EXPECT_EQ(helper->Set3DPreviewFormat(code(c.preview)), S_OK);
+    EXPECT_EQ(helper->Set3DPreviewFormat(code(c.name)), S_OK);
     paint(left.get());
 
     std::vector<GLCall> expected{storage(c.width, c.height)};
@@ -253,7 +254,7 @@ INSTANTIATE_TEST_SUITE_P(
                     StereoCase{"side", 2, 2 * kRow, kRows, kRow, 0, 32, 4, true, true},
                     StereoCase{"topb", 3, kRow, 2 * kRows, 0, kRows, 16, 8, true, true},
                     StereoCase{"defa", 3, kRow, 2 * kRows, 0, kRows, 16, 8, true, true}),
-    [](const auto& tested) { return std::string(tested.param.preview); });
+    caseName);
 
 TEST_F(GL3Paint, ShowsTopAndBottomUntilToldOtherwise)
 {
@@ -424,7 +425,7 @@ TEST_F(GL3Paint, WaitsForTheUploadBehindTheDraw)
     paint(TestFrame::create(kSmall).get());
     const std::vector<GLCall> order = gl.callsTo(
         {"glTexSubImage2D", "glFenceSync", "glDrawElements", "glClientWaitSync", "glDeleteSync"});
-    EXPECT_THAT(
+    ASSERT_THAT(
         order,
         ElementsAre(call("glTexSubImage2D", kAny, kAny, kAny, kAny, kAny, kAny, kAny, kAny, kAny),
                     call("glFenceSync", GL_SYNC_GPU_COMMANDS_COMPLETE, 0),

@@ -1,5 +1,6 @@
 /// What the OpenGL 3 helper paints, read back from a real context.
 #include "tests/preview/ShaderModel.h"
+#include "tests/support/CaseName.h"
 #include "tests/support/GLContext.h"
 #include "tests/support/PreviewFixture.h"
 #include "tests/support/Random.h"
@@ -278,8 +279,7 @@ TEST_P(GL3FormatPixels, ShowBothEyes)
         [](double t) { return (1 - t) / 2; }, tolerance);
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats, GL3FormatPixels, testing::ValuesIn(kShaderFormats),
-                         [](const auto& tested) { return std::string(tested.param.name); });
+INSTANTIATE_TEST_SUITE_P(Formats, GL3FormatPixels, testing::ValuesIn(kShaderFormats), caseName);
 
 TEST_F(GL3Unpacking, IsOpaqueBlackForWhatTheShaderDoesNotKnow)
 {
