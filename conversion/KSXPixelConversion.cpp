@@ -62,10 +62,10 @@ constexpr ConversionEntry conversions[kConversionCount] = {
     // source,     destination,  entry
 
     // row 0: from 2vuy
-    {k2vuy, Any,   kYUY2, Any,   pending("Convert_8YUV422_To_8YUY422")},
+    {k2vuy, Any,   kYUY2, Any,   Convert_8YUV422_To_8YUY422},
 
     // row 1: from YUY2
-    {kYUY2, Any,   k2vuy, Any,   pending("Convert_8YUY422_To_8YUV422")},
+    {kYUY2, Any,   k2vuy, Any,   Convert_8YUY422_To_8YUV422},
 
     // row 2: from 2vuy
     // The one change of colourspace into YUY2, and row 3 the one out of it.
@@ -82,15 +82,15 @@ constexpr ConversionEntry conversions[kConversionCount] = {
     {k2vuy, R601,  kAy10, R601,  pending("Convert_8YUV422_TO_10YUVA422_BE_FullA")},
     {k2vuy, R709,  kAy10, R709,  pending("Convert_8YUV422_TO_10YUVA422_BE_FullA")},
     {k2vuy, R2020, kAy10, R2020, pending("Convert_8YUV422_TO_10YUVA422_BE_FullA")},
-    {k2vuy, R601,  kARGB, R601,  pending("Convert_8YUV422_SD_To_8ARGB_FULL")},
-    {k2vuy, R709,  kARGB, R709,  pending("Convert_8YUV422_HD_To_8ARGB_FULL")},
-    {k2vuy, R601,  kRGB3, R601,  pending("Convert_8YUV422_SD_To_8RGB_FULL")},
-    {k2vuy, R709,  kRGB3, R709,  pending("Convert_8YUV422_HD_To_8RGB_FULL")},
+    {k2vuy, R601,  kARGB, R601,  Convert_8YUV422_SD_To_8ARGB_FULL},
+    {k2vuy, R709,  kARGB, R709,  Convert_8YUV422_HD_To_8ARGB_FULL},
+    {k2vuy, R601,  kRGB3, R601,  Convert_8YUV422_SD_To_8RGB_FULL},
+    {k2vuy, R709,  kRGB3, R709,  Convert_8YUV422_HD_To_8RGB_FULL},
     {k2vuy, R601,  kBGRA, R709,  pending("Convert_8YUV422_601_To_8BGRA_FULL_709")},
     {k2vuy, R2020, kBGRA, R709,  pending("Convert_8YUV422_2020_To_8BGRA_FULL_709")},
-    {k2vuy, R601,  kBGRA, R601,  pending("Convert_8YUV422_SD_To_8BGRA_FULL")},
-    {k2vuy, R709,  kBGRA, R709,  pending("Convert_8YUV422_HD_To_8BGRA_FULL")},
-    {k2vuy, R2020, kBGRA, R2020, pending("Convert_8YUV422_2020_To_8BGRA_FULL")},
+    {k2vuy, R601,  kBGRA, R601,  Convert_8YUV422_SD_To_8BGRA_FULL},
+    {k2vuy, R709,  kBGRA, R709,  Convert_8YUV422_HD_To_8BGRA_FULL},
+    {k2vuy, R2020, kBGRA, R2020, Convert_8YUV422_2020_To_8BGRA_FULL},
     {k2vuy, R601,  kr210, R601,  pending("Convert_8YUV422_SD_To_10XRGB_BE_SMPTE")},
     {k2vuy, R709,  kr210, R709,  pending("Convert_8YUV422_HD_To_10XRGB_BE_SMPTE")},
     {k2vuy, R2020, kr210, R2020, pending("Convert_8YUV422_2020_To_10XRGB_BE_SMPTE")},
@@ -98,8 +98,8 @@ constexpr ConversionEntry conversions[kConversionCount] = {
     {k2vuy, R709,  kR210, R709,  pending("Convert_8YUV422_HD_To_10XRGB_BE_FULL")},
     {k2vuy, R601,  kRGBA, R709,  pending("Convert_8YUV422_601_To_8RGBA_FULL_709")},
     {k2vuy, R2020, kRGBA, R709,  pending("Convert_8YUV422_2020_To_8RGBA_FULL_709")},
-    {k2vuy, R601,  kRGBA, R601,  pending("Convert_8YUV422_SD_To_8RGBA_FULL")},
-    {k2vuy, R709,  kRGBA, R709,  pending("Convert_8YUV422_HD_To_8RGBA_FULL")},
+    {k2vuy, R601,  kRGBA, R601,  Convert_8YUV422_SD_To_8RGBA_FULL},
+    {k2vuy, R709,  kRGBA, R709,  Convert_8YUV422_HD_To_8RGBA_FULL},
     {k2vuy, R601,  kR10l, R601,  pending("Convert_8YUV422_SD_To_10RGBX_LE_SMPTE")},
     {k2vuy, R709,  kR10l, R709,  pending("Convert_8YUV422_HD_To_10RGBX_LE_SMPTE")},
     {k2vuy, R2020, kR10l, R2020, pending("Convert_8YUV422_2020_To_10RGBX_LE_SMPTE")},
@@ -185,8 +185,8 @@ constexpr ConversionEntry conversions[kConversionCount] = {
     {kAy10, R2020, kRGBA, R2020, pending("Convert_10YUVA422_BE_SMPTE_FullA_2020_To_8RGBA_FULL")},
 
     // rows 98 to 114: from 32
-    {kARGB, R601,  k2vuy, R601,  pending("Convert_8ARGB_FULL_To_8YUV422_SD")},
-    {kARGB, R709,  k2vuy, R709,  pending("Convert_8ARGB_FULL_To_8YUV422_HD")},
+    {kARGB, R601,  k2vuy, R601,  Convert_8ARGB_FULL_To_8YUV422_SD},
+    {kARGB, R709,  k2vuy, R709,  Convert_8ARGB_FULL_To_8YUV422_HD},
     {kARGB, R601,  kv210, R601,  pending("Convert_8ARGB_FULL_To_10YUV422_LE_SD")},
     {kARGB, R709,  kv210, R709,  pending("Convert_8ARGB_FULL_To_10YUV422_LE_HD")},
     {kARGB, R601,  kBGRA, R709,  pending("Convert_8ARGB_FULL_601_To_8BGRA_FULL_709")},
@@ -205,14 +205,14 @@ constexpr ConversionEntry conversions[kConversionCount] = {
 
     // rows 115 to 157: from BGRA
     {kBGRA, R709,  k2vuy, R2020, pending("Convert_8BGRA_FULL_709_To_8YUV422_2020")},
-    {kBGRA, R601,  k2vuy, R601,  pending("Convert_8BGRA_FULL_To_8YUV422_SD")},
+    {kBGRA, R601,  k2vuy, R601,  Convert_8BGRA_FULL_To_8YUV422_SD},
     {kBGRA, R601,  k2vuy, R709,  pending("Convert_8BGRA_FULL_601_To_8YUV422_HD")},
     {kBGRA, R709,  k2vuy, R601,  pending("Convert_8BGRA_FULL_709_To_8YUV422_SD")},
     {kBGRA, R601,  k2vuy, R2020, pending("Convert_8BGRA_FULL_601_To_8YUV422_2020")},
     {kBGRA, R2020, k2vuy, R601,  pending("Convert_8BGRA_FULL_2020_To_8YUV422_SD")},
     {kBGRA, R2020, k2vuy, R709,  pending("Convert_8BGRA_FULL_2020_To_8YUV422_HD")},
-    {kBGRA, R709,  k2vuy, R709,  pending("Convert_8BGRA_FULL_To_8YUV422_HD")},
-    {kBGRA, R2020, k2vuy, R2020, pending("Convert_8BGRA_FULL_To_8YUV422_2020")},
+    {kBGRA, R709,  k2vuy, R709,  Convert_8BGRA_FULL_To_8YUV422_HD},
+    {kBGRA, R2020, k2vuy, R2020, Convert_8BGRA_FULL_To_8YUV422_2020},
     {kBGRA, R601,  kv210, R601,  pending("Convert_8BGRA_FULL_To_10YUV422_LE_SD")},
     {kBGRA, R709,  kv210, R709,  pending("Convert_8BGRA_FULL_To_10YUV422_LE_HD")},
     {kBGRA, R2020, kv210, R2020, pending("Convert_8BGRA_FULL_To_10YUV422_LE_2020")},
@@ -223,9 +223,9 @@ constexpr ConversionEntry conversions[kConversionCount] = {
     {kBGRA, R709,  kAy10, R709,  pending("Convert_8BGRA_FULL_To_10YUVA422_BE_SMPTE_FullA_HD")},
     {kBGRA, R2020, kAy10, R2020, pending("Convert_8BGRA_FULL_To_10YUVA422_BE_SMPTE_FullA_2020")},
     {kBGRA, Any,   kARGB, Any,   Convert_8BGRA_FULL_To_8ARGB_FULL},
-    {kBGRA, Any,   kvRGB, Any,   pending("Convert_8BGRA_FULL_To_8ARGB_SMPTE")},
+    {kBGRA, Any,   kvRGB, Any,   Convert_8BGRA_FULL_To_8ARGB_SMPTE},
     {kBGRA, R709,  kBGRv, R2020, pending("Convert_8BGRA_FULL_709_To_8BGRA_SMPTE_2020")},
-    {kBGRA, Any,   kBGRv, Any,   pending("Convert_8BGRA_FULL_To_8BGRA_SMPTE")},
+    {kBGRA, Any,   kBGRv, Any,   Convert_8BGRA_FULL_To_8BGRA_SMPTE},
     {kBGRA, Any,   kr210, Any,   pending("Convert_8BGRA_FULL_To_10XRGB_BE_SMPTE")},
     {kBGRA, Any,   kR210, Any,   pending("Convert_8BGRA_FULL_To_10XRGB_BE_FULL")},
     {kBGRA, R601,  kRGBA, R709,  pending("Convert_8BGRA_FULL_601_To_8RGBA_FULL_709")},
@@ -259,20 +259,20 @@ constexpr ConversionEntry conversions[kConversionCount] = {
     // rows 164 to 169: from vRGB
     {kvRGB, R601,  kBGRA, R709,  pending("Convert_8ARGB_SMPTE_601_To_8BGRA_FULL_709")},
     {kvRGB, R2020, kBGRA, R709,  pending("Convert_8ARGB_SMPTE_2020_To_8BGRA_FULL_709")},
-    {kvRGB, Any,   kBGRA, Any,   pending("Convert_8ARGB_SMPTE_To_8BGRA_FULL")},
+    {kvRGB, Any,   kBGRA, Any,   Convert_8ARGB_SMPTE_To_8BGRA_FULL},
     {kvRGB, R601,  kRGBA, R709,  pending("Convert_8ARGB_SMPTE_601_To_8RGBA_FULL_709")},
     {kvRGB, R2020, kRGBA, R709,  pending("Convert_8ARGB_SMPTE_2020_To_8RGBA_FULL_709")},
-    {kvRGB, Any,   kRGBA, Any,   pending("Convert_8ARGB_SMPTE_To_8RGBA_FULL")},
+    {kvRGB, Any,   kRGBA, Any,   Convert_8ARGB_SMPTE_To_8RGBA_FULL},
 
     // rows 170 to 177: from BGRv
     {kBGRv, R709,  k2vuy, R2020, pending("Convert_8BGRA_SMPTE_709_To_8YUV422_2020")},
     {kBGRv, R601,  kBGRA, R709,  pending("Convert_8BGRA_SMPTE_601_To_8BGRA_FULL_709")},
     {kBGRv, R2020, kBGRA, R709,  pending("Convert_8BGRA_SMPTE_2020_To_8BGRA_FULL_709")},
-    {kBGRv, Any,   kBGRA, Any,   pending("Convert_8BGRA_SMPTE_To_8BGRA_FULL")},
+    {kBGRv, Any,   kBGRA, Any,   Convert_8BGRA_SMPTE_To_8BGRA_FULL},
     {kBGRv, R709,  kBGRv, R2020, pending("Convert_8BGRA_SMPTE_709_To_8BGRA_SMPTE_2020")},
     {kBGRv, R601,  kRGBA, R709,  pending("Convert_8BGRA_SMPTE_601_To_8RGBA_FULL_709")},
     {kBGRv, R2020, kRGBA, R709,  pending("Convert_8BGRA_SMPTE_2020_To_8RGBA_FULL_709")},
-    {kBGRv, Any,   kRGBA, Any,   pending("Convert_8BGRA_SMPTE_To_8RGBA_FULL")},
+    {kBGRv, Any,   kRGBA, Any,   Convert_8BGRA_SMPTE_To_8RGBA_FULL},
 
     // rows 178 to 195: from r210
     {kr210, R601,  k2vuy, R601,  pending("Convert_10XRGB_BE_SMPTE_To_8YUV422_SD")},
@@ -313,8 +313,8 @@ constexpr ConversionEntry conversions[kConversionCount] = {
     {kR210, Any,   kr210, Any,   pending("Convert_10XRGB_BE_FULL_To_10XRGB_BE_SMPTE")},
 
     // rows 211 to 229: from RGBA
-    {kRGBA, R601,  k2vuy, R601,  pending("Convert_8RGBA_FULL_To_8YUV422_SD")},
-    {kRGBA, R709,  k2vuy, R709,  pending("Convert_8RGBA_FULL_To_8YUV422_HD")},
+    {kRGBA, R601,  k2vuy, R601,  Convert_8RGBA_FULL_To_8YUV422_SD},
+    {kRGBA, R709,  k2vuy, R709,  Convert_8RGBA_FULL_To_8YUV422_HD},
     {kRGBA, R601,  kv210, R601,  pending("Convert_8RGBA_FULL_To_10YUV422_LE_SD")},
     {kRGBA, R709,  kv210, R709,  pending("Convert_8RGBA_FULL_To_10YUV422_LE_HD")},
     {kRGBA, R601,  kay10, R601,  pending("Convert_8RGBA_FULL_To_10YUVA422_BE_SMPTE_SD")},
@@ -334,8 +334,8 @@ constexpr ConversionEntry conversions[kConversionCount] = {
     {kRGBA, Any,   kR10A, Any,   pending("Convert_8RGBA_FULL_To_10RGBA_BE_FULL")},
 
     // rows 230 to 243: from RGB3
-    {kRGB3, R601,  k2vuy, R601,  pending("Convert_8RGB_FULL_To_8YUV422_SD")},
-    {kRGB3, R709,  k2vuy, R709,  pending("Convert_8RGB_FULL_To_8YUV422_HD")},
+    {kRGB3, R601,  k2vuy, R601,  Convert_8RGB_FULL_To_8YUV422_SD},
+    {kRGB3, R709,  k2vuy, R709,  Convert_8RGB_FULL_To_8YUV422_HD},
     {kRGB3, R601,  kv210, R601,  pending("Convert_8RGB_FULL_To_10YUV422_LE_SD")},
     {kRGB3, R709,  kv210, R709,  pending("Convert_8RGB_FULL_To_10YUV422_LE_HD")},
     {kRGB3, Any,   kARGB, Any,   Convert_8RGB_FULL_To_8ARGB_FULL},

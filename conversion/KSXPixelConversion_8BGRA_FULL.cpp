@@ -1,7 +1,10 @@
 /// From 8BGRA_FULL (BGRA): 8-bit BGRA, full range. Bytes B G R A.
 #include "conversion/ByteSwap.h"
 #include "conversion/Convert.h"
+#include "conversion/colour/RGBToYUV.h"
+#include "conversion/colour/Rescale.h"
 #include "conversion/stages/RGB8.h"
+#include "conversion/stages/YUV8.h"
 
 namespace KSX::PixelConversion {
 
@@ -23,5 +26,22 @@ void Convert_8BGRA_FULL_To_8ARGB_FULL_Scalar(unsigned width, unsigned height, vo
 CONVERSION(Convert_8BGRA_FULL_To_8RGBA_FULL, BIND<UNPACK_BGRA_TO_RGBv4, PACK_RGBv4_TO_RGBA>)
 CONVERSION(Convert_8BGRA_FULL_To_8RGB_FULL,
            BIND3<UNPACK_BGRA_TO_RGBv4, PACK_RGBv4_TO_RGBA, PACK_RGBA_TO_RGB>)
+
+// To 8-bit RGB in studio range: alpha is kept. Block 4.
+CONVERSION(
+    Convert_8BGRA_FULL_To_8ARGB_SMPTE,
+    BIND3<UNPACK_BGRA_TO_BGRAv8, BGRAv8_COMPUTER_TO_STUDIO_KEEPALPHA<8, P1>, PACK_BGRAv8_TO_ARGB>)
+CONVERSION(
+    Convert_8BGRA_FULL_To_8BGRA_SMPTE,
+    BIND3<UNPACK_BGRA_TO_BGRAv8, BGRAv8_COMPUTER_TO_STUDIO_KEEPALPHA<8, P1>, PACK_BGRAv8_TO_BGRA>)
+
+// To 8-bit 4:2:2: weigh, filter the chroma, pack. Block 8.
+template<class RANGE>
+using To8YUV422 =
+    BIND3<UNPACK_BGRA_TO_BGRAv8, BGRAv8_TO_UYVYv8<RANGE, 8, 8, P1, C0>, PACK_UYVYv8_TO_UYVY>;
+
+CONVERSION(Convert_8BGRA_FULL_To_8YUV422_SD, To8YUV422<ComputerRange601>)
+CONVERSION(Convert_8BGRA_FULL_To_8YUV422_HD, To8YUV422<ComputerRange709>)
+CONVERSION(Convert_8BGRA_FULL_To_8YUV422_2020, To8YUV422<ComputerRange2020>)
 
 } // namespace KSX::PixelConversion

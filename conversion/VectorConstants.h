@@ -29,6 +29,12 @@ inline constexpr __m128i v4i_0xff000000 = v4i(0xff000000);
 inline constexpr __m128i v4i_0xffff0000 = v4i(0xffff0000);
 inline constexpr __m128i v4i_0x3fff = v4i(0x3fff);
 
+inline constexpr __m128i v8i_1 = v8i(1);
 inline constexpr __m128i v8i_0xff = v8i(0xff);
+
+/// The alpha lanes of `BGRAv8`, and its colour lanes.
+inline constexpr __m128i v8i_mask_7xxx3xxx =
+    __m128i{static_cast<long long>(0xffff000000000000), static_cast<long long>(0xffff000000000000)};
+inline constexpr __m128i v8i_mask_x654x210 = __m128i{0x0000ffffffffffff, 0x0000ffffffffffff};
 
 } // namespace KSX::PixelConversion

@@ -1,0 +1,100 @@
+/// Stages that change the depth of code values without a change of range.
+///
+/// Upwards a shift, zeros below: 8-bit 255 becomes 1020 at 10 bits, not 1023. Downwards, by n bits,
+/// rounding half up to at most C = ((1 << WIDTH) - 1) >> n:
+///
+///     y = min((x >> n) + ((x >> (n - 1)) & 1), C)        WIDTH 16, lanes of 16 bits
+///     y = min((x + (1 << (n - 1))) >> n, C)              otherwise
+///
+/// Both round alike; the first has no sum that can leave the lane.
+#pragma once
+
+#include "conversion/Kernel.h"
+#include "conversion/VectorConstants.h"
+#include "conversion/colour/Flags.h"
+
+namespace KSX::PixelConversion {
+
+namespace details {
+
+/// The arithmetic of a depth change of `SHIFT` bits.
+template<int SHIFT, int WIDTH, VectorTypeFlag VECTOR>
+class BitDepth {
+    static constexpr int n = -SHIFT;
+    static constexpr int kCap = ((1 << WIDTH) - 1) >> (n > 0 ? n : 0);
+
+protected:
+    KSX_INLINE static __m128i changeDepth(__m128i x)
+    {
+        if constexpr (SHIFT > 0) {
+            return VECTOR == kRGBLanes ? _mm_slli_epi32(x, SHIFT) : _mm_slli_epi16(x, SHIFT);
+        } else if constexpr (VECTOR == kRGBLanes) {
+            // At most 16384, so a signed minimum of 16 bits will do.
+            const __m128i rounded = _mm_srli_epi32(_mm_add_epi32(x, v4i(1 << (n - 1))), n);
+            return _mm_min_epi16(rounded, v4i(kCap));
+        } else if constexpr (WIDTH == 16) {
+            const __m128i half = _mm_and_si128(_mm_srli_epi16(x, n - 1), v8i_1);
+            return _mm_min_epi16(_mm_adds_epi16(_mm_srli_epi16(x, n), half), v8i(kCap));
+        } else {
+            const __m128i rounded = _mm_srli_epi16(_mm_adds_epi16(x, v8i(1 << (n - 1))), n);
+            return _mm_min_epi16(rounded, v8i(kCap));
+        }
+    }
+};
+
+} // namespace details
+
+/// Changes the depth of `RGBv4`. 4 pixels a step: 3 vectors in, 3 out. Plain.
+template<int SHIFT, int WIDTH>
+class RGBv4_BITDEPTH : public Kernel<4, 4>, protected details::BitDepth<SHIFT, WIDTH, kRGBLanes> {
+public:
+    using Input = RGBv4;
+    using Output = RGBv4;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return {{this->changeDepth(in[0]), this->changeDepth(in[1]), this->changeDepth(in[2])}};
+    }
+};
+
+/// Changes the depth of `RGBv8`. 8 pixels a step: 3 vectors in, 3 out. Plain.
+template<int SHIFT, int WIDTH>
+class RGBv8_BITDEPTH : public Kernel<8, 8>, protected details::BitDepth<SHIFT, WIDTH, kBGRALanes> {
+public:
+    using Input = RGBv8;
+    using Output = RGBv8;
+
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
+    {
+        return {{this->changeDepth(in[0]), this->changeDepth(in[1]), this->changeDepth(in[2])}};
+    }
+};
+
+/// Changes the depth of all lanes of `BGRAv8`, alpha too. 2 pixels a step: 1 vector in, 1 out.
+/// Plain.
+template<int SHIFT, int WIDTH>
+class BGRAv8_BITDEPTH : public Kernel<2, 2>, protected details::BitDepth<SHIFT, WIDTH, kBGRALanes> {
+public:
+    using Input = BGRAv8;
+    using Output = BGRAv8;
+
+    KSX_INLINE Pixels<Output, 2> step(const Pixels<Input, 2>& in) const
+    {
+        return {{this->changeDepth(in[0])}};
+    }
+};
+
+/// Changes the depth of `UYVYv8`. 8 pixels a step: 2 vectors in, 2 out. Plain.
+template<int SHIFT, int WIDTH>
+class UYVYv8_BITDEPTH : public Kernel<8, 8>, protected details::BitDepth<SHIFT, WIDTH, kBGRALanes> {
+public:
+    using Input = UYVYv8;
+    using Output = UYVYv8;
+
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
+    {
+        return {{this->changeDepth(in[0]), this->changeDepth(in[1])}};
+    }
+};
+
+} // namespace KSX::PixelConversion

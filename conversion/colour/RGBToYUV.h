@@ -1,0 +1,137 @@
+/// RGB to 4:2:2: the matrix of a range family, and the filter that takes every second chroma away.
+///
+/// Chroma is sited on the even pixels and filtered by 1 2 1 before the matrix, which is linear:
+///
+///     p0' = avg(p0, avg(p-1, p1))           avg(a, b) = (a + b + 1) >> 1, unsigned
+///
+/// The neighbours are averaged first, so the result is rounded up twice. Odd pixels have a part in
+/// chroma only through their even neighbours.
+#pragma once
+
+#include "conversion/Kernel.h"
+#include "conversion/VectorConstants.h"
+#include "conversion/colour/Flags.h"
+#include "conversion/colour/RangeMatrices.h"
+
+#include <tmmintrin.h>
+
+namespace KSX::PixelConversion {
+
+/// Y of 4 pixels, and Cb, Cr of the even ones: lanes of 32 bits with the offsets of video levels
+/// on, not clamped.
+struct Y4C4 {
+    __m128i y;      ///< Y0 Y1 Y2 Y3
+    __m128i chroma; ///< Cb0 Cr0 Cb2 Cr2
+};
+
+/// The arithmetic that all stages from RGB to YUV share. `A` is the depth of the RGB, `B` that of
+/// the YUV, `RANGE` the family whose matrix it is; it may be of another depth than `A`, for which
+/// the result is not the same.
+///
+///     Y  = ((yR R + yG G + yB B + t) >> s) + (16 << (B - 8))
+///     Cb = ((bR R + bG G + bB B + t) >> s) + (128 << (B - 8))       Cr likewise
+///
+/// with coefficients at scale 32768, s = 15 + A - B, and t = 1 << (s - 1) where P is 1, else 0.
+/// Sums are signed 32 bits. `StudioRange` takes black off all lanes of the RGB first, without a
+/// clamp: a pixel below black wraps. The sums read its lanes as signed, so Y goes on as it should;
+/// the filter reads them as unsigned, and beside a normal pixel gives chroma far out of range,
+/// which the pack stage saturates. Its unsigned average has to stay.
+template<class RANGE, int A, int B, PrecisionFlag P, PixelCenterFlag C>
+class BGRAv8_TO_Y4C4 : public Kernel<4, 4> {
+    static_assert(C == kCoSited);
+    static constexpr int kShift = 15 + A - B;
+    static constexpr int kRounding = P == kExact ? 1 << (kShift - 1) : 0;
+    static constexpr int kYOffset = 16 << (B - 8);
+    static constexpr int kChromaOffset = 128 << (B - 8);
+
+public:
+    using Input = BGRAv8;
+
+protected:
+    /// The first group of a row: the pixel to the left of p0 is p0 itself.
+    KSX_INLINE Y4C4 firstGroup(const Pixels<Input, 4>& in)
+    {
+        const Pixels<Input, 4> rgb = withoutBlack(in);
+        return convert(rgb, rgb[0]);
+    }
+
+    KSX_INLINE Y4C4 group(const Pixels<Input, 4>& in)
+    {
+        const Pixels<Input, 4> rgb = withoutBlack(in);
+        const __m128i oddPixels = _mm_unpackhi_epi64(rgb[0], rgb[1]);
+        return convert(rgb, _mm_alignr_epi8(oddPixels, m_oddPixels, 8));
+    }
+
+private:
+    KSX_INLINE static Pixels<Input, 4> withoutBlack(const Pixels<Input, 4>& in)
+    {
+        if constexpr (kIsStudioRange<RANGE>)
+            return {{_mm_sub_epi16(in[0], v8i(16 << (A - 8))),
+                     _mm_sub_epi16(in[1], v8i(16 << (A - 8)))}};
+        else
+            return in;
+    }
+
+    /// `left` holds the left neighbours of p0 and p2: the last pixel of the group before, and p1.
+    KSX_INLINE Y4C4 convert(const Pixels<Input, 4>& rgb, __m128i left)
+    {
+        const __m128i evenPixels = _mm_unpacklo_epi64(rgb[0], rgb[1]);
+        const __m128i oddPixels = _mm_unpackhi_epi64(rgb[0], rgb[1]);
+        m_oddPixels = oddPixels;
+        const __m128i filtered = _mm_avg_epu16(evenPixels, _mm_avg_epu16(left, oddPixels));
+
+        const __m128i y =
+            _mm_hadd_epi32(_mm_madd_epi16(rgb[0], m_yRow), _mm_madd_epi16(rgb[1], m_yRow));
+        const __m128i cbcr =
+            _mm_hadd_epi32(_mm_madd_epi16(filtered, m_cbRow), _mm_madd_epi16(filtered, m_crRow));
+        // Cb0 Cb2 Cr0 Cr2 to pairs.
+        const __m128i chroma = _mm_shuffle_epi32(cbcr, _MM_SHUFFLE(3, 1, 2, 0));
+        return {scaled(y, kYOffset), scaled(chroma, kChromaOffset)};
+    }
+
+    KSX_INLINE static __m128i scaled(__m128i sum, int offset)
+    {
+        if constexpr (kRounding != 0)
+            sum = _mm_add_epi32(sum, v4i(kRounding));
+        return _mm_add_epi32(_mm_srai_epi32(sum, kShift), v4i(static_cast<std::uint32_t>(offset)));
+    }
+
+    /// A row of the matrix beneath the lanes B, G, R, A of two pixels; alpha weighs nothing.
+    static __m128i coefficients(int row)
+    {
+        const FixedRow c = fixedRGB2YUVRow(RANGE::RGB2YUVMatrix(), row);
+        return _mm_setr_epi16(c.at[2], c.at[1], c.at[0], 0, c.at[2], c.at[1], c.at[0], 0);
+    }
+
+    __m128i m_yRow = coefficients(0);
+    __m128i m_cbRow = coefficients(1);
+    __m128i m_crRow = coefficients(2);
+    /// p1 and p3 of the group before.
+    __m128i m_oddPixels = v0;
+};
+
+/// Converts BGRAv8 to UYVYv8. 4 pixels a step: 2 vectors in, 1 out. Looks back.
+///
+/// Y goes into the upper half of a 32-bit lane and chroma is ORed over the whole of it, unclamped:
+/// a negative chroma turns its Y to all ones as well, which a pack to 8 bits writes as 0.
+template<class RANGE, int A, int B, PrecisionFlag P, PixelCenterFlag C>
+class BGRAv8_TO_UYVYv8 : public BGRAv8_TO_Y4C4<RANGE, A, B, P, C> {
+public:
+    using Input = BGRAv8;
+    using Output = UYVYv8;
+
+    KSX_INLINE Pixels<Output, 4> firstStep(const Pixels<Input, 4>& in)
+    {
+        return join(this->firstGroup(in));
+    }
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) { return join(this->group(in)); }
+
+private:
+    KSX_INLINE static Pixels<Output, 4> join(const Y4C4& yuv)
+    {
+        return {{_mm_or_si128(_mm_slli_epi32(yuv.y, 16), yuv.chroma)}};
+    }
+};
+
+} // namespace KSX::PixelConversion

@@ -1,0 +1,106 @@
+/// 4:4:4 YUV to RGB by the matrix of a range family, and the mean that rebuilds chroma.
+#pragma once
+
+#include "conversion/Kernel.h"
+#include "conversion/VectorConstants.h"
+#include "conversion/colour/Flags.h"
+#include "conversion/colour/RangeMatrices.h"
+
+#include <tmmintrin.h>
+
+namespace KSX::PixelConversion {
+
+/// The arithmetic from `UYVY444v8` to RGB. `A` is the depth of the YUV, `B` that of the RGB.
+///
+/// From lanes w0 to w7 of a pixel pair e, o and a row of the matrix with the coefficients cY, cB,
+/// cR, laid out as cB, cY, cR, 0, cB, 0, cR, cY:
+///
+///     w  = w - (cO yO cO yO cO yO cO yO)              offsets, 16 bits, wrapping
+///     d0 = sat16((w0 cB + w1 cY + t1) >> s1)          d1 = sat16((w2 cR + t1) >> s1)
+///     d2 = sat16((w4 cB + t1) >> s1)                  d3 = sat16((w6 cR + w7 cY + t1) >> s1)
+///     e  = clamp((d0 + d1 + t2) >> s2)                o  = clamp((d2 + d3 + t2) >> s2)
+///
+/// So e and o round at different places, and a pair of equal pixels can come out a code apart.
+///
+/// | | s1 | t1 | s2 | t2 |
+/// |---|---|---|---|---|
+/// | P 1 | A | half a unit | 14 - B | half a unit |
+/// | P 0 | 14 + A - B | 0 | none | none |
+///
+/// Blue's row is at half the scale of the others and has s1 - 1 in the place of s1. `StudioRange`
+/// leaves Y at its level, since black passes a gain of 1 unchanged, and clamps to black and white
+/// of the output; `ComputerRange` takes black off Y and clamps to 0 and 255.
+template<class RANGE, int A, int B, PrecisionFlag P>
+class YUV_TO_RGB_BASE {
+    static constexpr bool kStudio = kIsStudioRange<RANGE>;
+    static constexpr int kFirstShift = P == kExact ? A : 14 + A - B;
+    static constexpr int kSecondShift = P == kExact ? 14 - B : 0;
+    static constexpr std::uint16_t kYOffset = kStudio ? 0 : 16 << (A - 8);
+    static constexpr std::uint16_t kChromaOffset = 128 << (A - 8);
+    static constexpr std::uint32_t kLowest = kStudio ? 16 << (B - 8) : 0;
+    static constexpr std::uint32_t kHighest = kStudio ? 235 << (B - 8) : 255;
+
+protected:
+    KSX_INLINE Pixels<RGBv4, 4> convert(const Pixels<UYVY444v8, 4>& in) const
+    {
+        constexpr __m128i offsets = v4i(std::uint32_t{kYOffset} << 16 | kChromaOffset);
+        const __m128i first = _mm_sub_epi16(in[0], offsets);
+        const __m128i second = _mm_sub_epi16(in[1], offsets);
+        return {{component<kFirstShift>(first, second, m_rRow),
+                 component<kFirstShift>(first, second, m_gRow),
+                 component<kFirstShift - 1>(first, second, m_bRow)}};
+    }
+
+private:
+    template<int SHIFT>
+    KSX_INLINE static __m128i component(__m128i first, __m128i second, __m128i row)
+    {
+        const __m128i parts = _mm_packs_epi32(partialSums<SHIFT>(_mm_madd_epi16(first, row)),
+                                              partialSums<SHIFT>(_mm_madd_epi16(second, row)));
+        __m128i sums = _mm_madd_epi16(parts, v8i_1);
+        if constexpr (P == kExact)
+            sums = _mm_srai_epi32(_mm_add_epi32(sums, v4i(1 << (kSecondShift - 1))), kSecondShift);
+        return clamp(sums);
+    }
+
+    template<int SHIFT>
+    KSX_INLINE static __m128i partialSums(__m128i sums)
+    {
+        if constexpr (P == kExact)
+            sums = _mm_add_epi32(sums, v4i(1 << (SHIFT - 1)));
+        return _mm_srai_epi32(sums, SHIFT);
+    }
+
+    /// On values that fit 16 bits: the lower halves are limited, and the upper ones, copies of the
+    /// sign, go from all ones to 0 by the maximum.
+    KSX_INLINE static __m128i clamp(__m128i x)
+    {
+        return _mm_max_epi16(_mm_min_epi16(x, v4i(0x7fff0000 | kHighest)), v4i(kLowest));
+    }
+
+    /// A row of the matrix beneath the lanes of a pixel pair.
+    static __m128i coefficients(int row)
+    {
+        const FixedRow c = fixedYUV2RGBRow(RANGE::YUV2RGBMatrix(), row);
+        return _mm_setr_epi16(c.at[1], c.at[0], c.at[2], 0, c.at[1], 0, c.at[2], c.at[0]);
+    }
+
+    __m128i m_rRow = coefficients(0);
+    __m128i m_gRow = coefficients(1);
+    __m128i m_bRow = coefficients(2);
+};
+
+/// Converts UYVY444v8 to RGBv4. 4 pixels a step: 2 vectors in, 3 out. Plain.
+template<class RANGE, int A, int B, PrecisionFlag P>
+class UYVY444v8_TO_RGBv4 : public Kernel<4, 4>, protected YUV_TO_RGB_BASE<RANGE, A, B, P> {
+public:
+    using Input = UYVY444v8;
+    using Output = RGBv4;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return this->convert(in);
+    }
+};
+
+} // namespace KSX::PixelConversion

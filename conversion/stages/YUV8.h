@@ -1,0 +1,139 @@
+/// Stages of the 8-bit 4:2:2 formats.
+///
+///     address    0   1   2   3
+///     2vuy       Cb  Y0  Cr  Y1      8YUV422
+///     YUY2       Y0  Cb  Y1  Cr      8YUY422
+///
+/// A pair of pixels shares Cb and Cr, which are sited on the even one. A row of an odd width still
+/// ends with a whole pair when written.
+#pragma once
+
+#include "conversion/Kernel.h"
+#include "conversion/VectorConstants.h"
+#include "conversion/colour/Flags.h"
+
+#include <tmmintrin.h>
+
+namespace KSX::PixelConversion {
+
+namespace details {
+
+/// Exchanges the bytes of every pair: YUY2 to 2vuy and back.
+KSX_INLINE __m128i exchangeBytes(__m128i v)
+{
+    return _mm_or_si128(_mm_slli_epi16(v, 8), _mm_srli_epi16(v, 8));
+}
+
+} // namespace details
+
+// --- 4:2:2 ---------------------------------------------------------------------------------------
+
+/// Unpacks 2vuy to UYVYv8. 8 pixels a step: 16 bytes in, 2 vectors out. Plain.
+///
+///     out[i] = in[i]
+class UNPACK_UYVY_TO_UYVYv8 : public Kernel<8, 8> {
+public:
+    using Input = Packed<2>;
+    using Output = UYVYv8;
+
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
+    {
+        return {{_mm_unpacklo_epi8(in[0], v0), _mm_unpackhi_epi8(in[0], v0)}};
+    }
+};
+
+/// Unpacks YUY2 to UYVYv8. 8 pixels a step: 16 bytes in, 2 vectors out. Plain.
+///
+///     out[2i] = in[2i + 1]        out[2i + 1] = in[2i]
+class UNPACK_YUY2_TO_UYVYv8 : public UNPACK_UYVY_TO_UYVYv8 {
+public:
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
+    {
+        return UNPACK_UYVY_TO_UYVYv8::step({{details::exchangeBytes(in[0])}});
+    }
+};
+
+/// Packs UYVYv8 to 2vuy. 8 pixels a step: 2 vectors in, 16 bytes out. Plain. Lanes saturate as
+/// signed values: below 0 gives 0, above 255 gives 255.
+class PACK_UYVYv8_TO_UYVY : public Kernel<8, 8> {
+public:
+    using Input = UYVYv8;
+    using Output = Packed<4, 2>;
+
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
+    {
+        return {{_mm_packus_epi16(in[0], in[1])}};
+    }
+};
+
+/// Packs UYVYv8 to YUY2, saturating. 8 pixels a step: 2 vectors in, 16 bytes out. Plain.
+class PACK_UYVYv8_TO_YUY2 : public PACK_UYVYv8_TO_UYVY {
+public:
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
+    {
+        return {{details::exchangeBytes(PACK_UYVYv8_TO_UYVY::step(in)[0])}};
+    }
+};
+
+// --- 4:4:4 ---------------------------------------------------------------------------------------
+
+namespace details {
+
+/// Unpacks 8-bit 4:2:2 to UYVY444v8. 8 pixels a step: 16 bytes in, 4 vectors out. Looks ahead: an
+/// odd pixel's chroma is the mean, rounded up, of the pairs to its left and right.
+///
+///     C(2k) = stored pair k         C(2k + 1) = (C(2k) + C(2k + 2) + 1) >> 1
+///
+/// At the end of a row the last pair counts as its own successor. `CHROMA_BYTE` is the byte of
+/// every two in which chroma lies.
+template<int CHROMA_BYTE>
+class UNPACK_422_TO_UYVY444v8 : public Kernel<8, 8> {
+public:
+    using Input = Packed<2>;
+    using Output = UYVY444v8;
+
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in, __m128i next) const
+    {
+        return unpack(in[0], _mm_alignr_epi8(next, in[0], 4));
+    }
+
+    KSX_INLINE Pixels<Output, 8> lastStep(const Pixels<Input, 8>& in) const
+    {
+        return unpack(in[0], _mm_shuffle_epi32(in[0], _MM_SHUFFLE(3, 3, 2, 1)));
+    }
+
+private:
+    template<int BYTE>
+    KSX_INLINE static __m128i field(__m128i v)
+    {
+        return BYTE == 0 ? _mm_and_si128(v, v8i_0xff) : _mm_srli_epi16(v, 8);
+    }
+
+    /// `successors` has the pair behind each pair of `v`.
+    KSX_INLINE static Pixels<Output, 8> unpack(__m128i v, __m128i successors)
+    {
+        const __m128i evenChroma = field<CHROMA_BYTE>(v);
+        const __m128i oddChroma = _mm_avg_epu16(evenChroma, field<CHROMA_BYTE>(successors));
+        const __m128i luma = field<1 - CHROMA_BYTE>(v);
+
+        const __m128i chromaLow = _mm_unpacklo_epi32(evenChroma, oddChroma); // Cb Cr of 0 1 2 3
+        const __m128i chromaHigh = _mm_unpackhi_epi32(evenChroma, oddChroma);
+        const __m128i lumaLow = _mm_unpacklo_epi32(luma, luma); // Y0 Y1 Y0 Y1 Y2 Y3 Y2 Y3
+        const __m128i lumaHigh = _mm_unpackhi_epi32(luma, luma);
+        return {{_mm_unpacklo_epi16(chromaLow, lumaLow), _mm_unpackhi_epi16(chromaLow, lumaLow),
+                 _mm_unpacklo_epi16(chromaHigh, lumaHigh),
+                 _mm_unpackhi_epi16(chromaHigh, lumaHigh)}};
+    }
+};
+
+} // namespace details
+
+template<SseFlag>
+class UNPACK_UYVY_TO_UYVY444v8_T : public details::UNPACK_422_TO_UYVY444v8<0> {
+};
+
+template<SseFlag>
+class UNPACK_YUY2_TO_UYVY444v8_T : public details::UNPACK_422_TO_UYVY444v8<1> {
+};
+
+} // namespace KSX::PixelConversion
