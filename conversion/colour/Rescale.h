@@ -55,7 +55,7 @@ inline constexpr RescaleConstants kRescales[] = {
 // clang-format on
 
 /// The row of a rescale. One that is not in the table does not compile.
-consteval RescaleConstants rescaleConstants(int inBits, bool inFull, int outBits, bool outFull)
+constexpr RescaleConstants rescaleConstants(int inBits, bool inFull, int outBits, bool outFull)
 {
     for (const RescaleConstants& row : kRescales)
         if (row.inBits == inBits && row.inFull == inFull && row.outBits == outBits &&
