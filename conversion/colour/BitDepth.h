@@ -9,7 +9,7 @@
 /// Both round alike; the first has no sum that can leave the lane.
 #pragma once
 
-#include "conversion/Kernel.h"
+#include "conversion/EachVector.h"
 #include "conversion/VectorConstants.h"
 #include "conversion/colour/Flags.h"
 
@@ -24,7 +24,7 @@ class BitDepth {
     static constexpr int kCap = ((1 << WIDTH) - 1) >> (n > 0 ? n : 0);
 
 protected:
-    KSX_INLINE static __m128i changeDepth(__m128i x)
+    KSX_INLINE static __m128i apply(__m128i x)
     {
         if constexpr (SHIFT > 0) {
             return VECTOR == kRGBLanes ? _mm_slli_epi32(x, SHIFT) : _mm_slli_epi16(x, SHIFT);
@@ -44,57 +44,24 @@ protected:
 
 } // namespace details
 
-/// Changes the depth of `RGBv4`. 4 pixels a step: 3 vectors in, 3 out. Plain.
+/// `RGBv4`, 4 pixels a step. Plain.
 template<int SHIFT, int WIDTH>
-class RGBv4_BITDEPTH : public Kernel<4, 4>, protected details::BitDepth<SHIFT, WIDTH, kRGBLanes> {
-public:
-    using Input = RGBv4;
-    using Output = RGBv4;
-
-    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
-    {
-        return {{this->changeDepth(in[0]), this->changeDepth(in[1]), this->changeDepth(in[2])}};
-    }
+class RGBv4_BITDEPTH : public EachVector<RGBv4, 4, details::BitDepth<SHIFT, WIDTH, kRGBLanes>> {
 };
 
-/// Changes the depth of `RGBv8`. 8 pixels a step: 3 vectors in, 3 out. Plain.
+/// `RGBv8`, 8 pixels a step. Plain.
 template<int SHIFT, int WIDTH>
-class RGBv8_BITDEPTH : public Kernel<8, 8>, protected details::BitDepth<SHIFT, WIDTH, kBGRALanes> {
-public:
-    using Input = RGBv8;
-    using Output = RGBv8;
-
-    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
-    {
-        return {{this->changeDepth(in[0]), this->changeDepth(in[1]), this->changeDepth(in[2])}};
-    }
+class RGBv8_BITDEPTH : public EachVector<RGBv8, 8, details::BitDepth<SHIFT, WIDTH, kBGRALanes>> {
 };
 
-/// Changes the depth of all lanes of `BGRAv8`, alpha too. 2 pixels a step: 1 vector in, 1 out.
-/// Plain.
+/// All lanes of `BGRAv8`, alpha too; 2 pixels a step. Plain.
 template<int SHIFT, int WIDTH>
-class BGRAv8_BITDEPTH : public Kernel<2, 2>, protected details::BitDepth<SHIFT, WIDTH, kBGRALanes> {
-public:
-    using Input = BGRAv8;
-    using Output = BGRAv8;
-
-    KSX_INLINE Pixels<Output, 2> step(const Pixels<Input, 2>& in) const
-    {
-        return {{this->changeDepth(in[0])}};
-    }
+class BGRAv8_BITDEPTH : public EachVector<BGRAv8, 2, details::BitDepth<SHIFT, WIDTH, kBGRALanes>> {
 };
 
-/// Changes the depth of `UYVYv8`. 8 pixels a step: 2 vectors in, 2 out. Plain.
+/// `UYVYv8`, 8 pixels a step. Plain.
 template<int SHIFT, int WIDTH>
-class UYVYv8_BITDEPTH : public Kernel<8, 8>, protected details::BitDepth<SHIFT, WIDTH, kBGRALanes> {
-public:
-    using Input = UYVYv8;
-    using Output = UYVYv8;
-
-    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
-    {
-        return {{this->changeDepth(in[0]), this->changeDepth(in[1])}};
-    }
+class UYVYv8_BITDEPTH : public EachVector<UYVYv8, 8, details::BitDepth<SHIFT, WIDTH, kBGRALanes>> {
 };
 
 } // namespace KSX::PixelConversion

@@ -12,7 +12,7 @@
 /// bits, and n lets k use all 16 bits where the gain is above 1.
 #pragma once
 
-#include "conversion/Kernel.h"
+#include "conversion/EachVector.h"
 #include "conversion/VectorConstants.h"
 #include "conversion/colour/Flags.h"
 
@@ -72,7 +72,7 @@ template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P
          VectorTypeFlag VECTOR>
 class RGB_RESCALE_T {
 protected:
-    KSX_INLINE static __m128i rescale(__m128i x)
+    KSX_INLINE static __m128i apply(__m128i x)
     {
         constexpr auto k = details::rescaleConstants(IN_BITS, IN_FULL, OUT_BITS, OUT_FULL);
         if constexpr (!IN_FULL) {
@@ -97,69 +97,43 @@ private:
     }
 };
 
-/// Rescales `RGBv4`. 4 pixels a step: 3 vectors in, 3 out. Plain.
+/// Rescales `RGBv4`. 4 pixels a step. Plain.
 template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P>
 class RGBvX_RESCALE_T
-    : public Kernel<4, 4>,
-      protected RGB_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P, kRGBLanes> {
-public:
-    using Input = RGBv4;
-    using Output = RGBv4;
-
-    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
-    {
-        return {{this->rescale(in[0]), this->rescale(in[1]), this->rescale(in[2])}};
-    }
+    : public EachVector<RGBv4, 4,
+                        RGB_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P, kRGBLanes>> {
 };
 
 template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P>
 class RGBv4_RESCALE : public RGBvX_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P> {
 };
 
-/// Rescales `RGBv8`. 8 pixels a step: 3 vectors in, 3 out. Plain.
+/// Rescales `RGBv8`. 8 pixels a step. Plain.
 template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P>
-class RGBv8_RESCALE : public Kernel<8, 8>,
-                      protected RGB_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P, kBGRALanes> {
-public:
-    using Input = RGBv8;
-    using Output = RGBv8;
-
-    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
-    {
-        return {{this->rescale(in[0]), this->rescale(in[1]), this->rescale(in[2])}};
-    }
+class RGBv8_RESCALE
+    : public EachVector<RGBv8, 8,
+                        RGB_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P, kBGRALanes>> {
 };
 
-/// Rescales all lanes of `BGRAv8`, alpha like a colour. 2 pixels a step: 1 vector in, 1 out. Plain.
+/// Rescales all lanes of `BGRAv8`, alpha like a colour. 2 pixels a step. Plain.
 template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P>
 class BGRAv8_RESCALE_T
-    : public Kernel<2, 2>,
-      protected RGB_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P, kBGRALanes> {
-public:
-    using Input = BGRAv8;
-    using Output = BGRAv8;
-
-    KSX_INLINE Pixels<Output, 2> step(const Pixels<Input, 2>& in) const
-    {
-        return {{this->rescale(in[0])}};
-    }
+    : public EachVector<BGRAv8, 2,
+                        RGB_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P, kBGRALanes>> {
 };
 
 template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P>
 class BGRAv8_RESCALE : public BGRAv8_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P> {
 };
 
-/// Rescales the colour lanes of `BGRAv8`; alpha passes. 2 pixels a step: 1 vector in, 1 out. Plain.
+/// Rescales the colour lanes of `BGRAv8`; alpha passes. 2 pixels a step. Plain.
 template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P = kExact>
 class BGRAv8_RESCALE_KEEPALPHA : public BGRAv8_RESCALE<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P> {
 public:
-    using Input = BGRAv8;
-    using Output = BGRAv8;
-
-    KSX_INLINE Pixels<Output, 2> step(const Pixels<Input, 2>& in) const
+    KSX_INLINE Pixels<BGRAv8, 2> step(const Pixels<BGRAv8, 2>& in) const
     {
         return {{_mm_or_si128(_mm_and_si128(in[0], v8i_mask_7xxx3xxx),
-                              _mm_and_si128(this->rescale(in[0]), v8i_mask_x654x210))}};
+                              _mm_and_si128(this->apply(in[0]), v8i_mask_x654x210))}};
     }
 };
 
@@ -185,21 +159,25 @@ class BGRAv8_COMPUTER_TO_STUDIO_KEEPALPHA
     : public BGRAv8_RESCALE_KEEPALPHA<BITS, true, BITS, false, P> {
 };
 
-/// Limits all lanes of `BGRAv8`, alpha too, to video levels, as signed values. 2 pixels a step: 1
-/// vector in, 1 out. Plain.
+namespace details {
+
+template<int BITS>
+class ClampToStudio {
+protected:
+    KSX_INLINE static __m128i apply(__m128i x)
+    {
+        return _mm_max_epi16(_mm_min_epi16(x, v8i(235 << (BITS - 8))), v8i(16 << (BITS - 8)));
+    }
+};
+
+} // namespace details
+
+/// Limits all lanes of `BGRAv8`, alpha too, to video levels, as signed values. 2 pixels a step.
+/// Plain.
 ///
 ///     out = max(min(in, 235 << (BITS - 8)), 16 << (BITS - 8))
 template<int BITS>
-class BGRAv8_CLAMP_TO_STUDIO : public Kernel<2, 2> {
-public:
-    using Input = BGRAv8;
-    using Output = BGRAv8;
-
-    KSX_INLINE Pixels<Output, 2> step(const Pixels<Input, 2>& in) const
-    {
-        return {
-            {_mm_max_epi16(_mm_min_epi16(in[0], v8i(235 << (BITS - 8))), v8i(16 << (BITS - 8)))}};
-    }
+class BGRAv8_CLAMP_TO_STUDIO : public EachVector<BGRAv8, 2, details::ClampToStudio<BITS>> {
 };
 
 } // namespace KSX::PixelConversion

@@ -1,0 +1,25 @@
+/// Stages that do the same to every vector.
+#pragma once
+
+#include "conversion/Kernel.h"
+
+namespace KSX::PixelConversion {
+
+/// A plain stage that keeps the representation and puts each vector of a step through
+/// `ARITHMETIC::apply`, which is one class for all the representations that it serves.
+template<class REPRESENTATION, unsigned PIXELS, class ARITHMETIC>
+class EachVector : public Kernel<PIXELS, PIXELS>, protected ARITHMETIC {
+public:
+    using Input = REPRESENTATION;
+    using Output = REPRESENTATION;
+
+    KSX_INLINE Pixels<Output, PIXELS> step(const Pixels<Input, PIXELS>& in) const
+    {
+        Pixels<Output, PIXELS> out;
+        unrolled<0, out.kVectors>([&]<unsigned V>()
+                                      KSX_INLINE_LAMBDA { out[V] = ARITHMETIC::apply(in[V]); });
+        return out;
+    }
+};
+
+} // namespace KSX::PixelConversion
