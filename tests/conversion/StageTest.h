@@ -54,7 +54,7 @@ std::vector<IN> stageInput(std::size_t lanes, const std::vector<IN>& boundaries,
 
 /// Runs steps through a stage and through its scalar form.
 template<class IN, class OUT>
-void expectSteps(void (*run)(const void* in, void* out, std::size_t steps),
+void expectSteps(const std::function<void(const void* in, void* out, std::size_t steps)>& run,
                  const std::function<void(const IN* in, OUT* out)>& scalar,
                  const std::vector<IN>& in, std::size_t inLanes, std::size_t outLanes,
                  std::uint64_t seed)
@@ -76,6 +76,29 @@ void runBlocks(const void* in, void* out, std::size_t blocks)
     using namespace KSX::PixelConversion;
     Transform<PIPELINE, kWholeBlocks, kPrefetchBlocks>::apply(
         in, 0, out, 0, static_cast<unsigned>(blocks * AsPipeline<PIPELINE>::kBlock), 1, nullptr);
+}
+
+/// `STAGE` beside `scalar`, which does a row, for stages that look beyond a step: in rows of one
+/// step, of two and of more.
+template<class STAGE, class IN, class OUT>
+void expectRows(const std::function<void(const IN* in, OUT* out, std::size_t pixels)>& scalar,
+                const std::vector<IN>& in, std::uint64_t seed)
+{
+    using namespace KSX::PixelConversion;
+    for (const unsigned steps : {1u, 2u, 3u, 16u}) {
+        SCOPED_TRACE(testing::Message() << "rows of " << steps << " steps");
+        const unsigned inBytes = steps * InputOf<STAGE>::kBytes;
+        const unsigned outBytes = steps * OutputOf<STAGE>::kBytes;
+        const unsigned pixels = steps * STAGE::kIn;
+        expectSteps<IN, OUT>(
+            [&](const void* src, void* dst, std::size_t rows) {
+                Transform<STAGE, kWholeBlocks, kPrefetchBlocks>::apply(
+                    src, static_cast<int>(inBytes), dst, static_cast<int>(outBytes), pixels,
+                    static_cast<unsigned>(rows), nullptr);
+            },
+            [&](const IN* src, OUT* dst) { scalar(src, dst, pixels); }, in, inBytes / sizeof(IN),
+            outBytes / sizeof(OUT), seed);
+    }
 }
 
 /// `STAGE` beside `scalar`, which does one step. A step's pixels are lanes of `IN` and `OUT` as

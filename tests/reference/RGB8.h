@@ -10,14 +10,15 @@
 
 namespace kestrix::test::reference {
 
-/// The components of a pixel in the order of its bytes; empty where the format is none of 8-bit RGB
-/// in full range.
+/// The components of a pixel in the order of its bytes; empty where the format is not 8-bit RGB.
 constexpr std::string_view componentOrder(KSX::PixelConversion::PixelFormat format)
 {
     switch (format) {
     case KSX::PixelConversion::PixelFormat_ARGB:
+    case KSX::PixelConversion::PixelFormat_vRGB:
         return "ARGB";
     case KSX::PixelConversion::PixelFormat_BGRA:
+    case KSX::PixelConversion::PixelFormat_BGRv:
         return "BGRA";
     case KSX::PixelConversion::PixelFormat_RGBA:
         return "RGBA";
@@ -26,6 +27,12 @@ constexpr std::string_view componentOrder(KSX::PixelConversion::PixelFormat form
     default:
         return {};
     }
+}
+
+constexpr bool isStudioRange(KSX::PixelConversion::PixelFormat format)
+{
+    return format == KSX::PixelConversion::PixelFormat_vRGB ||
+           format == KSX::PixelConversion::PixelFormat_BGRv;
 }
 
 /// A 16-bit lane, read as signed, as a byte.

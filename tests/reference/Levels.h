@@ -1,0 +1,62 @@
+/// Changes of range and of depth, a lane of 16 bits at a time.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+namespace kestrix::test::reference {
+
+/// Black and white of RGB.
+struct Levels {
+    int bits;
+    bool full;
+
+    int black() const { return full ? 0 : 16 << (bits - 8); }
+    int white() const { return full ? (1 << bits) - 1 : 235 << (bits - 8); }
+};
+
+/// From some levels to others. The gain follows from the levels: 16 bits of fraction, halved as
+/// often as it takes to fit, and the value doubled as often instead.
+class Rescale {
+public:
+    Rescale(Levels in, Levels out, bool rounds = true) : m_in(in), m_out(out), m_rounds(rounds)
+    {
+        double gain = static_cast<double>(out.white() - out.black()) / (in.white() - in.black());
+        for (; gain >= 1; gain /= 2)
+            ++m_doublings;
+        m_gain = static_cast<std::uint32_t>(std::lround(gain * 65536));
+    }
+
+    std::uint16_t operator()(std::uint16_t x) const
+    {
+        if (!m_in.full) {
+            // As signed values. From video levels to video levels what is above white stays.
+            if (m_out.full && static_cast<std::int16_t>(x) > m_in.white())
+                x = static_cast<std::uint16_t>(m_in.white());
+            x = static_cast<std::uint16_t>(std::max(x - m_in.black(), 0));
+        }
+        const auto doubled = static_cast<std::uint16_t>(x << m_doublings);
+        const std::uint32_t y = (doubled * m_gain + (m_rounds ? 32768 : 0)) >> 16;
+        return static_cast<std::uint16_t>(
+            std::min(y + static_cast<std::uint32_t>(m_out.black()), 65535u));
+    }
+
+private:
+    Levels m_in;
+    Levels m_out;
+    bool m_rounds;
+    int m_doublings = 0;
+    std::uint32_t m_gain;
+};
+
+/// A code value at a depth of `shift` bits more, or less: rounded then, and at most the top of
+/// `width` bits shifted down.
+inline std::uint32_t atDepth(std::uint32_t x, int shift, int width)
+{
+    if (shift > 0)
+        return x << shift;
+    return std::min((x + (1u << (-shift - 1))) >> -shift, ((1u << width) - 1) >> -shift);
+}
+
+} // namespace kestrix::test::reference
