@@ -5,8 +5,8 @@
 
 #include <utility>
 
-/// Owns one reference to an `Interface`, or none when null, and knows the id by which it was
-/// obtained: that of `IUnknown` for a pointer that was handed over rather than queried for.
+/// Owns one reference to an `Interface`, or none when null, and knows the id that was queried for;
+/// for a pointer that came about without a query that is the id of `IUnknown`.
 ///
 /// Calls nothing but the three operations of `IUnknown`. Not synchronised.
 template<class Interface>

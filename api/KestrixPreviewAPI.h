@@ -29,7 +29,7 @@
 ///   operation.
 /// - The order of the operations, and the place of the destructor after or between them, is the
 ///   binary interface. Never reorder; objects on either side are reached by position in the table.
-/// - Ids are passed by value, and are equal when all 16 bytes are.
+/// - Ids are passed by value and compared byte by byte.
 /// - Sizes are in pixels, lines and bytes as named. Rows run from the top of the picture unless
 ///   `FrameFlagFlipVertical` is set.
 ///
@@ -114,14 +114,14 @@ static const REFIID IID_IKestrixFrameProviderRegistry = {{
 
 // --- Flags and codes -----------------------------------------------------------------------------
 
-/// Answer bits of `IKestrixVideoFrame::GetFlags`. No other bit is read.
+/// Answer bits of `IKestrixVideoFrame::GetFlags`. The library ignores all others.
 enum KestrixFrameFlags : std::uint32_t {
     FrameFlagDefault = 0,
-    /// The frame's first line in memory is its bottom line.
+    /// The lines are stored from the bottom of the picture upwards.
     FrameFlagFlipVertical = 1u << 0,
 };
 
-/// What `StartAccess` and `EndAccess` take; the value given to the one is given to the other.
+/// What `StartAccess` and `EndAccess` take, both calls of a pair the same.
 enum KestrixBufferAccessFlags : std::uint32_t {
     BufferAccessRead = 1,
     BufferAccessReadWrite = 3,
@@ -133,7 +133,8 @@ enum KestrixMetadataID : std::uint32_t {
     MetadataColorspace = 0x63737063, // "cspc"
 };
 
-/// Values of `MetadataColorspace`. Anything else counts as unspecified.
+/// Values of `MetadataColorspace`. For any other the fixed-function helper refuses the frame, and
+/// the OpenGL 3 helper goes by its size.
 enum KestrixColorspaceCode : std::uint32_t {
     ColorspaceCodeRec601 = 0x72363031,  // "r601", ITU-R BT.601-7
     ColorspaceCodeRec709 = 0x72373039,  // "r709", ITU-R BT.709-6
@@ -170,7 +171,7 @@ public:
     /// Adds a reference; answers the new count, which is good for tests only.
     virtual std::uint32_t AddRef() = 0;
 
-    /// Gives a reference back; answers the new count. At zero the object destroys itself.
+    /// Gives a reference back; answers the new count. With the last one the object ends.
     virtual std::uint32_t Release() = 0;
 };
 
@@ -216,7 +217,8 @@ class IKestrixVideoFrame3DExtensions : public IUnknown {
 public:
     /// How the two eyes lie in the frame: a `Kestrix3DPackingFormat` or any other code.
     virtual std::uint32_t Get3DPackingFormat() = 0;
-    /// Stores the right eye's frame, with a reference. `E_INVALIDARG` for a null `out`.
+    /// Stores the right eye's frame, with a reference; it must have the size of the left one.
+    /// `E_INVALIDARG` for a null `out`.
     virtual HRESULT GetFrameForRightEye(IKestrixVideoFrame** out) = 0;
 
 protected:
@@ -246,17 +248,18 @@ protected:
 ///   `GL_PIXEL_UNPACK_BUFFER` must be 0.
 class IKestrixGLScreenPreviewHelper : public IUnknown {
 public:
-    /// Makes the helper's GL objects in the current context. May be called again, say after the
-    /// context was made anew. `E_FAIL` where a GL entry point is missing or a shader does not
-    /// build, `E_NOTIMPL` where the context is older than OpenGL 3.2; the fixed-function helper
-    /// always answers `S_OK`.
+    /// Makes the helper's GL objects in the current context. The OpenGL 3 helper's may be made
+    /// again, say in a new context; the fixed-function helper is initialised once. `E_FAIL` where a
+    /// GL entry point is missing or a shader does not build, `E_NOTIMPL` where the context is older
+    /// than OpenGL 3.2; the fixed-function helper always answers `S_OK`.
     virtual HRESULT InitializeGL() = 0;
 
     /// Paints the newest frame, or the one before again if there is no newer. `E_FAIL` from the
     /// OpenGL 3 helper before a first successful `InitializeGL`.
     virtual HRESULT PaintGL() = 0;
 
-    /// Hands over the frame to show next; null shows black.
+    /// Hands over the frame to show next; null shows black, at the next paint (the OpenGL 3 helper
+    /// clears to transparent black, and goes back to the frame before if painted again).
     ///
     /// OpenGL 3 helper: keeps a reference until the frame has been painted or replaced, always
     /// `S_OK`. Fixed-function helper: converts at once and keeps no reference; `E_INVALIDARG` for a
@@ -282,8 +285,8 @@ public:
     virtual HRESULT GetInt(std::uint32_t id, std::int64_t* out) = 0;
 };
 
-/// A captured frame. The current revision uses it as a mark only: 8-bit RGB of a frame that answers
-/// for this id is taken as studio range (16 to 235).
+/// A captured frame. The current revision uses it as a mark only: the fixed-function helper takes
+/// 8-bit RGB of a frame that answers for this id as studio range, 16 to 235.
 class IKestrixVideoInputFrame : public IKestrixVideoFrame {
 public:
     /// Not called by the library.

@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <memory>
 
-/// Opens an access to `buffer` and returns its bytes. The access stays open, and the buffer is kept
-/// alive, for as long as the pointer or a copy of it lives. `flags` is a
+/// Opens an access to `buffer` and returns its bytes. The last copy of the pointer to go closes the
+/// access and gives back the reference that kept the buffer alive. `flags` is a
 /// `KestrixBufferAccessFlags`.
 ///
 /// Empty for a null buffer, and where the buffer refuses the access or its bytes. Throws

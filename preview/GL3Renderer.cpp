@@ -106,7 +106,7 @@ GLenum texelType(std::uint32_t pixelFormat)
     case PixelFormat_R10L:
     case PixelFormat_R10l:
     case PixelFormat_R12B:
-    case fourCC("R12b"):
+    case fourCC("R12b"): // not among the engine's formats
         return GL_UNSIGNED_INT_8_8_8_8;
     default:
         return GL_UNSIGNED_INT_8_8_8_8_REV;

@@ -74,6 +74,6 @@ private:
     LutID m_lutID = LutID_YCbCr_709;
     /// As the last upload used it.
     Preview3DFormat m_3DFormat = Preview3DFormat::TopBottom;
-    /// The last frame's first line in memory is its bottom line.
+    /// The last frame was stored bottom line first.
     bool m_flip = false;
 };

@@ -52,7 +52,7 @@ private:
 
     /// The frame that waits to be painted.
     InterfaceRef<IKestrixVideoFrame> m_frame;
-    /// `SetFrame` was called since the last paint.
+    /// No paint has dealt with the last `SetFrame` yet.
     bool m_frameChanged = false;
     Preview3DFormat m_3DFormat = Preview3DFormat::TopBottom;
     /// Guards the four fields around it.

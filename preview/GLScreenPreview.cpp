@@ -56,7 +56,7 @@ bool wglInitGLExtProcs()
     return found;
 }
 
-/// The smallest power of two not below `n`; 0 where that takes a 33rd bit.
+/// Rounds up to a power of two; 0 where that takes a 33rd bit.
 unsigned ceil_pow2(unsigned n)
 {
     return static_cast<unsigned>(std::bit_ceil(std::uint64_t{n}));
@@ -316,7 +316,7 @@ void CGLScreenPreview::drawEye(IKestrixVideoFrame* frame, unsigned width, unsign
         source += (frame->GetHeight() - 1) * sourceRowBytes;
         sourceRowBytes = -sourceRowBytes;
     }
-    // The wider stride is what drops the lines between.
+    // A stride of several lines passes over those between.
     render(width, height, destination, destinationRowBytes, source,
            static_cast<unsigned>(sourceRowBytes * lineStep));
 }

@@ -67,8 +67,8 @@ private:
                                unsigned bytesPerPixel, unsigned height);
 
     /// Draws one frame, or both eyes as the 3D format says, into `destination`, taking every
-    /// `lineStep`th line. A frame whose bytes can't be had, or a right eye that is not of the
-    /// left's format and colourspace, leaves its place as it is. Both eyes have the left's size.
+    /// `lineStep`th line. Nothing is drawn of a frame that gives no bytes, nor of a right eye that
+    /// is not of the left's format and colourspace. Both eyes have the left's size.
     void DrawFrameToTexture(IKestrixVideoFrame* left, IKestrixVideoFrame* right, void* destination,
                             unsigned /*width*/, unsigned /*height*/, unsigned destinationRowBytes,
                             unsigned bytesPerPixel, int lineStep);
@@ -90,7 +90,7 @@ private:
     /// The driver has pixel buffers.
     bool m_pixelBuffers = false;
     FrameTextureBuffer m_slots[2];
-    /// The slot to paint; null paints black.
+    /// Holds the picture on show; black is shown while there is none.
     FrameTextureBuffer* m_ready = nullptr;
     FrameTextureBuffer* m_free = m_slots;
     /// As the host gave it: a code that is none of `Kestrix3DPreviewFormat` counts as the default.

@@ -7,8 +7,8 @@
 #include <algorithm>
 #include <cstdint>
 
-/// Turns a frame into a picture of the texture's pixel format in Rec. 709. `setup` once for a
-/// frame, then `render` once or more for the pictures that belong to it (both eyes).
+/// Turns a frame into a picture of the texture's pixel format in Rec. 709: `setup` looks at the
+/// frame, and each `render` after that makes one picture the way it chose, say one of each eye.
 ///
 /// Touches no GL, allocates nothing and takes no lock: the calls for one frame belong together on
 /// one thread.

@@ -41,7 +41,7 @@ LutID firstTableFor(unsigned pixelFormat)
     case PixelFormat_BGRv:
     case PixelFormat_R10b:
     case PixelFormat_R10l:
-    case fourCC("R12b"):
+    case fourCC("R12b"): // not among the engine's formats
     case PixelFormat_R12l:
     case PixelFormat_r210:
     case PixelFormat_vRGB:

@@ -1,105 +1,83 @@
 /// What the fixed-function helper paints, read back from a real context.
-#include "tests/support/GLContext.h"
-#include "tests/support/PreviewFixture.h"
-#include "tests/support/Random.h"
-#include "tests/support/TestFrame.h"
+#include "tests/preview/DriverFixture.h"
 
-#include <GL/gl.h>
 #include <GL/glext.h>
-
-#include <array>
-#include <span>
 
 namespace kestrix::test {
 namespace {
 
-class GLPixels : public testing::Test {
+class GLPixels : public DriverTest {
 protected:
+    GLPixels() : DriverTest(GLContext::Kind::Legacy) {}
+
     void SetUp() override
     {
-        ASSERT_EQ(context.failure(), "");
-        gl.useDriver();
+        DriverTest::SetUp();
+        if (HasFatalFailure())
+            return;
         helper.reset(CreateOpenGLScreenPreviewHelper_0002());
         ASSERT_EQ(helper->InitializeGL(), S_OK);
     }
-
-    void TearDown() override
-    {
-        if (context.failure().empty()) {
-            EXPECT_EQ(glErrorNow(), GLenum{GL_NO_ERROR});
-        }
-    }
-
-    GLContext context{GLContext::Kind::Legacy};
-    GLRecorder& gl = GLRecorder::get();
-    Helper helper;
 };
 
-TEST_F(GLPixels, AreTheFramesOwn)
+TEST_F(GLPixels, AreTheFramesOwnAndBlackWithoutAFrame)
 {
+    // A mode and a colour of the host's that would show if the picture took them up.
+    driverGL<decltype(::glTexEnvi)>("glTexEnvi")(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
+    Canvas blank(8, 8);
+    EXPECT_EQ(helper->PaintGL(), S_OK);
+    for (const auto& pixel : blank.read())
+        ASSERT_EQ(pixel, (std::array<float, 4>{0, 0, 0, 1}));
+    driverGL<decltype(::glColor3f)>("glColor3f")(0.25f, 0.5f, 0.75f);
+
     struct {
         std::uint32_t format;
-        int red, green, blue; // their bytes in a pixel
-    } const formats[] = {{code("RGBA"), 0, 1, 2}, {code("BGRA"), 2, 1, 0}, {32, 1, 2, 3}};
-    for (const auto& c : formats)
+        int components[3]; // bytes of red, green, blue in a pixel
+    } const formats[] = {{code("RGBA"), {0, 1, 2}}, {code("BGRA"), {2, 1, 0}}, {kARGB, {1, 2, 3}}};
+    for (const auto& [format, components] : formats)
         for (const int width : {16, 37})
             for (const bool flipped : {false, true}) {
-                const auto frame = TestFrame::create(
-                    {.width = width,
-                     .height = 12,
-                     .format = c.format,
-                     .flags = flipped ? FrameFlagFlipVertical : FrameFlagDefault});
-                Random(3).fill(std::span(frame->bytes(), frame->size()), Content::Uniform);
-                ASSERT_EQ(helper->SetFrame(frame.get()), S_OK);
+                const Frame frame = noise({.width = width,
+                                           .height = 12,
+                                           .format = format,
+                                           .flags = flipped ? FrameFlagFlipVertical : 0u},
+                                          3);
                 Canvas canvas(width, 6);
-                EXPECT_EQ(helper->PaintGL(), S_OK);
+                paint(frame.get());
                 const auto painted = canvas.read();
-                for (int y = 0; y < 6; ++y)
-                    for (int x = 0; x < width; ++x) {
-                        const int line = flipped ? 11 - 2 * y : 2 * y;
-                        const std::uint8_t* source = frame->bytes() + (line * width + x) * 4;
-                        const auto& pixel = painted[static_cast<std::size_t>(y * width + x)];
-                        // Every pixel is on a texel, so nothing is interpolated. Alpha is the
-                        // current colour's, whatever the frame had.
-                        EXPECT_NEAR(pixel[0], source[c.red] / 255.0, 1e-3);
-                        EXPECT_NEAR(pixel[1], source[c.green] / 255.0, 1e-3);
-                        EXPECT_NEAR(pixel[2], source[c.blue] / 255.0, 1e-3);
-                        EXPECT_EQ(pixel[3], 1.0f);
-                    }
+                for (int i = 0; i < width * 6; ++i) {
+                    const int y = i / width;
+                    const int line = flipped ? 11 - 2 * y : 2 * y;
+                    const std::uint8_t* source = frame->bytes() + (line * width + i % width) * 4;
+                    // Every pixel is on a texel, so nothing is interpolated. Alpha is the current
+                    // colour's, whatever the frame had.
+                    const auto& pixel = painted[static_cast<std::size_t>(i)];
+                    for (std::size_t c = 0; c < 3; ++c)
+                        ASSERT_NEAR(pixel[c], source[components[c]] / 255.0, 1e-3);
+                    ASSERT_EQ(pixel[3], 1.0f);
+                }
             }
-}
-
-TEST_F(GLPixels, AreBlackWithoutAFrame)
-{
-    Canvas canvas(8, 8);
-    EXPECT_EQ(helper->PaintGL(), S_OK);
-    const std::array<float, 4> black{0, 0, 0, 1};
-    for (const auto& pixel : canvas.read())
-        ASSERT_EQ(pixel, black);
 }
 
 TEST_F(GLPixels, LeaveTheStateAsPromised)
 {
     const auto isEnabled = driverGL<decltype(::glIsEnabled)>("glIsEnabled");
-    const auto environmentMode = [] {
-        GLint mode = 0;
-        driverGL<decltype(::glGetTexEnviv)>("glGetTexEnviv")(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE,
-                                                             &mode);
-        return mode;
-    };
     Canvas canvas(8, 8);
     driverGL<decltype(::glTexEnvi)>("glTexEnvi")(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_BLEND);
     driverGL<decltype(::glEnable)>("glEnable")(GL_TEXTURE_2D);
     EXPECT_EQ(helper->PaintGL(), S_OK);
     EXPECT_TRUE(isEnabled(GL_TEXTURE_2D)) << "as the host had it, where there is no frame";
 
-    helper->SetFrame(TestFrame::create({.width = 8, .height = 8, .format = code("RGBA")}).get());
-    for (int paint = 0; paint < 2; ++paint) {
-        EXPECT_EQ(helper->PaintGL(), S_OK);
+    paint(noise({.width = 8, .height = 8, .format = code("RGBA")}, 1).get());
+    for (int i = 0; i < 2; ++i) {
         EXPECT_FALSE(isEnabled(GL_TEXTURE_2D));
         EXPECT_EQ(glState(GL_TEXTURE_BINDING_2D), 0);
         EXPECT_EQ(glState(GL_PIXEL_UNPACK_BUFFER_BINDING), 0);
-        EXPECT_EQ(environmentMode(), GL_BLEND);
+        GLint mode = 0;
+        driverGL<decltype(::glGetTexEnviv)>("glGetTexEnviv")(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE,
+                                                             &mode);
+        EXPECT_EQ(mode, GL_BLEND);
+        EXPECT_EQ(helper->PaintGL(), S_OK);
     }
 }
 

@@ -9,8 +9,6 @@
 namespace kestrix::test {
 namespace {
 
-constexpr std::uint32_t kARGB = 32;
-
 /// What a driver gives for a texel that is not there. It must not show.
 constexpr std::uint32_t kOutside = 0;
 

@@ -29,15 +29,11 @@ bool fails(std::size_t size)
     return chosen;
 }
 
-constexpr std::align_val_t kAlignment{alignof(std::max_align_t)};
-
-void* allocate(std::size_t size, std::align_val_t alignment = kAlignment) noexcept
+void* allocate(std::size_t size) noexcept
 {
     if (fails(size))
         return nullptr;
-    const auto step = static_cast<std::size_t>(alignment);
-    void* memory = alignment == kAlignment ? std::malloc(size + !size)
-                                           : std::aligned_alloc(step, (size / step + 1) * step);
+    void* memory = std::malloc(size + !size);
     live += memory != nullptr;
     return memory;
 }
@@ -88,24 +84,12 @@ void* operator new(std::size_t size) { return orThrow(allocate(size)); }
 void* operator new[](std::size_t size) { return orThrow(allocate(size)); }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void* operator new(std::size_t size, std::align_val_t alignment)
-{
-    return orThrow(allocate(size, alignment));
-}
-void* operator new[](std::size_t size, std::align_val_t alignment)
-{
-    return orThrow(allocate(size, alignment));
-}
 void operator delete(void* memory) noexcept { release(memory); }
 void operator delete[](void* memory) noexcept { release(memory); }
 void operator delete(void* memory, std::size_t) noexcept { release(memory); }
 void operator delete[](void* memory, std::size_t) noexcept { release(memory); }
 void operator delete(void* memory, const std::nothrow_t&) noexcept { release(memory); }
 void operator delete[](void* memory, const std::nothrow_t&) noexcept { release(memory); }
-void operator delete(void* memory, std::align_val_t) noexcept { release(memory); }
-void operator delete[](void* memory, std::align_val_t) noexcept { release(memory); }
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { release(memory); }
-void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept { release(memory); }
 // clang-format on
 
 extern "C" int posix_memalign(void** out, std::size_t alignment, std::size_t size) noexcept

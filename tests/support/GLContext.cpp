@@ -115,9 +115,4 @@ int glState(unsigned name)
     return value;
 }
 
-unsigned glErrorNow()
-{
-    return KESTRIX_DRIVER(glGetError)();
-}
-
 } // namespace kestrix::test

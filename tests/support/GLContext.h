@@ -41,9 +41,6 @@ public:
     Canvas(const Canvas&) = delete;
     Canvas& operator=(const Canvas&) = delete;
 
-    int width() const { return m_width; }
-    int height() const { return m_height; }
-
     /// Fills it with a colour that no test paints.
     void soil();
 
@@ -59,8 +56,5 @@ private:
 
 /// An integer of the context's state.
 int glState(unsigned name);
-
-/// The oldest error that the context has not told yet.
-unsigned glErrorNow();
 
 } // namespace kestrix::test

@@ -2,13 +2,14 @@
 #define GL_GLEXT_PROTOTYPES
 #include "tests/support/GLRecorder.h"
 
-#include <GL/gl.h>
-#include <GL/glext.h>
+#include "preview/GL3Functions.h"
+
 #include <GL/glx.h>
 
 #include <dlfcn.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <ostream>
@@ -39,71 +40,36 @@ struct Recorded<NAME, RESULT(ARGUMENTS...)> {
     }
 };
 
-template<class FUNCTION>
-void* address(FUNCTION* function)
+using Functions = std::map<std::string, void*>;
+
+void* find(const Functions& functions, const std::string& name)
 {
-    return reinterpret_cast<void*>(function);
+    const auto found = functions.find(name);
+    return found == functions.end() ? nullptr : found->second;
 }
 
-#define KESTRIX_RECORDED(name)                                                                     \
-    {                                                                                              \
-#name, address(&Recorded <#name, decltype(::name)>::call)                                  \
-    }
+/// Of a function or of a lambda that captures nothing.
+template<class FUNCTION>
+void* address(FUNCTION function)
+{
+    return reinterpret_cast<void*>(+function);
+}
 
 /// What look-ups give, whatever the mode: everything that either helper may ask for.
-const std::map<std::string, void*>& recordedFunctions()
+const Functions& recordedFunctions()
 {
-    static const std::map<std::string, void*> functions = {
-        KESTRIX_RECORDED(glActiveTexture),
-        KESTRIX_RECORDED(glAttachShader),
-        KESTRIX_RECORDED(glBindBuffer),
-        KESTRIX_RECORDED(glBindTexture),
-        KESTRIX_RECORDED(glBindVertexArray),
-        KESTRIX_RECORDED(glBufferData),
-        KESTRIX_RECORDED(glBufferSubData),
-        KESTRIX_RECORDED(glClear),
-        KESTRIX_RECORDED(glClearColor),
-        KESTRIX_RECORDED(glClientWaitSync),
-        KESTRIX_RECORDED(glCompileShader),
-        KESTRIX_RECORDED(glCreateProgram),
-        KESTRIX_RECORDED(glCreateShader),
-        KESTRIX_RECORDED(glDeleteBuffers),
-        KESTRIX_RECORDED(glDeleteProgram),
-        KESTRIX_RECORDED(glDeleteShader),
-        KESTRIX_RECORDED(glDeleteSync),
-        KESTRIX_RECORDED(glDeleteTextures),
-        KESTRIX_RECORDED(glDeleteVertexArrays),
-        KESTRIX_RECORDED(glDrawElements),
-        KESTRIX_RECORDED(glEnableVertexAttribArray),
-        KESTRIX_RECORDED(glFenceSync),
-        KESTRIX_RECORDED(glGenBuffers),
-        KESTRIX_RECORDED(glGenTextures),
-        KESTRIX_RECORDED(glGenVertexArrays),
-        KESTRIX_RECORDED(glGetAttribLocation),
-        KESTRIX_RECORDED(glGetBufferParameteriv),
-        KESTRIX_RECORDED(glGetError),
-        KESTRIX_RECORDED(glGetIntegerv),
-        KESTRIX_RECORDED(glGetProgramInfoLog),
-        KESTRIX_RECORDED(glGetProgramiv),
-        KESTRIX_RECORDED(glGetShaderInfoLog),
-        KESTRIX_RECORDED(glGetShaderiv),
-        KESTRIX_RECORDED(glGetUniformLocation),
-        KESTRIX_RECORDED(glLinkProgram),
-        KESTRIX_RECORDED(glMapBuffer),
-        KESTRIX_RECORDED(glPixelStorei),
-        KESTRIX_RECORDED(glShaderSource),
-        KESTRIX_RECORDED(glTexImage2D),
-        KESTRIX_RECORDED(glTexImage3D),
-        KESTRIX_RECORDED(glTexParameteri),
-        KESTRIX_RECORDED(glTexSubImage2D),
-        KESTRIX_RECORDED(glTexSubImage3D),
-        KESTRIX_RECORDED(glUniform1i),
-        KESTRIX_RECORDED(glUniform1ui),
-        KESTRIX_RECORDED(glUniform2f),
-        KESTRIX_RECORDED(glUnmapBuffer),
-        KESTRIX_RECORDED(glUseProgram),
-        KESTRIX_RECORDED(glVertexAttribPointer),
+    // clang-format off
+#define KESTRIX_RECORDED(name, type) \
+    {"gl" #name, address(Recorded<"gl" #name, decltype(::gl##name)>::call)},
+    static const Functions functions = {
+        KESTRIX_GL3_FUNCTIONS(KESTRIX_RECORDED)
+        KESTRIX_RECORDED(BufferSubData, )
+        KESTRIX_RECORDED(GetBufferParameteriv, )
+        KESTRIX_RECORDED(MapBuffer, )
+        KESTRIX_RECORDED(UnmapBuffer, )
     };
+    // clang-format on
+#undef KESTRIX_RECORDED
     return functions;
 }
 
@@ -129,83 +95,32 @@ void deleteAll(GLsizei count, const GLuint* names)
 
 void deleteOne(GLuint name)
 {
-    fakeGL().live.erase(name);
-}
-
-GLuint createShader(GLenum type)
-{
-    return fakeGL().make(type == GL_VERTEX_SHADER ? "vertex shader" : "fragment shader");
-}
-
-GLuint createProgram()
-{
-    return fakeGL().make("program");
+    deleteAll(1, &name);
 }
 
 void getIntegerv(GLenum name, GLint* out)
 {
-    switch (name) {
-    case GL_MAJOR_VERSION:
-        *out = fakeGL().majorVersion;
-        break;
-    case GL_MINOR_VERSION:
-        *out = fakeGL().minorVersion;
-        break;
-    case GL_UNPACK_ROW_LENGTH:
-        *out = fakeGL().unpackRowLength;
-        break;
-    default:
-        std::fprintf(stderr, "the fake GL has no answer to glGetIntegerv(%#x)\n", name);
-        std::abort();
-    }
+    const FakeGL& fake = fakeGL();
+    const std::map<GLenum, GLint> answers = {{GL_MAJOR_VERSION, fake.majorVersion},
+                                             {GL_MINOR_VERSION, fake.minorVersion},
+                                             {GL_UNPACK_ROW_LENGTH, fake.unpackRowLength}};
+    *out = answers.at(name);
 }
 
-// Serves shaders and programs alike: a driver that sees a program's name in a shader query raises
-// an error and leaves the answer as it was, and so does this.
+// Serves shaders and programs alike.
 void getObjectiv(GLuint object, GLenum name, GLint* out)
 {
     const FakeGL& fake = fakeGL();
     const auto found = fake.live.find(object);
-    const std::string kind = found == fake.live.end() ? "" : found->second;
     if (name == GL_INFO_LOG_LENGTH)
         *out = fake.infoLogLength;
-    else if (kind == "vertex shader")
-        *out = fake.vertexShaderCompiles;
-    else if (kind == "fragment shader")
-        *out = fake.fragmentShaderCompiles;
-    else if (kind == "program")
-        *out = fake.programLinks;
+    else if (found != fake.live.end())
+        *out = found->second != fake.doesNotBuild;
 }
 
 GLint namedLocation(GLuint, const GLchar* name)
 {
     return FakeGL::location(name);
-}
-
-void pixelStorei(GLenum name, GLint value)
-{
-    if (name == GL_UNPACK_ROW_LENGTH)
-        fakeGL().unpackRowLength = value;
-}
-
-GLsync fenceSync(GLenum, GLbitfield)
-{
-    return reinterpret_cast<GLsync>(std::uintptr_t{fakeGL().make("fence")});
-}
-
-GLenum clientWaitSync(GLsync, GLbitfield, GLuint64)
-{
-    return GL_TIMEOUT_EXPIRED;
-}
-
-void deleteSync(GLsync fence)
-{
-    fakeGL().live.erase(static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(fence)));
-}
-
-void bindBuffer(GLenum target, GLuint name)
-{
-    fakeGL().boundBuffers[target] = name;
 }
 
 void bufferData(GLenum target, GLsizeiptr size, const void* data, GLenum)
@@ -218,46 +133,30 @@ void bufferData(GLenum target, GLsizeiptr size, const void* data, GLenum)
 
 void* mapBuffer(GLenum target, GLenum)
 {
-    return fakeGL().buffersMap ? fakeGL().bufferBytes[fakeGL().boundBuffers[target]].data()
-                               : nullptr;
-}
-
-GLboolean unmapBuffer(GLenum)
-{
-    return GL_TRUE;
-}
-
-const GLubyte* getString(GLenum name)
-{
-    return name == GL_EXTENSIONS ? reinterpret_cast<const GLubyte*>(fakeGL().extensions) : nullptr;
-}
-
-void texEnvi(GLenum, GLenum, GLint value)
-{
-    fakeGL().textureEnvironmentMode = value;
-}
-
-void getTexEnviv(GLenum, GLenum, GLint* out)
-{
-    *out = fakeGL().textureEnvironmentMode;
+    FakeGL& fake = fakeGL();
+    return fake.buffersMap ? fake.bufferBytes[fake.boundBuffers[target]].data() : nullptr;
 }
 
 /// Functions with an answer or an effect. The others do nothing.
-const std::map<std::string, void*>& fakeFunctions()
+const Functions& fakeFunctions()
 {
-    static const std::map<std::string, void*> functions = {
-        {"glBindBuffer", address(bindBuffer)},
+    static const Functions functions = {
+        {"glBindBuffer",
+         address([](GLenum target, GLuint name) { fakeGL().boundBuffers[target] = name; })},
         {"glBufferData", address(bufferData)},
-        {"glClientWaitSync", address(clientWaitSync)},
-        {"glCreateProgram", address(createProgram)},
-        {"glCreateShader", address(createShader)},
+        {"glCreateProgram", address([] { return fakeGL().make("program"); })},
+        {"glCreateShader", address([](GLenum type) {
+             return fakeGL().make(type == GL_VERTEX_SHADER ? "vertex shader" : "fragment shader");
+         })},
         {"glDeleteBuffers", address(deleteAll)},
         {"glDeleteProgram", address(deleteOne)},
         {"glDeleteShader", address(deleteOne)},
-        {"glDeleteSync", address(deleteSync)},
+        {"glDeleteSync",
+         address([](std::uintptr_t fence) { deleteOne(static_cast<GLuint>(fence)); })},
         {"glDeleteTextures", address(deleteAll)},
         {"glDeleteVertexArrays", address(deleteAll)},
-        {"glFenceSync", address(fenceSync)},
+        {"glFenceSync",
+         address([](GLenum, GLbitfield) { return std::uintptr_t{fakeGL().make("fence")}; })},
         {"glGenBuffers", address(generate<"buffer">)},
         {"glGenTextures", address(generate<"texture">)},
         {"glGenVertexArrays", address(generate<"vertex array">)},
@@ -265,59 +164,19 @@ const std::map<std::string, void*>& fakeFunctions()
         {"glGetIntegerv", address(getIntegerv)},
         {"glGetProgramiv", address(getObjectiv)},
         {"glGetShaderiv", address(getObjectiv)},
-        {"glGetString", address(getString)},
-        {"glGetTexEnviv", address(getTexEnviv)},
+        {"glGetString", address([](GLenum) { return fakeGL().extensions; })},
+        {"glGetTexEnviv",
+         address([](GLenum, GLenum, GLint* out) { *out = fakeGL().textureEnvironmentMode; })},
         {"glGetUniformLocation", address(namedLocation)},
         {"glMapBuffer", address(mapBuffer)},
-        {"glPixelStorei", address(pixelStorei)},
-        {"glTexEnvi", address(texEnvi)},
-        {"glUnmapBuffer", address(unmapBuffer)},
+        {"glPixelStorei", address([](GLenum, GLint value) { fakeGL().unpackRowLength = value; })},
+        {"glTexEnvi",
+         address([](GLenum, GLenum, GLint value) { fakeGL().textureEnvironmentMode = value; })},
     };
     return functions;
 }
 
-void* find(const std::map<std::string, void*>& functions, const std::string& name)
-{
-    const auto found = functions.find(name);
-    return found == functions.end() ? nullptr : found->second;
-}
-
 } // namespace
-
-// --- The recorder --------------------------------------------------------------------------------
-
-bool GLArgument::operator==(const GLArgument& other) const
-{
-    if (std::holds_alternative<AnyArgument>(value) ||
-        std::holds_alternative<AnyArgument>(other.value))
-        return true;
-    if (value.index() != other.value.index())
-        return false;
-    if (const auto* integer = std::get_if<std::int64_t>(&value))
-        return *integer == other.integer();
-    if (const auto* number = std::get_if<double>(&value))
-        return *number == std::get<double>(other.value);
-    return address() == other.address();
-}
-
-std::ostream& operator<<(std::ostream& out, const GLCall& call)
-{
-    out << call.name << '(';
-    const char* separator = "";
-    for (const GLArgument& argument : call.arguments) {
-        out << std::exchange(separator, ", ");
-        if (const auto* integer = std::get_if<std::int64_t>(&argument.value))
-            out << (*integer >= 0x500 ? std::hex : std::dec) << std::showbase << *integer
-                << std::dec;
-        else if (const auto* number = std::get_if<double>(&argument.value))
-            out << *number;
-        else if (const auto* pointer = std::get_if<const void*>(&argument.value))
-            out << "ptr " << *pointer;
-        else
-            out << '_';
-    }
-    return out << ')';
-}
 
 unsigned FakeGL::make(const char* kind)
 {
@@ -343,38 +202,38 @@ std::vector<unsigned> FakeGL::liveOf(const std::string& kind) const
     return names;
 }
 
+// --- The recorder --------------------------------------------------------------------------------
+
+bool GLCall::operator==(const GLCall& other) const
+{
+    const auto same = [](double a, double b) { return a == b || std::isnan(a) || std::isnan(b); };
+    return name == other.name && std::ranges::equal(arguments, other.arguments, same);
+}
+
+std::ostream& operator<<(std::ostream& out, const GLCall& call)
+{
+    out << call.name << '(';
+    const char* separator = "";
+    for (const double argument : call.arguments) {
+        out << std::exchange(separator, ", ");
+        if (argument >= 0x500) // enumerants and addresses
+            out << std::hex << std::showbase << static_cast<std::uint64_t>(argument) << std::dec;
+        else
+            out << argument;
+    }
+    return out << ')';
+}
+
 GLRecorder& GLRecorder::get()
 {
-    static GLRecorder recorder;
+    static GLRecorder recorder(false);
     return recorder;
-}
-
-void GLRecorder::useFake()
-{
-    forgetAll();
-    m_driver = false;
-}
-
-void GLRecorder::useDriver()
-{
-    forgetAll();
-    m_driver = true;
-}
-
-void GLRecorder::forgetAll()
-{
-    clear();
-    m_observers.clear();
-    m_replacements.clear();
-    m_failingLookup = -1;
-    fake = {};
 }
 
 std::vector<GLCall> GLRecorder::callsTo(const std::set<std::string>& names) const
 {
-    std::vector<GLCall> found;
-    std::copy_if(m_calls.begin(), m_calls.end(), std::back_inserter(found),
-                 [&](const GLCall& call) { return names.count(call.name) > 0; });
+    std::vector<GLCall> found = m_calls;
+    std::erase_if(found, [&](const GLCall& call) { return !names.contains(call.name); });
     return found;
 }
 
@@ -390,11 +249,6 @@ void GLRecorder::clear()
 {
     m_calls.clear();
     m_lookups.clear();
-}
-
-void GLRecorder::observe(const std::string& name, std::function<void(const GLCall&)> observer)
-{
-    m_observers.emplace(name, std::move(observer));
 }
 
 void GLRecorder::record(GLCall call)
@@ -437,6 +291,12 @@ void* driverEntryPoint(const char* name)
 
 // --- What the library links ----------------------------------------------------------------------
 
+#define KESTRIX_LINKED(result, name, parameters, arguments)                                        \
+    result name parameters                                                                         \
+    {                                                                                              \
+        return kestrix::test::Recorded<#name, decltype(::name)>::call arguments;                   \
+    }
+
 extern "C" {
 
 void (*glXGetProcAddress(const GLubyte* name))(void)
@@ -445,88 +305,27 @@ void (*glXGetProcAddress(const GLubyte* name))(void)
         kestrix::test::GLRecorder::get().lookUp(reinterpret_cast<const char*>(name)));
 }
 
-#define KESTRIX_CALL(name) kestrix::test::Recorded<#name, decltype(::name)>::call
-
-void glEnable(GLenum capability)
-{
-    KESTRIX_CALL(glEnable)(capability);
-}
-
-void glDisable(GLenum capability)
-{
-    KESTRIX_CALL(glDisable)(capability);
-}
-
-void glBegin(GLenum mode)
-{
-    KESTRIX_CALL(glBegin)(mode);
-}
-
-void glEnd()
-{
-    KESTRIX_CALL(glEnd)();
-}
-
-void glVertex2f(GLfloat x, GLfloat y)
-{
-    KESTRIX_CALL(glVertex2f)(x, y);
-}
-
-void glTexCoord2f(GLfloat s, GLfloat t)
-{
-    KESTRIX_CALL(glTexCoord2f)(s, t);
-}
-
-void glColor3f(GLfloat red, GLfloat green, GLfloat blue)
-{
-    KESTRIX_CALL(glColor3f)(red, green, blue);
-}
-
-void glTexEnvi(GLenum target, GLenum name, GLint value)
-{
-    KESTRIX_CALL(glTexEnvi)(target, name, value);
-}
-
-void glGetTexEnviv(GLenum target, GLenum name, GLint* out)
-{
-    KESTRIX_CALL(glGetTexEnviv)(target, name, out);
-}
-
-const GLubyte* glGetString(GLenum name)
-{
-    return KESTRIX_CALL(glGetString)(name);
-}
-
-void glGenTextures(GLsizei count, GLuint* names)
-{
-    KESTRIX_CALL(glGenTextures)(count, names);
-}
-
-void glDeleteTextures(GLsizei count, const GLuint* names)
-{
-    KESTRIX_CALL(glDeleteTextures)(count, names);
-}
-
-void glBindTexture(GLenum target, GLuint texture)
-{
-    KESTRIX_CALL(glBindTexture)(target, texture);
-}
-
-void glTexParameteri(GLenum target, GLenum name, GLint value)
-{
-    KESTRIX_CALL(glTexParameteri)(target, name, value);
-}
-
-void glTexImage2D(GLenum target, GLint level, GLint internalFormat, GLsizei width, GLsizei height,
-                  GLint border, GLenum format, GLenum type, const void* pixels)
-{
-    KESTRIX_CALL(glTexImage2D)
-    (target, level, internalFormat, width, height, border, format, type, pixels);
-}
-
-void glTexSubImage2D(GLenum target, GLint level, GLint x, GLint y, GLsizei width, GLsizei height,
-                     GLenum format, GLenum type, const void* pixels)
-{
-    KESTRIX_CALL(glTexSubImage2D)(target, level, x, y, width, height, format, type, pixels);
-}
+KESTRIX_LINKED(void, glEnable, (GLenum capability), (capability))
+KESTRIX_LINKED(void, glDisable, (GLenum capability), (capability))
+KESTRIX_LINKED(void, glBegin, (GLenum mode), (mode))
+KESTRIX_LINKED(void, glEnd, (), ())
+KESTRIX_LINKED(void, glVertex2f, (GLfloat x, GLfloat y), (x, y))
+KESTRIX_LINKED(void, glTexCoord2f, (GLfloat s, GLfloat t), (s, t))
+KESTRIX_LINKED(void, glColor3f, (GLfloat r, GLfloat g, GLfloat b), (r, g, b))
+KESTRIX_LINKED(void, glTexEnvi, (GLenum target, GLenum name, GLint value), (target, name, value))
+KESTRIX_LINKED(void, glGetTexEnviv, (GLenum target, GLenum name, GLint* out), (target, name, out))
+KESTRIX_LINKED(const GLubyte*, glGetString, (GLenum name), (name))
+KESTRIX_LINKED(void, glGenTextures, (GLsizei count, GLuint* names), (count, names))
+KESTRIX_LINKED(void, glDeleteTextures, (GLsizei count, const GLuint* names), (count, names))
+KESTRIX_LINKED(void, glBindTexture, (GLenum target, GLuint texture), (target, texture))
+KESTRIX_LINKED(void, glTexParameteri, (GLenum target, GLenum name, GLint value),
+               (target, name, value))
+KESTRIX_LINKED(void, glTexImage2D,
+               (GLenum target, GLint level, GLint internalFormat, GLsizei width, GLsizei height,
+                GLint border, GLenum format, GLenum type, const void* pixels),
+               (target, level, internalFormat, width, height, border, format, type, pixels))
+KESTRIX_LINKED(void, glTexSubImage2D,
+               (GLenum target, GLint level, GLint x, GLint y, GLsizei width, GLsizei height,
+                GLenum format, GLenum type, const void* pixels),
+               (target, level, x, y, width, height, format, type, pixels))
 }

@@ -8,55 +8,29 @@
 #include <cstdint>
 #include <functional>
 #include <iosfwd>
+#include <limits>
 #include <map>
 #include <set>
 #include <string>
 #include <type_traits>
-#include <variant>
 #include <vector>
 
 namespace kestrix::test {
 
 /// Stands for an argument that a test does not care about.
-struct AnyArgument {};
-inline constexpr AnyArgument kAny{};
+inline constexpr double kAny = std::numeric_limits<double>::quiet_NaN();
 
-/// An argument as it was passed: an integer or enumerant, a floating-point number, or an address.
-struct GLArgument {
-    std::variant<std::int64_t, double, const void*, AnyArgument> value;
-
-    template<class T>
-    GLArgument(T argument) : value(hold(argument))
-    {
-    }
-
-    bool operator==(const GLArgument& other) const;
-    std::int64_t integer() const { return std::get<std::int64_t>(value); }
-    const void* address() const { return std::get<const void*>(value); }
-
-private:
-    template<class T>
-    static decltype(value) hold(T argument)
-    {
-        if constexpr (std::is_same_v<T, AnyArgument>)
-            return argument;
-        else if constexpr (std::is_null_pointer_v<T>)
-            return static_cast<const void*>(nullptr);
-        else if constexpr (std::is_pointer_v<T>)
-            return static_cast<const void*>(argument);
-        else if constexpr (std::is_floating_point_v<T>)
-            return static_cast<double>(argument);
-        else
-            return static_cast<std::int64_t>(argument);
-    }
-};
-
-/// A call, made or expected.
+/// A call, made or expected. Every argument is a number: a double has room for all integers that GL
+/// is given, for floats and for the 48 bits of an address.
 struct GLCall {
     std::string name;
-    std::vector<GLArgument> arguments;
+    std::vector<double> arguments;
 
-    bool operator==(const GLCall& other) const = default;
+    bool operator==(const GLCall& other) const;
+    const void* address(std::size_t argument) const
+    {
+        return reinterpret_cast<const void*>(static_cast<std::uintptr_t>(arguments.at(argument)));
+    }
 };
 
 std::ostream& operator<<(std::ostream& out, const GLCall& call);
@@ -65,13 +39,15 @@ std::ostream& operator<<(std::ostream& out, const GLCall& call);
 template<class... ARGUMENTS>
 GLCall call(const char* name, ARGUMENTS... arguments)
 {
-    return {name, {GLArgument(arguments)...}};
-}
-
-/// The offset into a bound buffer that GL takes in the place of an address.
-inline const void* bufferOffset(std::uintptr_t offset)
-{
-    return reinterpret_cast<const void*>(offset);
+    [[maybe_unused]] const auto number = [](auto argument) {
+        if constexpr (std::is_null_pointer_v<decltype(argument)>)
+            return 0.0;
+        else if constexpr (std::is_pointer_v<decltype(argument)>)
+            return static_cast<double>(reinterpret_cast<std::uintptr_t>(argument));
+        else
+            return static_cast<double>(argument);
+    };
+    return {name, {number(arguments)...}};
 }
 
 /// What the fake answers, and what it was told.
@@ -79,9 +55,7 @@ struct FakeGL {
     int majorVersion = 4;
     int minorVersion = 5;
     const char* extensions = "";
-    bool vertexShaderCompiles = true;
-    bool fragmentShaderCompiles = true;
-    bool programLinks = true;
+    std::string doesNotBuild; // "vertex shader", "fragment shader", "program"
     int infoLogLength = 40;
     bool buffersMap = true;
 
@@ -104,9 +78,9 @@ public:
     static GLRecorder& get();
 
     /// Forgets everything and answers calls by a fresh fake, for which no context is needed.
-    void useFake();
+    void useFake() { *this = GLRecorder(false); }
     /// Forgets everything and passes calls on to libGL, which needs a current context.
-    void useDriver();
+    void useDriver() { *this = GLRecorder(true); }
 
     /// Calls since the last `clear`, in order, look-ups excluded.
     const std::vector<GLCall>& calls() const { return m_calls; }
@@ -118,7 +92,10 @@ public:
     void clear();
 
     /// Runs `observer` at each call to `name`, before the call is answered.
-    void observe(const std::string& name, std::function<void(const GLCall&)> observer);
+    void observe(const std::string& name, std::function<void(const GLCall&)> observer)
+    {
+        m_observers.emplace(name, std::move(observer));
+    }
 
     /// Has calls to `name` answered by `function`, whatever the mode.
     template<class FUNCTION>
@@ -139,9 +116,9 @@ public:
     void* lookUp(const char* name);
 
 private:
-    void forgetAll();
+    explicit GLRecorder(bool driver) : m_driver(driver) {}
 
-    bool m_driver = false;
+    bool m_driver;
     int m_failingLookup = -1;
     std::vector<GLCall> m_calls;
     std::vector<std::string> m_lookups;
@@ -149,10 +126,10 @@ private:
     std::map<std::string, void*> m_replacements;
 };
 
-/// The driver's own entry point, past the recorder. Of type `FUNCTION`, as in
-/// `driverGL<decltype(glGetError)>("glGetError")`.
+/// The driver's own entry point, past the recorder.
 void* driverEntryPoint(const char* name);
 
+/// The same of its type, as in `driverGL<decltype(glGetError)>("glGetError")`.
 template<class FUNCTION>
 FUNCTION* driverGL(const char* name)
 {

@@ -1,9 +1,10 @@
-/// Helpers from the factories, set up on the recording GL.
+/// What the tests of the helpers share: codes, helpers, frames of two eyes, the fake GL.
 #pragma once
 
 #include "api/KestrixPreviewAPI.h"
 #include "host/Owned.h"
 #include "tests/support/GLRecorder.h"
+#include "tests/support/TestFrame.h"
 
 #include <gtest/gtest.h>
 
@@ -15,6 +16,7 @@
 namespace kestrix::test {
 
 using Helper = host::Owned<IKestrixGLScreenPreviewHelper>;
+using Frame = host::Owned<TestFrame>;
 
 /// The code that a FourCC stands for, its first character in the top byte.
 constexpr std::uint32_t code(std::string_view text)
@@ -25,6 +27,18 @@ constexpr std::uint32_t code(std::string_view text)
     return value;
 }
 
+/// The one format whose code is no FourCC.
+inline constexpr std::uint32_t kARGB = 32;
+
+/// `options` of the left eye of a pair.
+inline host::MemoryFrameOptions stereo(host::MemoryFrameOptions options, const Frame& right,
+                                       std::uint32_t packing = Packing3DLeftOnly)
+{
+    options.packing3D = packing;
+    options.rightEye = right.get();
+    return options;
+}
+
 /// Ends a test's child process with the outcome of the expectations in it, past all destructors.
 [[noreturn]] inline void exitWithOutcome()
 {
@@ -32,33 +46,13 @@ constexpr std::uint32_t code(std::string_view text)
     std::_Exit(testing::Test::HasFailure());
 }
 
-/// Tests without a driver: every call is answered by the fake.
+/// Tests without a driver: every call is answered by the fake. The destructor of a helper makes GL
+/// calls, so one that was made has to be initialised by the test's end.
 class FakeGLTest : public testing::Test {
 protected:
     FakeGLTest() { gl.useFake(); }
 
     GLRecorder& gl = GLRecorder::get();
 };
-
-/// An OpenGL 3 helper on the fake, initialised, with the record of that cleared. The destructor of
-/// the helper makes GL calls, so it has to be initialised.
-inline Helper initialisedGL3Helper()
-{
-    Helper helper(CreateOpenGL3ScreenPreviewHelper_0002());
-    EXPECT_NE(helper, nullptr);
-    EXPECT_EQ(helper->InitializeGL(), S_OK);
-    GLRecorder::get().clear();
-    return helper;
-}
-
-/// The same for the fixed-function helper.
-inline Helper initialisedLegacyHelper()
-{
-    Helper helper(CreateOpenGLScreenPreviewHelper_0002());
-    EXPECT_NE(helper, nullptr);
-    EXPECT_EQ(helper->InitializeGL(), S_OK);
-    GLRecorder::get().clear();
-    return helper;
-}
 
 } // namespace kestrix::test

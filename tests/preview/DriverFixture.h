@@ -1,0 +1,53 @@
+/// Tests of what is painted: a real context, frames of noise, a picture to paint into.
+#pragma once
+
+#include "tests/support/GLContext.h"
+#include "tests/support/PreviewFixture.h"
+#include "tests/support/Random.h"
+
+#include <GL/gl.h>
+
+#include <span>
+
+namespace kestrix::test {
+
+/// Noise in the size and format asked for.
+inline Frame noise(const host::MemoryFrameOptions& options, std::uint64_t seed)
+{
+    Frame frame = TestFrame::create(options);
+    Random(seed).fill(std::span(frame->bytes(), frame->size()), Content::Uniform);
+    return frame;
+}
+
+/// A helper in a context of its own, which has to stay free of GL errors.
+class DriverTest : public testing::Test {
+protected:
+    explicit DriverTest(GLContext::Kind kind) : context(kind) {}
+
+    /// To be called first by what overrides it.
+    void SetUp() override
+    {
+        ASSERT_EQ(context.failure(), "");
+        gl.useDriver();
+    }
+
+    void TearDown() override
+    {
+        helper.reset();
+        if (context.failure().empty()) {
+            EXPECT_EQ(driverGL<decltype(::glGetError)>("glGetError")(), GLenum{GL_NO_ERROR});
+        }
+    }
+
+    void paint(IKestrixVideoFrame* frame)
+    {
+        EXPECT_EQ(helper->SetFrame(frame), S_OK);
+        EXPECT_EQ(helper->PaintGL(), S_OK);
+    }
+
+    GLContext context;
+    GLRecorder& gl = GLRecorder::get();
+    Helper helper;
+};
+
+} // namespace kestrix::test
