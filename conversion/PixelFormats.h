@@ -64,8 +64,8 @@ constexpr const PixelFormatInfo* findPixelFormat(std::uint32_t code)
     return nullptr;
 }
 
-/// Bytes that a row of `width` pixels occupies when written: whole groups. Of a row of 4:2:2 with
-/// an odd width, or of "ay10" and "Ay10", only what belongs to the pixels is read.
+/// Bytes that a row of `width` pixels occupies when written: whole groups. Of a row of 8-bit 4:2:2
+/// with an odd width only the 2 `width` bytes of its pixels are read.
 constexpr std::size_t rowBytes(const PixelFormatInfo& format, std::size_t width)
 {
     return (width + format.groupPixels - 1) / format.groupPixels * format.groupBytes;
