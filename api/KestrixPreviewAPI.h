@@ -64,7 +64,7 @@ inline bool operator!=(const REFIID& a, const REFIID& b)
 }
 
 /// A status: `S_OK` or a negative code.
-typedef std::int32_t HRESULT;
+using HRESULT = std::int32_t;
 
 static const HRESULT S_OK = 0;
 
@@ -195,7 +195,7 @@ public:
     virtual HRESULT GetAncillaryData(IKestrixVideoFrameAncillary** out) = 0;
 
 protected:
-    virtual ~IKestrixVideoFrame() {}
+    virtual ~IKestrixVideoFrame() = default;
 };
 
 /// The memory of a frame. Bytes are valid between `StartAccess` and the matching `EndAccess`.
@@ -209,7 +209,7 @@ public:
     virtual HRESULT EndAccess(std::uint32_t flags) = 0;
 
 protected:
-    virtual ~IKestrixVideoBuffer() {}
+    virtual ~IKestrixVideoBuffer() = default;
 };
 
 /// Present on a frame that belongs to a stereoscopic pair.
@@ -222,7 +222,7 @@ public:
     virtual HRESULT GetFrameForRightEye(IKestrixVideoFrame** out) = 0;
 
 protected:
-    virtual ~IKestrixVideoFrame3DExtensions() {}
+    virtual ~IKestrixVideoFrame3DExtensions() = default;
 };
 
 /// Paints frames into the current OpenGL context. Implemented by the library; made by the factories
@@ -272,7 +272,7 @@ public:
     virtual HRESULT Set3DPreviewFormat(std::uint32_t format) = 0;
 
 protected:
-    virtual ~IKestrixGLScreenPreviewHelper() {}
+    virtual ~IKestrixGLScreenPreviewHelper() = default;
 };
 
 /// What is known of a frame beside its pixels. Reached from a frame; one without it counts as
@@ -297,7 +297,7 @@ public:
                                                   std::int64_t* duration) = 0;
 
 protected:
-    virtual ~IKestrixVideoInputFrame() {}
+    ~IKestrixVideoInputFrame() override = default;
 };
 
 /// A frame whose properties can be set, and to which interfaces can be added.
@@ -315,7 +315,7 @@ public:
     virtual HRESULT RegisterInterfaceProvider(REFIID id, IUnknown* provider) = 0;
 
 protected:
-    virtual ~IKestrixMutableVideoFrame() {}
+    ~IKestrixMutableVideoFrame() override = default;
 };
 
 /// Where interfaces are added to a captured frame, which is not an `IKestrixMutableVideoFrame`.
@@ -339,17 +339,17 @@ extern "C" {
 ///
 /// Gives a reference that the caller owns, or null where memory is short. Touches no GL and may be
 /// called on any thread.
-KESTRIX_EXPORT IKestrixGLScreenPreviewHelper* CreateOpenGLScreenPreviewHelper_0002(void);
+KESTRIX_EXPORT IKestrixGLScreenPreviewHelper* CreateOpenGLScreenPreviewHelper_0002();
 
 /// Makes a helper for a context of OpenGL 3.2 or later. The first call in a process also makes the
 /// colour tables, 8.6 MB that stay until the library is unloaded.
 ///
 /// Gives a reference that the caller owns, or null where memory is short. Touches no GL and may be
 /// called on any thread.
-KESTRIX_EXPORT IKestrixGLScreenPreviewHelper* CreateOpenGL3ScreenPreviewHelper_0002(void);
+KESTRIX_EXPORT IKestrixGLScreenPreviewHelper* CreateOpenGL3ScreenPreviewHelper_0002();
 }
 
 /// The type of both factories, for hosts that look them up with `dlsym`.
-typedef IKestrixGLScreenPreviewHelper* (*CreateScreenPreviewHelperFunction)(void);
+using CreateScreenPreviewHelperFunction = IKestrixGLScreenPreviewHelper* (*)();
 
 #endif // KESTRIX_PREVIEW_API_H

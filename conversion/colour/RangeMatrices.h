@@ -186,6 +186,7 @@ struct FixedRow {
 constexpr FixedRow fixedRGB2YUVRow(const float* matrix, int row)
 {
     const auto fixed = [&](int column) {
+        // NOLINTNEXTLINE(bugprone-incorrect-roundings): negative ones have to go this way
         return static_cast<std::int16_t>(
             matrix[3 * row + column] * static_cast<float>(kRGB2YUVScale) + 0.5f);
     };
