@@ -45,6 +45,12 @@ struct UYVYv8 : Representation<4, 1> {};
 /// zero weight where the other pixel's luma stands, needs no further shuffle.
 struct UYVY444v8 : Representation<8, 1> {};
 
+/// `UYVYv8` of 4 pixels, then a vector with the alpha of each in a lane of 32 bits.
+struct UYVYAv8 : Representation<8, 1> {};
+
+/// `UYVY444v8` of 4 pixels, then a vector with the alpha of each in a lane of 32 bits.
+struct UYVY444Av8 : Representation<12, 1> {};
+
 /// The vectors of `PIXELS` pixels, passed from stage to stage by value.
 template<class REPRESENTATION, unsigned PIXELS>
 struct Pixels {

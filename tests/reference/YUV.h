@@ -42,14 +42,16 @@ struct RGBToYUV {
     int rgbBits;
     int yuvBits;
     bool studio = false;
+    bool rounds = true;
 };
 
-/// A row of B, G, R, A to one of Cb, Y, Cr, Y. The count of pixels is even.
-inline void toUYVY(const RGBToYUV& c, const std::uint16_t* bgra, std::uint16_t* uyvy,
-                   std::size_t pixels)
+/// Y of every pixel of a row of B, G, R, A, and its Cb or, of odd ones, Cr: `sink(x, y, chroma)`.
+/// The count of pixels is even.
+template<class SINK>
+void toYUV(const RGBToYUV& c, const std::uint16_t* bgra, std::size_t pixels, const SINK& sink)
 {
     const int shift = 15 + c.rgbBits - c.yuvBits;
-    const int half = 1 << (shift - 1);
+    const int half = c.rounds ? 1 << (shift - 1) : 0;
     const int black = c.studio ? 16 << (c.rgbBits - 8) : 0;
 
     const auto lane = [&](std::size_t x, int i) {
@@ -70,10 +72,19 @@ inline void toUYVY(const RGBToYUV& c, const std::uint16_t* bgra, std::uint16_t* 
         const int y = weighed(c.matrix[0], x, lane) + (16 << (c.yuvBits - 8));
         const int chroma =
             weighed(c.matrix[1 + x % 2], x / 2 * 2, filtered) + (128 << (c.yuvBits - 8));
+        sink(x, y, chroma);
+    }
+}
+
+/// A row of B, G, R, A to one of Cb, Y, Cr, Y.
+inline void toUYVY(const RGBToYUV& c, const std::uint16_t* bgra, std::uint16_t* uyvy,
+                   std::size_t pixels)
+{
+    toYUV(c, bgra, pixels, [&](std::size_t x, int y, int chroma) {
         // The sign of chroma reaches into Y: they are one word of 32 bits.
         uyvy[2 * x] = static_cast<std::uint16_t>(chroma);
         uyvy[2 * x + 1] = static_cast<std::uint16_t>(y | chroma >> 16);
-    }
+    });
 }
 
 struct YUVToRGB {
