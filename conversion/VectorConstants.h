@@ -29,14 +29,6 @@ inline constexpr __m128i v4i_0xff000000 = v4i(0xff000000);
 inline constexpr __m128i v4i_0xffff0000 = v4i(0xffff0000);
 inline constexpr __m128i v4i_0x3fff = v4i(0x3fff);
 
-/// `v4i` lanes of 16-bit values with a sign, limited to `lowest`, not below 0, and `highest`: the
-/// lower halves are limited, and the upper ones, copies of the sign, go from all ones to 0 by the
-/// maximum.
-inline __m128i clampLanes(__m128i x, std::uint32_t lowest, std::uint32_t highest)
-{
-    return _mm_max_epi16(_mm_min_epi16(x, v4i(0x7fff0000 | highest)), v4i(lowest));
-}
-
 inline constexpr __m128i v8i_1 = v8i(1);
 inline constexpr __m128i v8i_0xff = v8i(0xff);
 

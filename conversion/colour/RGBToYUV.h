@@ -10,6 +10,7 @@
 
 #include "conversion/Kernel.h"
 #include "conversion/VectorConstants.h"
+#include "conversion/colour/ClampLanes.h"
 #include "conversion/colour/Flags.h"
 #include "conversion/colour/RangeMatrices.h"
 
