@@ -14,6 +14,13 @@
 /// row's first group, which has none. A stage that looks ahead gets the first 16 bytes of the group
 /// behind as `next`; `lastStep` takes a row's last group. It reads the row itself, so it can only
 /// stand first in a pipeline.
+///
+/// A stage that looks ahead can have copies made for rows of one width, which end inside a group:
+/// `kLine` is that width, `AnyLine` the stage for all others, and that one's
+///
+///     template<unsigned PIXELS> Pixels<Output, N> lastStepOf(const Pixels<Input, N>& in)
+///
+/// takes a last group of which only the first `PIXELS` pixels belong to the row.
 #pragma once
 
 #include "conversion/Representations.h"
@@ -83,6 +90,15 @@ concept LooksAhead = requires(S& stage, const InputOf<S>& in, __m128i next)
         } -> std::same_as<OutputOf<S>>;
     {
         stage.lastStep(in)
+        } -> std::same_as<OutputOf<S>>;
+};
+
+/// Looks ahead, and has copies for rows of one width.
+template<class S>
+concept EndsAtLines = LooksAhead<S> && requires(S& stage, const InputOf<S>& in)
+{
+    {
+        stage.template lastStepOf<1>(in)
         } -> std::same_as<OutputOf<S>>;
 };
 

@@ -19,21 +19,27 @@ template<class... STAGES>
 struct StageList {
 };
 
-/// A chain of stages that works on blocks of `BLOCK` pixels. `MERGE` lets composition put merged
-/// forms in the place of stages (see `MergedForm`); tests switch it off to compare the two.
-template<unsigned BLOCK, class LIST, bool MERGE = true>
+/// A chain of stages that works on blocks of `BLOCK` pixels. `LINE` is the width of the rows if the
+/// chain is made for one, else 0. `MERGE` lets composition put merged forms in the place of stages
+/// (see `MergedForm`); tests switch it off to compare the two.
+template<unsigned BLOCK, class LIST, unsigned LINE = 0, bool MERGE = true>
 struct Pipeline;
 
-template<unsigned BLOCK, class... STAGES, bool MERGE>
-struct Pipeline<BLOCK, StageList<STAGES...>, MERGE> {
+template<unsigned BLOCK, class... STAGES, unsigned LINE, bool MERGE>
+struct Pipeline<BLOCK, StageList<STAGES...>, LINE, MERGE> {
     static_assert((Stage<STAGES> && ...), "every member of a pipeline is a stage");
     static_assert(((BLOCK % STAGES::kIn == 0) && ...), "a block is a whole number of steps");
 
     using Stages = StageList<STAGES...>;
     static constexpr unsigned kBlock = BLOCK;
-    static constexpr bool kMerge = MERGE;
+    static constexpr unsigned kLine = LINE;
     static constexpr bool kLooksBack = (LooksBack<STAGES> || ...);
     static constexpr bool kLooksAhead = (LooksAhead<STAGES> || ...);
+    static constexpr bool kEndsAtLines = (EndsAtLines<STAGES> || ...);
+
+    /// The same chain for rows of `WIDTH` pixels.
+    template<unsigned WIDTH>
+    using AtLine = Pipeline<BLOCK, Stages, WIDTH, MERGE>;
 };
 
 /// Applies `KERNEL` to `N` consecutive groups of pixels, in pixel order. It is one object, so that
@@ -42,14 +48,18 @@ struct Pipeline<BLOCK, StageList<STAGES...>, MERGE> {
 template<unsigned N, Stage KERNEL>
 class Nx : public KERNEL {
 public:
-    /// Runs group number `GROUP` of a block of `N`. `FIRST` and `LAST` say that the block is the
-    /// first or last of its row; `src` points at the group where a stage that looks ahead finds the
-    /// bytes behind it.
-    template<unsigned GROUP, bool FIRST, bool LAST>
+    /// Runs group number `GROUP` of a block of `N`. `FIRST` says that the block is the first of its
+    /// row. `END` is 0 but in the last one, of which it counts the pixels that belong to the row,
+    /// or all if their count is not known. `src` points at the group where a stage that looks ahead
+    /// finds the bytes behind it.
+    template<unsigned GROUP, bool FIRST, unsigned END>
     KSX_INLINE OutputOf<KERNEL> group(const InputOf<KERNEL>& in, const std::byte* src)
     {
+        constexpr unsigned kBegin = GROUP * KERNEL::kIn;
         if constexpr (LooksAhead<KERNEL>) {
-            if constexpr (LAST && GROUP == N - 1)
+            if constexpr (END > kBegin && END < kBegin + KERNEL::kIn)
+                return this->template lastStepOf<END - kBegin>(in);
+            else if constexpr (END != 0 && END <= kBegin + KERNEL::kIn)
                 return this->lastStep(in);
             else
                 return this->step(in, _mm_loadu_si128(reinterpret_cast<const __m128i*>(
@@ -69,9 +79,18 @@ struct Flatten {
     using type = Pipeline<MEMBER::kIn, StageList<MEMBER>>;
 };
 
-template<unsigned BLOCK, class LIST, bool MERGE>
-struct Flatten<Pipeline<BLOCK, LIST, MERGE>> {
-    using type = Pipeline<BLOCK, LIST, MERGE>;
+template<class MEMBER>
+requires requires
+{
+    typename MEMBER::AnyLine;
+}
+struct Flatten<MEMBER> {
+    using type = Pipeline<MEMBER::kIn, StageList<typename MEMBER::AnyLine>, MEMBER::kLine>;
+};
+
+template<unsigned BLOCK, class LIST, unsigned LINE, bool MERGE>
+struct Flatten<Pipeline<BLOCK, LIST, LINE, MERGE>> {
+    using type = Pipeline<BLOCK, LIST, LINE, MERGE>;
 };
 
 template<unsigned N, class KERNEL>
@@ -112,7 +131,8 @@ using AsPipeline = typename details::Flatten<MEMBER>::type;
 template<class... MEMBERS>
 using BindAll =
     Pipeline<details::lcm(AsPipeline<MEMBERS>::kBlock...),
-             typename details::Concatenate<typename AsPipeline<MEMBERS>::Stages...>::type>;
+             typename details::Concatenate<typename AsPipeline<MEMBERS>::Stages...>::type,
+             (AsPipeline<MEMBERS>::kLine | ...)>;
 
 template<class A, class B>
 using BIND = BindAll<A, B>;
@@ -129,8 +149,8 @@ using BIND7 = BindAll<A, B, C, D, E, F, G>;
 
 /// The same chain with every stage run as it is listed.
 template<class PIPELINE>
-using AsListed =
-    Pipeline<AsPipeline<PIPELINE>::kBlock, typename AsPipeline<PIPELINE>::Stages, false>;
+using AsListed = Pipeline<AsPipeline<PIPELINE>::kBlock, typename AsPipeline<PIPELINE>::Stages,
+                          AsPipeline<PIPELINE>::kLine, false>;
 
 // --- Merged forms --------------------------------------------------------------------------------
 
@@ -204,13 +224,13 @@ consteval auto mergeStages(StageList<DONE...> done, StageList<TODO...> todo)
 template<class PIPELINE>
 struct Merged;
 
-template<unsigned BLOCK, class... STAGES>
-struct Merged<Pipeline<BLOCK, StageList<STAGES...>, false>> {
+template<unsigned BLOCK, class... STAGES, unsigned LINE>
+struct Merged<Pipeline<BLOCK, StageList<STAGES...>, LINE, false>> {
     using type = StageList<STAGES...>;
 };
 
-template<unsigned BLOCK, class... STAGES>
-struct Merged<Pipeline<BLOCK, StageList<STAGES...>, true>> {
+template<unsigned BLOCK, class... STAGES, unsigned LINE>
+struct Merged<Pipeline<BLOCK, StageList<STAGES...>, LINE, true>> {
     using type =
         decltype(mergeStages<BLOCK, sizeof...(STAGES)>(StageList<>{}, StageList<STAGES...>{}));
 };
@@ -252,20 +272,21 @@ public:
     using Output = typename StageAt<kCount - 1>::Output;
     static constexpr unsigned kInBytes = Pixels<Input, BLOCK>::kBytes;
     static constexpr unsigned kOutBytes = Pixels<Output, BLOCK>::kBytes;
+    static constexpr bool kLooksBack = (LooksBack<STAGES> || ...);
 
     void setUserContext(const void* context)
     {
         std::apply([&](auto&... stage) { (stage.setUserContext(context), ...); }, m_stages);
     }
 
-    /// Reads a block at `src`, runs it through all stages and stores it at `dst`. `FIRST` and
-    /// `LAST` tell the stages that look back or ahead that the block begins or ends its row.
-    template<bool FIRST, bool LAST>
+    /// Reads a block at `src`, runs it through all stages and stores it at `dst`. `FIRST` and `END`
+    /// tell the stages that look back or ahead that the block begins or ends its row, as in `Nx`.
+    template<bool FIRST, unsigned END>
     KSX_INLINE void block(const std::byte* src, std::byte* dst)
     {
         Between between;
         unrolled<0, BLOCK / StageAt<kCount - 1>::kIn>([&]<unsigned GROUP>() KSX_INLINE_LAMBDA {
-            run<kCount - 1, GROUP, FIRST, LAST>(src, dst, between);
+            run<kCount - 1, GROUP, FIRST, END>(src, dst, between);
         });
     }
 
@@ -279,7 +300,7 @@ private:
         return (pixels + step - 1) / step;
     }
 
-    template<unsigned I, unsigned GROUP, bool FIRST, bool LAST>
+    template<unsigned I, unsigned GROUP, bool FIRST, unsigned END>
     KSX_INLINE void run(const std::byte* src, std::byte* dst, Between& between)
     {
         using S = StageAt<I>;
@@ -296,13 +317,13 @@ private:
             constexpr unsigned kStep = StageAt<I - 1>::kIn;
             unrolled<groupsFor(GROUP * S::kIn, kStep), groupsFor((GROUP + 1) * S::kIn, kStep)>(
                 [&]<unsigned BEFORE>()
-                    KSX_INLINE_LAMBDA { run<I - 1, BEFORE, FIRST, LAST>(src, dst, between); });
+                    KSX_INLINE_LAMBDA { run<I - 1, BEFORE, FIRST, END>(src, dst, between); });
             unrolled<0, In::kVectors>([&]<unsigned V>() KSX_INLINE_LAMBDA {
                 in[V] = std::get<I - 1>(between)[GROUP * In::kVectors + V];
             });
         }
 
-        const Out out = std::get<I>(m_stages).template group<GROUP, FIRST, LAST>(in, groupSrc);
+        const Out out = std::get<I>(m_stages).template group<GROUP, FIRST, END>(in, groupSrc);
 
         unrolled<0, Out::kVectors>([&]<unsigned V>() KSX_INLINE_LAMBDA {
             if constexpr (I == kCount - 1)

@@ -47,9 +47,12 @@ protected:
         constexpr __m128i offsets = v4i(std::uint32_t{kYOffset} << 16 | kChromaOffset);
         const __m128i first = _mm_sub_epi16(in[0], offsets);
         const __m128i second = _mm_sub_epi16(in[1], offsets);
-        return {{component<kFirstShift>(first, second, m_rRow),
-                 component<kFirstShift>(first, second, m_gRow),
-                 component<kFirstShift - 1>(first, second, m_bRow)}};
+        constexpr __m128i rRow = coefficients(0);
+        constexpr __m128i gRow = coefficients(1);
+        constexpr __m128i bRow = coefficients(2);
+        return {{component<kFirstShift>(first, second, rRow),
+                 component<kFirstShift>(first, second, gRow),
+                 component<kFirstShift - 1>(first, second, bRow)}};
     }
 
 private:
@@ -73,15 +76,11 @@ private:
     }
 
     /// A row of the matrix beneath the lanes of a pixel pair.
-    static __m128i coefficients(int row)
+    static constexpr __m128i coefficients(int row)
     {
         const FixedRow c = fixedYUV2RGBRow(RANGE::YUV2RGBMatrix(), row);
-        return _mm_setr_epi16(c.at[1], c.at[0], c.at[2], 0, c.at[1], 0, c.at[2], c.at[0]);
+        return v8i(c.at[1], c.at[0], c.at[2], 0, c.at[1], 0, c.at[2], c.at[0]);
     }
-
-    __m128i m_rRow = coefficients(0);
-    __m128i m_gRow = coefficients(1);
-    __m128i m_bRow = coefficients(2);
 };
 
 /// Converts UYVY444v8 to RGBv4. 4 pixels a step: 2 vectors in, 3 out. Plain.
