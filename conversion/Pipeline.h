@@ -55,11 +55,11 @@ public:
     template<unsigned GROUP, bool FIRST, unsigned END>
     KSX_INLINE OutputOf<KERNEL> group(const InputOf<KERNEL>& in, const std::byte* src)
     {
-        constexpr unsigned kBegin = GROUP * KERNEL::kIn;
+        constexpr unsigned kBegin = GROUP * KERNEL::kPart;
         if constexpr (LooksAhead<KERNEL>) {
-            if constexpr (END > kBegin && END < kBegin + KERNEL::kIn)
+            if constexpr (END > kBegin && END < kBegin + KERNEL::kPart)
                 return this->template lastStepOf<END - kBegin>(in);
-            else if constexpr (END != 0 && END <= kBegin + KERNEL::kIn)
+            else if constexpr (END != 0 && END <= kBegin + KERNEL::kPart)
                 return this->lastStep(in);
             else
                 return this->step(in, _mm_loadu_si128(reinterpret_cast<const __m128i*>(
@@ -285,7 +285,7 @@ public:
     KSX_INLINE void block(const std::byte* src, std::byte* dst)
     {
         Between between;
-        unrolled<0, BLOCK / StageAt<kCount - 1>::kIn>([&]<unsigned GROUP>() KSX_INLINE_LAMBDA {
+        unrolled<0, BLOCK / StageAt<kCount - 1>::kPart>([&]<unsigned GROUP>() KSX_INLINE_LAMBDA {
             run<kCount - 1, GROUP, FIRST, END>(src, dst, between);
         });
     }
@@ -311,11 +311,12 @@ private:
         In in;
         if constexpr (I == 0) {
             unrolled<0, In::kVectors>([&]<unsigned V>() KSX_INLINE_LAMBDA {
-                in[V] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(groupSrc) + V);
+                in[V] = _mm_loadu_si128(
+                    reinterpret_cast<const __m128i*>(groupSrc + In::template offset<V>()));
             });
         } else {
-            constexpr unsigned kStep = StageAt<I - 1>::kIn;
-            unrolled<groupsFor(GROUP * S::kIn, kStep), groupsFor((GROUP + 1) * S::kIn, kStep)>(
+            constexpr unsigned kStep = StageAt<I - 1>::kPart;
+            unrolled<groupsFor(GROUP * S::kPart, kStep), groupsFor((GROUP + 1) * S::kPart, kStep)>(
                 [&]<unsigned BEFORE>()
                     KSX_INLINE_LAMBDA { run<I - 1, BEFORE, FIRST, END>(src, dst, between); });
             unrolled<0, In::kVectors>([&]<unsigned V>() KSX_INLINE_LAMBDA {
@@ -327,13 +328,15 @@ private:
 
         unrolled<0, Out::kVectors>([&]<unsigned V>() KSX_INLINE_LAMBDA {
             if constexpr (I == kCount - 1)
-                _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + GROUP * Out::kBytes) + V, out[V]);
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + GROUP * Out::kBytes +
+                                                            Out::template offset<V>()),
+                                 out[V]);
             else
                 std::get<I>(between)[GROUP * Out::kVectors + V] = out[V];
         });
     }
 
-    std::tuple<Nx<BLOCK / STAGES::kIn, STAGES>...> m_stages;
+    std::tuple<Nx<BLOCK / STAGES::kPart, STAGES>...> m_stages;
 };
 
 /// The stage objects that run `PIPELINE`, merged forms in place.

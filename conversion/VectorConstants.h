@@ -40,10 +40,12 @@ inline constexpr __m128i v4i_0xff000000 = v4i(0xff000000);
 inline constexpr __m128i v4i_0xffff0000 = v4i(0xffff0000);
 inline constexpr __m128i v4i_0x3fff = v4i(0x3fff);
 inline constexpr __m128i v4i_0x3ff = v4i(0x3ff);
+inline constexpr __m128i v4i_0x3ff0000 = v4i(0x3ff0000);
 
 inline constexpr __m128i v8i_1 = v8i(1);
 inline constexpr __m128i v8i_0xff = v8i(0xff);
 inline constexpr __m128i v8i_0x3ff = v8i(0x3ff);
+inline constexpr __m128i v8i_0xfff = v8i(0xfff);
 
 /// The alpha lanes of `BGRAv8`, and its colour lanes.
 inline constexpr __m128i v8i_mask_7xxx3xxx =

@@ -13,6 +13,7 @@
 /// and the packs from them write 255.
 #pragma once
 
+#include "conversion/ByteOrder.h"
 #include "conversion/Pipeline.h"
 #include "conversion/VectorConstants.h"
 
@@ -209,9 +210,7 @@ class PACK_BGRAv8_TO_ARGB : public PACK_BGRAv8_TO_BGRA {
 public:
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        const __m128i reversed =
-            _mm_setr_epi8(3, 2, 1, 0, 7, 6, 5, 4, 11, 10, 9, 8, 15, 14, 13, 12);
-        return {{_mm_shuffle_epi8(PACK_BGRAv8_TO_BGRA::step(in)[0], reversed)}};
+        return {{swapWords(PACK_BGRAv8_TO_BGRA::step(in)[0])}};
     }
 };
 
@@ -347,9 +346,7 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        const __m128i reversed =
-            _mm_setr_epi8(3, 2, 1, 0, 7, 6, 5, 4, 11, 10, 9, 8, 15, 14, 13, 12);
-        return {{_mm_shuffle_epi8(in[0], reversed)}};
+        return {{swapWords(in[0])}};
     }
 };
 

@@ -3,11 +3,13 @@
 
 Disassembles the objects given (archives as well), finds the loop of each pipeline over the blocks
 of a row, and fails where there is none, or where it holds a call, a branch besides its own, or
-accesses to the stack, which is what a spilled vector is. A block of pixels is told by its prefetch:
-what is looked at are the innermost loops with one.
+stores to the stack, which is what a spilled vector is. Loads alone are constants that the compiler
+has moved there; they cost what they would elsewhere. A block of pixels is told by its prefetch: what
+is looked at are the innermost loops with one.
 
 Where a block of 16 pixels or more ends in bytes that span its vectors, there are moments with more
-than 16 vectors alive; one in a hundred instructions may go to the stack.
+than 16 vectors alive; one in a hundred instructions may go to the stack. Stages that change the
+gamut may use it more: g++ puts constants of their curves there anew in each round.
 """
 
 import argparse
@@ -17,6 +19,7 @@ import sys
 
 LOOP = re.compile(r"^void KSX::PixelConversion::runBlocks<false, 0u, \d+u, (.*?)>\(")
 SPILLS_ALLOWED = 0.01
+SPILLS_ALLOWED_WITH_CURVES = 0.04
 
 HEADER = re.compile(r"^[0-9a-f]+ <(.*)>:$")
 INSTRUCTION = re.compile(r"^\s*([0-9a-f]+):\t(\S+)\s*(.*?)\s*(?:#.*)?$")
@@ -134,7 +137,7 @@ def hot_loops(body):
             yield [blocks[number] for number in sorted(loop)]
 
 
-def faults_of(loop, stack):
+def faults_of(loop, stack, spills_allowed):
     instructions = [i for block in loop for i in block]
     jumps, spills = 0, []
     for instruction in instructions:
@@ -143,7 +146,7 @@ def faults_of(loop, stack):
             yield f"calls {instruction.callee() or instruction.operands}"
         elif stack.search(instruction.operands):
             spills.append(f"{instruction.name} {instruction.operands}")
-    if len(spills) > len(instructions) * SPILLS_ALLOWED:
+    if len(spills) > len(instructions) * spills_allowed:
         yield f"uses the stack: {'; '.join(spills)}"
     if jumps != 1:
         yield f"branches {jumps} times"
@@ -163,14 +166,15 @@ def main():
     failures = 0
     for name, body in sorted(functions.items()):
         framed = any(i.name == "mov" and i.operands == "%rsp,%rbp" for i in body)
-        stack = re.compile(r"\(%r(sp|bp)" if framed else r"\(%rsp")
+        stack = re.compile(r"\(%r(sp|bp)\)$" if framed else r"\(%rsp\)$")
         loops = list(hot_loops(body))
         if len(loops) != 1:
             failures += 1
             print(f"FAULT: {len(loops)} loops in {name}")
         for loop in loops:
             print(f"{sum(map(len, loop)):4} instructions in {name}")
-            for fault in faults_of(loop, stack):
+            allowed = SPILLS_ALLOWED_WITH_CURVES if "_CONV_" in name else SPILLS_ALLOWED
+            for fault in faults_of(loop, stack, allowed):
                 failures += 1
                 print(f"     FAULT: {fault}")
     print(f"{len(functions)} loops, {failures} faults")

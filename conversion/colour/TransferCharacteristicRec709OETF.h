@@ -1,0 +1,148 @@
+/// The transfer curve of Rec. 709, from code values to linear light and back: 8-bit codes by
+/// tables, 10-bit ones by polynomials.
+///
+///     V = 4.5 L                           L below beta
+///     V = alpha L^0.45 - (alpha - 1)      otherwise
+///
+/// with alpha = 1.099296826809442 and beta = 0.018053968510807, where the two meet to the last
+/// digit (ITU-R BT.709-6, 1.2, with the constants of ITU-R BT.2020-2, table 4).
+///
+/// Both forms of `Rec709OETF` work on 4 lanes: codes in lanes of 32 bits, linear light in floats
+/// with white at 1. `LANES` counts those that are needed; the others have no meaning, coming or
+/// going.
+#pragma once
+
+#include "conversion/Kernel.h"
+#include "conversion/colour/Flags.h"
+
+namespace KSX::PixelConversion {
+
+/// Linear light of each 8-bit code.
+extern const float kRec709OETFToLinear8[256];
+
+/// 8-bit codes with their fraction, of linear light in steps of 1/1279: steps of 1/255 would each
+/// span many codes near black, where the curve is steep.
+extern const float kRec709OETFFromLinear8[1280];
+constexpr int kRec709OETFFromLinear8IdxMax = 1279;
+
+template<unsigned BITS, VectorTypeFlag V>
+class Rec709OETF;
+
+/// 8-bit codes, 0 to 255 in the low 16 bits of a lane; nothing tests that.
+template<VectorTypeFlag V>
+class Rec709OETF<8, V> {
+public:
+    template<int LANES>
+    KSX_INLINE static __m128 inverse(__m128i codes)
+    {
+        return lookUp<LANES>(kRec709OETFToLinear8, codes);
+    }
+
+    /// Linear light below 0 gives 0, above 1 gives 255.
+    ///
+    ///     f = max(min(1279 L, 1279), 0)      i0 = f cut off      i1 = f rounded
+    ///     code = (f - i0) T[i1] + (1 - (f - i0)) T[i0], rounded
+    ///
+    /// Rounding is to nearest, ties to even. The upper index is not i0 + 1: in the lower half of a
+    /// step the result is T[i0] itself, in the upper half it is interpolated, and f = 1279 stays
+    /// inside the table without a test.
+    template<int LANES>
+    KSX_INLINE static __m128i forward(__m128 linear)
+    {
+        const __m128 last = _mm_set1_ps(kRec709OETFFromLinear8IdxMax);
+        const __m128 scaled = _mm_mul_ps(linear, last);
+        const __m128 f = _mm_max_ps(_mm_min_ps(scaled, last), _mm_setzero_ps());
+        const __m128i i0 = _mm_cvttps_epi32(f);
+        const __m128i i1 = _mm_cvtps_epi32(f);
+        const __m128 fraction = _mm_sub_ps(f, _mm_cvtepi32_ps(i0));
+        const __m128 upper = _mm_mul_ps(fraction, lookUp<LANES>(kRec709OETFFromLinear8, i1));
+        const __m128 lower = _mm_mul_ps(_mm_sub_ps(_mm_set1_ps(1), fraction),
+                                        lookUp<LANES>(kRec709OETFFromLinear8, i0));
+        return _mm_cvtps_epi32(_mm_add_ps(upper, lower));
+    }
+
+private:
+    template<int LANES>
+    KSX_INLINE static __m128 lookUp(const float* table, __m128i index)
+    {
+        const __m128 a = _mm_load_ss(table + _mm_extract_epi16(index, 0));
+        const __m128 b = _mm_load_ss(table + _mm_extract_epi16(index, 2));
+        const __m128 c = _mm_load_ss(table + _mm_extract_epi16(index, 4));
+        if constexpr (LANES == 3)
+            return _mm_movelh_ps(_mm_unpacklo_ps(a, b), c);
+        const __m128 d = _mm_load_ss(table + _mm_extract_epi16(index, 6));
+        return _mm_movelh_ps(_mm_unpacklo_ps(a, b), _mm_unpacklo_ps(c, d));
+    }
+};
+
+/// 10-bit codes, 0 to 1023 going in. Coming out they are not limited: light below 0 gives a
+/// negative code, light of 1 gives 1023.108, and from about 1.47 up the polynomial leaves the range
+/// of an integer, so whoever can get there limits light first.
+template<>
+class Rec709OETF<10, V1> {
+public:
+    template<int LANES>
+    KSX_INLINE static __m128 inverse(__m128i codes)
+    {
+        const __m128i upper = _mm_shuffle_epi32(codes, _MM_SHUFFLE(3, 2, 3, 2));
+        return _mm_movelh_ps(_mm_cvtpd_ps(inverse(_mm_cvtepi32_pd(codes))),
+                             _mm_cvtpd_ps(inverse(_mm_cvtepi32_pd(upper))));
+    }
+
+    template<int LANES>
+    KSX_INLINE static __m128i forward(__m128 linear)
+    {
+        const __m128 upper = _mm_movehl_ps(linear, linear);
+        return _mm_unpacklo_epi64(_mm_cvtpd_epi32(forward(_mm_cvtps_pd(linear))),
+                                  _mm_cvtpd_epi32(forward(_mm_cvtps_pd(upper))));
+    }
+
+    /// Two codes to linear light, within 5e-5.
+    KSX_INLINE static __m128d inverse(__m128d codes)
+    {
+        constexpr double kPolynomial[] = {0.004865568031467749, 0.10452784606688573,
+                                          0.6875632497840137,   0.3078302450546515,
+                                          -0.1441316641773179,  0.039394104289797664};
+        const __m128d v = _mm_mul_pd(codes, _mm_set1_pd(0.0009775171065493646));  // 1/1023
+        const __m128d line = _mm_mul_pd(v, _mm_set1_pd(0.2222222222222222));      // 1/4.5
+        const __m128d isLine = _mm_cmplt_pd(v, _mm_set1_pd(0.08124285829863151)); // 4.5 beta
+        return select(isLine, line, evaluate(kPolynomial, v));
+    }
+
+    /// Linear light to two codes with their fractions, within 0.11 of a code from beta to 1.
+    KSX_INLINE static __m128d forward(__m128d linear)
+    {
+        // L^0.45.
+        constexpr double kPolynomial[] = {
+            0.06373368751399863, 7.720267954128315, -166.68729271213184, 3382.921137362854,
+            -50373.74587257034,  543705.7770209931, -4318820.723638247,  25702894.239978567,
+            -116399992.15534373, 405935276.6501572, -1098990803.1316366, 2319149708.2613387,
+            -3813837177.1323824, 4862393749.276773, -4751661644.016214,  3488413059.3608203,
+            -1860229944.5869374, 679796309.953305,  -152180100.8505276,  15730929.805408714};
+        const __m128d line = _mm_mul_pd(linear, _mm_set1_pd(4.5));
+        const __m128d isLine = _mm_cmplt_pd(linear, _mm_set1_pd(0.018053968510807)); // beta
+        const __m128d curve =
+            _mm_sub_pd(_mm_mul_pd(evaluate(kPolynomial, linear), _mm_set1_pd(1.099296826809442)),
+                       _mm_set1_pd(0.09929682680944207));
+        return _mm_mul_pd(select(isLine, line, curve), _mm_set1_pd(1023));
+    }
+
+private:
+    /// By Horner's rule, from the highest power down.
+    template<unsigned TERMS>
+    KSX_INLINE static __m128d evaluate(const double (&polynomial)[TERMS], __m128d x)
+    {
+        __m128d sum = _mm_set1_pd(polynomial[TERMS - 1]);
+        unrolled<2, TERMS + 1>([&]<unsigned FROM_END>() KSX_INLINE_LAMBDA {
+            sum = _mm_add_pd(_mm_mul_pd(sum, x), _mm_set1_pd(polynomial[TERMS - FROM_END]));
+        });
+        return sum;
+    }
+
+    KSX_INLINE static __m128d select(__m128d mask, __m128d a, __m128d b)
+    {
+        return _mm_or_pd(_mm_and_pd(mask, a), _mm_andnot_pd(mask, b));
+    }
+};
+
+} // namespace KSX::PixelConversion
