@@ -45,8 +45,8 @@ private:
     }
 };
 
-/// Runs `count` blocks that follow each other; `FIRST` and `END` are as in `Composition`.
-/// `PREFETCH` counts blocks.
+/// Runs `count` blocks that follow each other, at least one; `FIRST` and `END` are as in
+/// `Composition`. `PREFETCH` counts blocks.
 ///
 /// A function of its own, so that both walkers of a pipeline, their tails and its copies for lines
 /// of one width share one loop. It works on a copy of the stages: what has no name outside stays in
@@ -56,14 +56,14 @@ template<bool FIRST, unsigned END, unsigned PREFETCH, class COMPOSITION>
                                  unsigned count)
 {
     COMPOSITION copy = stages;
-    for (; count != 0; --count) {
+    do {
         // Issued past the end of the row as well: a hint cannot fault.
         _mm_prefetch(reinterpret_cast<const char*>(src + PREFETCH * COMPOSITION::kInBytes),
                      _MM_HINT_NTA);
         copy.template block<FIRST, END>(src, dst);
         src += COMPOSITION::kInBytes;
         dst += COMPOSITION::kOutBytes;
-    }
+    } while (--count != 0);
     if constexpr (COMPOSITION::kLooksBack)
         stages = copy;
 }
@@ -128,7 +128,8 @@ private:
             dst += Stages::kOutBytes;
             --steps;
         }
-        runBlocks<false, 0, PREFETCH>(stages, src, dst, steps);
+        if (steps != 0)
+            runBlocks<false, 0, PREFETCH>(stages, src, dst, steps);
         src += std::size_t{steps} * Stages::kInBytes;
         dst += std::size_t{steps} * Stages::kOutBytes;
         if (partial)

@@ -51,9 +51,10 @@ public:
 
     KSX_INLINE Pixels<Output, 2> step(const Pixels<Input, 2>& in) const
     {
-        const __m128i bgra = _mm_packs_epi32(pixel(_mm_unpacklo_epi16(in[0], v0)),
-                                             pixel(_mm_unpackhi_epi16(in[0], v0)));
-        return {{_mm_or_si128(_mm_and_si128(bgra, v8i_mask_x654x210),
+        const Light<2> light = IN::template inverse<3, 2>(
+            {_mm_unpacklo_epi16(in[0], v0), _mm_unpackhi_epi16(in[0], v0)});
+        const Codes<2> bgra = OUT::template forward<3, 2>({convert(light[0]), convert(light[1])});
+        return {{_mm_or_si128(_mm_and_si128(_mm_packs_epi32(bgra[0], bgra[1]), v8i_mask_x654x210),
                               _mm_and_si128(in[0], v8i_mask_7xxx3xxx))}};
     }
 
@@ -65,18 +66,16 @@ private:
         return __m128{m[6 + c], m[3 + c], m[c], 0};
     }
 
-    KSX_INLINE static __m128i pixel(__m128i bgra)
+    KSX_INLINE static __m128 convert(__m128 bgra)
     {
         constexpr __m128 mR = column(0);
         constexpr __m128 mG = column(1);
         constexpr __m128 mB = column(2);
-        const __m128 light = IN::template inverse<3>(bgra);
-        const __m128 b = _mm_shuffle_ps(light, light, _MM_SHUFFLE(0, 0, 0, 0));
-        const __m128 g = _mm_shuffle_ps(light, light, _MM_SHUFFLE(1, 1, 1, 1));
-        const __m128 r = _mm_shuffle_ps(light, light, _MM_SHUFFLE(2, 2, 2, 2));
-        const __m128 out =
-            _mm_add_ps(_mm_add_ps(_mm_mul_ps(g, mG), _mm_mul_ps(r, mR)), _mm_mul_ps(b, mB));
-        return OUT::template forward<3>(details::limitLight<MATRIX>(out));
+        const __m128 b = _mm_shuffle_ps(bgra, bgra, _MM_SHUFFLE(0, 0, 0, 0));
+        const __m128 g = _mm_shuffle_ps(bgra, bgra, _MM_SHUFFLE(1, 1, 1, 1));
+        const __m128 r = _mm_shuffle_ps(bgra, bgra, _MM_SHUFFLE(2, 2, 2, 2));
+        return details::limitLight<MATRIX>(
+            _mm_add_ps(_mm_add_ps(_mm_mul_ps(g, mG), _mm_mul_ps(r, mR)), _mm_mul_ps(b, mB)));
     }
 };
 
@@ -93,21 +92,21 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        const __m128 r = IN::template inverse<4>(in[0]);
-        const __m128 g = IN::template inverse<4>(in[1]);
-        const __m128 b = IN::template inverse<4>(in[2]);
-        return {{component<0>(r, g, b), component<1>(r, g, b), component<2>(r, g, b)}};
+        const Light<3> rgb = IN::template inverse<4, 3>({in[0], in[1], in[2]});
+        const Codes<3> out =
+            OUT::template forward<4, 3>({component<0>(rgb), component<1>(rgb), component<2>(rgb)});
+        return {{out[0], out[1], out[2]}};
     }
 
 private:
     template<int ROW>
-    KSX_INLINE static __m128i component(__m128 r, __m128 g, __m128 b)
+    KSX_INLINE static __m128 component(const Light<3>& rgb)
     {
         constexpr const float* row = MATRIX::get() + 3 * ROW;
-        const __m128 out = _mm_add_ps(
-            _mm_add_ps(_mm_mul_ps(b, _mm_set1_ps(row[2])), _mm_mul_ps(g, _mm_set1_ps(row[1]))),
-            _mm_mul_ps(r, _mm_set1_ps(row[0])));
-        return OUT::template forward<4>(details::limitLight<MATRIX>(out));
+        return details::limitLight<MATRIX>(
+            _mm_add_ps(_mm_add_ps(_mm_mul_ps(rgb[2], _mm_set1_ps(row[2])),
+                                  _mm_mul_ps(rgb[1], _mm_set1_ps(row[1]))),
+                       _mm_mul_ps(rgb[0], _mm_set1_ps(row[0]))));
     }
 };
 

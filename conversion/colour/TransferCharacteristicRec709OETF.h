@@ -7,15 +7,22 @@
 /// with alpha = 1.099296826809442 and beta = 0.018053968510807, where the two meet to the last
 /// digit (ITU-R BT.709-6, 1.2, with the constants of ITU-R BT.2020-2, table 4).
 ///
-/// Both forms of `Rec709OETF` work on 4 lanes: codes in lanes of 32 bits, linear light in floats
-/// with white at 1. `LANES` counts those that are needed; the others have no meaning, coming or
-/// going.
+/// Both forms of `Rec709OETF` work on `N` vectors of 4 lanes: codes in lanes of 32 bits, linear
+/// light in floats with white at 1. `LANES` counts those that are needed; the others have no
+/// meaning, coming or going.
 #pragma once
 
 #include "conversion/Kernel.h"
 #include "conversion/colour/Flags.h"
 
+#include <array>
+
 namespace KSX::PixelConversion {
+
+template<std::size_t N>
+using Codes = std::array<__m128i, N>;
+template<std::size_t N>
+using Light = std::array<__m128, N>;
 
 /// Linear light of each 8-bit code.
 extern const float kRec709OETFToLinear8[256];
@@ -32,10 +39,14 @@ class Rec709OETF;
 template<VectorTypeFlag V>
 class Rec709OETF<8, V> {
 public:
-    template<int LANES>
-    KSX_INLINE static __m128 inverse(__m128i codes)
+    template<int LANES, std::size_t N>
+    KSX_INLINE static Light<N> inverse(const Codes<N>& codes)
     {
-        return lookUp<LANES>(kRec709OETFToLinear8, codes);
+        Light<N> light;
+        unrolled<0, N>([&]<unsigned I>() KSX_INLINE_LAMBDA {
+            light[I] = lookUp<LANES>(kRec709OETFToLinear8, codes[I]);
+        });
+        return light;
     }
 
     /// Linear light below 0 gives 0, above 1 gives 255.
@@ -46,8 +57,17 @@ public:
     /// Rounding is to nearest, ties to even. The upper index is not i0 + 1: in the lower half of a
     /// step the result is T[i0] itself, in the upper half it is interpolated, and f = 1279 stays
     /// inside the table without a test.
+    template<int LANES, std::size_t N>
+    KSX_INLINE static Codes<N> forward(const Light<N>& light)
+    {
+        Codes<N> codes;
+        unrolled<0, N>([&]<unsigned I>() KSX_INLINE_LAMBDA { codes[I] = encode<LANES>(light[I]); });
+        return codes;
+    }
+
+private:
     template<int LANES>
-    KSX_INLINE static __m128i forward(__m128 linear)
+    KSX_INLINE static __m128i encode(__m128 linear)
     {
         const __m128 last = _mm_set1_ps(kRec709OETFFromLinear8IdxMax);
         const __m128 scaled = _mm_mul_ps(linear, last);
@@ -61,7 +81,6 @@ public:
         return _mm_cvtps_epi32(_mm_add_ps(upper, lower));
     }
 
-private:
     template<int LANES>
     KSX_INLINE static __m128 lookUp(const float* table, __m128i index)
     {
@@ -81,36 +100,35 @@ private:
 template<>
 class Rec709OETF<10, V1> {
 public:
-    template<int LANES>
-    KSX_INLINE static __m128 inverse(__m128i codes)
-    {
-        const __m128i upper = _mm_shuffle_epi32(codes, _MM_SHUFFLE(3, 2, 3, 2));
-        return _mm_movelh_ps(_mm_cvtpd_ps(inverse(_mm_cvtepi32_pd(codes))),
-                             _mm_cvtpd_ps(inverse(_mm_cvtepi32_pd(upper))));
-    }
-
-    template<int LANES>
-    KSX_INLINE static __m128i forward(__m128 linear)
-    {
-        const __m128 upper = _mm_movehl_ps(linear, linear);
-        return _mm_unpacklo_epi64(_mm_cvtpd_epi32(forward(_mm_cvtps_pd(linear))),
-                                  _mm_cvtpd_epi32(forward(_mm_cvtps_pd(upper))));
-    }
-
-    /// Two codes to linear light, within 5e-5.
-    KSX_INLINE static __m128d inverse(__m128d codes)
+    /// Within 5e-5.
+    template<int LANES, std::size_t N>
+    KSX_INLINE static Light<N> inverse(const Codes<N>& codes)
     {
         constexpr double kPolynomial[] = {0.004865568031467749, 0.10452784606688573,
                                           0.6875632497840137,   0.3078302450546515,
                                           -0.1441316641773179,  0.039394104289797664};
-        const __m128d v = _mm_mul_pd(codes, _mm_set1_pd(0.0009775171065493646));  // 1/1023
-        const __m128d line = _mm_mul_pd(v, _mm_set1_pd(0.2222222222222222));      // 1/4.5
-        const __m128d isLine = _mm_cmplt_pd(v, _mm_set1_pd(0.08124285829863151)); // 4.5 beta
-        return select(isLine, line, evaluate(kPolynomial, v));
+        Pairs<N> v;
+        unrolled<0, N>([&]<unsigned I>() KSX_INLINE_LAMBDA {
+            const __m128d scale = _mm_set1_pd(0.0009775171065493646); // 1/1023
+            const __m128i upper = _mm_shuffle_epi32(codes[I], _MM_SHUFFLE(3, 2, 3, 2));
+            v[2 * I] = _mm_mul_pd(_mm_cvtepi32_pd(codes[I]), scale);
+            v[2 * I + 1] = _mm_mul_pd(_mm_cvtepi32_pd(upper), scale);
+        });
+        Pairs<N> light = evaluate<N>(kPolynomial, v);
+        for (std::size_t i = 0; i < 2 * N; ++i) {
+            const __m128d line = _mm_mul_pd(v[i], _mm_set1_pd(0.2222222222222222)); // 1/4.5
+            light[i] = select(_mm_cmplt_pd(v[i], _mm_set1_pd(0.08124285829863151)), // 4.5 beta
+                              line, light[i]);
+        }
+        Light<N> result;
+        for (std::size_t i = 0; i < N; ++i)
+            result[i] = _mm_movelh_ps(_mm_cvtpd_ps(light[2 * i]), _mm_cvtpd_ps(light[2 * i + 1]));
+        return result;
     }
 
-    /// Linear light to two codes with their fractions, within 0.11 of a code from beta to 1.
-    KSX_INLINE static __m128d forward(__m128d linear)
+    /// Within 0.11 of a code from beta to 1. Rounded to nearest, ties to even.
+    template<int LANES, std::size_t N>
+    KSX_INLINE static Codes<N> forward(const Light<N>& light)
     {
         // L^0.45.
         constexpr double kPolynomial[] = {
@@ -119,24 +137,47 @@ public:
             -116399992.15534373, 405935276.6501572, -1098990803.1316366, 2319149708.2613387,
             -3813837177.1323824, 4862393749.276773, -4751661644.016214,  3488413059.3608203,
             -1860229944.5869374, 679796309.953305,  -152180100.8505276,  15730929.805408714};
-        const __m128d line = _mm_mul_pd(linear, _mm_set1_pd(4.5));
-        const __m128d isLine = _mm_cmplt_pd(linear, _mm_set1_pd(0.018053968510807)); // beta
-        const __m128d curve =
-            _mm_sub_pd(_mm_mul_pd(evaluate(kPolynomial, linear), _mm_set1_pd(1.099296826809442)),
-                       _mm_set1_pd(0.09929682680944207));
-        return _mm_mul_pd(select(isLine, line, curve), _mm_set1_pd(1023));
+        Pairs<N> l;
+        for (std::size_t i = 0; i < N; ++i) {
+            l[2 * i] = _mm_cvtps_pd(light[i]);
+            l[2 * i + 1] = _mm_cvtps_pd(_mm_movehl_ps(light[i], light[i]));
+        }
+        const Pairs<N> power = evaluate<N>(kPolynomial, l);
+        Codes<N> codes;
+        for (std::size_t i = 0; i < N; ++i)
+            codes[i] = _mm_unpacklo_epi64(encode(l[2 * i], power[2 * i]),
+                                          encode(l[2 * i + 1], power[2 * i + 1]));
+        return codes;
     }
 
 private:
-    /// By Horner's rule, from the highest power down.
-    template<unsigned TERMS>
-    KSX_INLINE static __m128d evaluate(const double (&polynomial)[TERMS], __m128d x)
+    /// The lanes of `N` vectors in double precision, two by two.
+    template<std::size_t N>
+    using Pairs = std::array<__m128d, 2 * N>;
+
+    /// By Horner's rule, from the highest power down. All lanes go side by side, since each step
+    /// has to wait for the one before.
+    template<std::size_t N, unsigned TERMS>
+    KSX_INLINE static Pairs<N> evaluate(const double (&polynomial)[TERMS], const Pairs<N>& x)
     {
-        __m128d sum = _mm_set1_pd(polynomial[TERMS - 1]);
+        Pairs<N> sums;
+        sums.fill(_mm_set1_pd(polynomial[TERMS - 1]));
         unrolled<2, TERMS + 1>([&]<unsigned FROM_END>() KSX_INLINE_LAMBDA {
-            sum = _mm_add_pd(_mm_mul_pd(sum, x), _mm_set1_pd(polynomial[TERMS - FROM_END]));
+            unrolled<0, 2 * N>([&]<unsigned I>() KSX_INLINE_LAMBDA {
+                sums[I] = _mm_add_pd(_mm_mul_pd(sums[I], x[I]),
+                                     _mm_set1_pd(polynomial[TERMS - FROM_END]));
+            });
         });
-        return sum;
+        return sums;
+    }
+
+    KSX_INLINE static __m128i encode(__m128d l, __m128d power)
+    {
+        const __m128d line = _mm_mul_pd(l, _mm_set1_pd(4.5));
+        const __m128d curve = _mm_sub_pd(_mm_mul_pd(power, _mm_set1_pd(1.099296826809442)),
+                                         _mm_set1_pd(0.09929682680944207));
+        const __m128d isLine = _mm_cmplt_pd(l, _mm_set1_pd(0.018053968510807)); // beta
+        return _mm_cvtpd_epi32(_mm_mul_pd(select(isLine, line, curve), _mm_set1_pd(1023)));
     }
 
     KSX_INLINE static __m128d select(__m128d mask, __m128d a, __m128d b)
