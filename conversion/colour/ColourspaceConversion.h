@@ -53,9 +53,11 @@ public:
     {
         const Light<2> light = IN::template inverse<3, 2>(
             {_mm_unpacklo_epi16(in[0], v0), _mm_unpackhi_epi16(in[0], v0)});
-        const Codes<2> bgra = OUT::template forward<3, 2>({convert(light[0]), convert(light[1])});
-        return {{_mm_or_si128(_mm_and_si128(_mm_packs_epi32(bgra[0], bgra[1]), v8i_mask_x654x210),
-                              _mm_and_si128(in[0], v8i_mask_7xxx3xxx))}};
+        const Codes<2> bgra =
+            OUT::template forward<3, 2>({{convert(light.v[0]), convert(light.v[1])}});
+        return {
+            {_mm_or_si128(_mm_and_si128(_mm_packs_epi32(bgra.v[0], bgra.v[1]), v8i_mask_x654x210),
+                          _mm_and_si128(in[0], v8i_mask_7xxx3xxx))}};
     }
 
 private:
@@ -95,7 +97,7 @@ public:
         const Light<3> rgb = IN::template inverse<4, 3>({in[0], in[1], in[2]});
         const Codes<3> out =
             OUT::template forward<4, 3>({component<0>(rgb), component<1>(rgb), component<2>(rgb)});
-        return {{out[0], out[1], out[2]}};
+        return {{out.v[0], out.v[1], out.v[2]}};
     }
 
 private:
@@ -104,9 +106,9 @@ private:
     {
         constexpr const float* row = MATRIX::get() + 3 * ROW;
         return details::limitLight<MATRIX>(
-            _mm_add_ps(_mm_add_ps(_mm_mul_ps(rgb[2], _mm_set1_ps(row[2])),
-                                  _mm_mul_ps(rgb[1], _mm_set1_ps(row[1]))),
-                       _mm_mul_ps(rgb[0], _mm_set1_ps(row[0]))));
+            _mm_add_ps(_mm_add_ps(_mm_mul_ps(rgb.v[2], _mm_set1_ps(row[2])),
+                                  _mm_mul_ps(rgb.v[1], _mm_set1_ps(row[1]))),
+                       _mm_mul_ps(rgb.v[0], _mm_set1_ps(row[0]))));
     }
 };
 

@@ -15,14 +15,16 @@
 #include "conversion/Kernel.h"
 #include "conversion/colour/Flags.h"
 
-#include <array>
-
 namespace KSX::PixelConversion {
 
 template<std::size_t N>
-using Codes = std::array<__m128i, N>;
+struct Codes {
+    __m128i v[N];
+};
 template<std::size_t N>
-using Light = std::array<__m128, N>;
+struct Light {
+    __m128 v[N];
+};
 
 /// Linear light of each 8-bit code.
 extern const float kRec709OETFToLinear8[256];
@@ -44,7 +46,7 @@ public:
     {
         Light<N> light;
         unrolled<0, N>([&]<unsigned I>() KSX_INLINE_LAMBDA {
-            light[I] = lookUp<LANES>(kRec709OETFToLinear8, codes[I]);
+            light.v[I] = lookUp<LANES>(kRec709OETFToLinear8, codes.v[I]);
         });
         return light;
     }
@@ -61,7 +63,8 @@ public:
     KSX_INLINE static Codes<N> forward(const Light<N>& light)
     {
         Codes<N> codes;
-        unrolled<0, N>([&]<unsigned I>() KSX_INLINE_LAMBDA { codes[I] = encode<LANES>(light[I]); });
+        unrolled<0, N>([&]<unsigned I>()
+                           KSX_INLINE_LAMBDA { codes.v[I] = encode<LANES>(light.v[I]); });
         return codes;
     }
 
@@ -107,22 +110,24 @@ public:
         constexpr double kPolynomial[] = {0.004865568031467749, 0.10452784606688573,
                                           0.6875632497840137,   0.3078302450546515,
                                           -0.1441316641773179,  0.039394104289797664};
-        Pairs<N> v;
+        Pairs<N> signal;
         unrolled<0, N>([&]<unsigned I>() KSX_INLINE_LAMBDA {
             const __m128d scale = _mm_set1_pd(0.0009775171065493646); // 1/1023
-            const __m128i upper = _mm_shuffle_epi32(codes[I], _MM_SHUFFLE(3, 2, 3, 2));
-            v[2 * I] = _mm_mul_pd(_mm_cvtepi32_pd(codes[I]), scale);
-            v[2 * I + 1] = _mm_mul_pd(_mm_cvtepi32_pd(upper), scale);
+            const __m128i upper = _mm_shuffle_epi32(codes.v[I], _MM_SHUFFLE(3, 2, 3, 2));
+            signal.v[2 * I] = _mm_mul_pd(_mm_cvtepi32_pd(codes.v[I]), scale);
+            signal.v[2 * I + 1] = _mm_mul_pd(_mm_cvtepi32_pd(upper), scale);
         });
-        Pairs<N> light = evaluate<N>(kPolynomial, v);
+        Pairs<N> light = evaluate<N>(kPolynomial, signal);
         for (std::size_t i = 0; i < 2 * N; ++i) {
-            const __m128d line = _mm_mul_pd(v[i], _mm_set1_pd(0.2222222222222222)); // 1/4.5
-            light[i] = select(_mm_cmplt_pd(v[i], _mm_set1_pd(0.08124285829863151)), // 4.5 beta
-                              line, light[i]);
+            const __m128d line = _mm_mul_pd(signal.v[i], _mm_set1_pd(0.2222222222222222)); // 1/4.5
+            light.v[i] =
+                select(_mm_cmplt_pd(signal.v[i], _mm_set1_pd(0.08124285829863151)), // 4.5 beta
+                       line, light.v[i]);
         }
         Light<N> result;
         for (std::size_t i = 0; i < N; ++i)
-            result[i] = _mm_movelh_ps(_mm_cvtpd_ps(light[2 * i]), _mm_cvtpd_ps(light[2 * i + 1]));
+            result.v[i] =
+                _mm_movelh_ps(_mm_cvtpd_ps(light.v[2 * i]), _mm_cvtpd_ps(light.v[2 * i + 1]));
         return result;
     }
 
@@ -139,21 +144,23 @@ public:
             -1860229944.5869374, 679796309.953305,  -152180100.8505276,  15730929.805408714};
         Pairs<N> l;
         for (std::size_t i = 0; i < N; ++i) {
-            l[2 * i] = _mm_cvtps_pd(light[i]);
-            l[2 * i + 1] = _mm_cvtps_pd(_mm_movehl_ps(light[i], light[i]));
+            l.v[2 * i] = _mm_cvtps_pd(light.v[i]);
+            l.v[2 * i + 1] = _mm_cvtps_pd(_mm_movehl_ps(light.v[i], light.v[i]));
         }
         const Pairs<N> power = evaluate<N>(kPolynomial, l);
         Codes<N> codes;
         for (std::size_t i = 0; i < N; ++i)
-            codes[i] = _mm_unpacklo_epi64(encode(l[2 * i], power[2 * i]),
-                                          encode(l[2 * i + 1], power[2 * i + 1]));
+            codes.v[i] = _mm_unpacklo_epi64(encode(l.v[2 * i], power.v[2 * i]),
+                                            encode(l.v[2 * i + 1], power.v[2 * i + 1]));
         return codes;
     }
 
 private:
     /// The lanes of `N` vectors in double precision, two by two.
     template<std::size_t N>
-    using Pairs = std::array<__m128d, 2 * N>;
+    struct Pairs {
+        __m128d v[2 * N];
+    };
 
     /// By Horner's rule, from the highest power down. All lanes go side by side, since each step
     /// has to wait for the one before.
@@ -161,11 +168,12 @@ private:
     KSX_INLINE static Pairs<N> evaluate(const double (&polynomial)[TERMS], const Pairs<N>& x)
     {
         Pairs<N> sums;
-        sums.fill(_mm_set1_pd(polynomial[TERMS - 1]));
+        for (__m128d& sum : sums.v)
+            sum = _mm_set1_pd(polynomial[TERMS - 1]);
         unrolled<2, TERMS + 1>([&]<unsigned FROM_END>() KSX_INLINE_LAMBDA {
             unrolled<0, 2 * N>([&]<unsigned I>() KSX_INLINE_LAMBDA {
-                sums[I] = _mm_add_pd(_mm_mul_pd(sums[I], x[I]),
-                                     _mm_set1_pd(polynomial[TERMS - FROM_END]));
+                sums.v[I] = _mm_add_pd(_mm_mul_pd(sums.v[I], x.v[I]),
+                                       _mm_set1_pd(polynomial[TERMS - FROM_END]));
             });
         });
         return sums;
