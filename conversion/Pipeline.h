@@ -154,23 +154,55 @@ using AsListed = Pipeline<AsPipeline<PIPELINE>::kBlock, typename AsPipeline<PIPE
 
 // --- Merged forms --------------------------------------------------------------------------------
 
-/// A faster stage in the place of adjoining stages, or of a single one on fuller lanes.
+/// Faster stages in the place of adjoining ones.
 ///
-/// A specialisation for a run of stages names, as `type`, one stage that gives the same bits as the
-/// run for every input that the stages before it can make, and of the same kind. Composition takes
-/// the longest run that has such a form whose step divides the block; the list that an entry gives,
-/// its block and the rules for the ends of a row stay those of the stages as listed. A form stands
-/// beside the stages that it merges, and a test compares it with them.
+/// A specialisation for a run of stages names, as `type`, a list that gives the same bits as the
+/// run for every input that the stages before it can make, and that looks back or ahead as the run
+/// does. Composition takes the longest run that has such a form whose steps divide the block, and
+/// goes on until no run has one; the list that an entry gives, its block and the rules for the ends
+/// of a row stay those of the stages as listed. A form stands beside the stages that it merges, and
+/// a test compares it with them.
 template<class... STAGES>
 struct MergedForm {
 };
 
+/// A stage's twin: the same arithmetic on planes with 8 lanes of 16 bits, where the stage has
+/// representations with emptier or repeated lanes.
+template<class STAGE>
+struct Twin {
+};
+
 namespace details {
 
-template<class T>
-struct TypeTag {
-    using type = T;
+template<class STAGE>
+concept HasTwin = requires
+{
+    typename Twin<STAGE>::type;
 };
+
+template<class... RUN>
+consteval bool canRunAsTwins()
+{
+    if constexpr (sizeof...(RUN) >= 2 && (HasTwin<RUN> && ...)) {
+        using First = std::tuple_element_t<0, std::tuple<RUN...>>;
+        using Last = std::tuple_element_t<sizeof...(RUN) - 1, std::tuple<RUN...>>;
+        return std::same_as<typename First::Input, typename Twin<First>::type::Input> &&
+               std::same_as<typename Last::Output, typename Twin<Last>::type::Output>;
+    } else {
+        return false;
+    }
+}
+
+} // namespace details
+
+/// Stages that all have twins, from one that reads another representation to one that gives
+/// another, run as their twins.
+template<class... RUN>
+requires(details::canRunAsTwins<RUN...>()) struct MergedForm<RUN...> {
+    using type = StageList<typename Twin<RUN>::type...>;
+};
+
+namespace details {
 
 /// The first `N` stages of a list, and those behind them.
 template<std::size_t N, class HEAD, class TAIL>
@@ -187,11 +219,17 @@ requires(N > 0) struct Split<N, StageList<HEAD...>, StageList<NEXT, TAIL...>>
     : Split<N - 1, StageList<HEAD..., NEXT>, StageList<TAIL...>> {
 };
 
+template<unsigned BLOCK, class... STAGES>
+consteval bool divides(StageList<STAGES...>)
+{
+    return ((BLOCK % STAGES::kIn == 0) && ...);
+}
+
 template<unsigned BLOCK, class... RUN>
 consteval bool hasMergedForm(StageList<RUN...>)
 {
     if constexpr (requires { typename MergedForm<RUN...>::type; })
-        return BLOCK % MergedForm<RUN...>::type::kIn == 0;
+        return divides<BLOCK>(typename MergedForm<RUN...>::type{});
     else
         return false;
 }
@@ -201,38 +239,48 @@ auto mergedForm(StageList<RUN...>) -> typename MergedForm<RUN...>::type;
 
 /// Moves stages from `TODO` to `DONE`, trying runs of `RUN` stages and fewer.
 template<unsigned BLOCK, std::size_t RUN, class... DONE, class... TODO>
-consteval auto mergeStages(StageList<DONE...> done, StageList<TODO...> todo)
+consteval auto mergeOnce(StageList<DONE...> done, StageList<TODO...> todo)
 {
     if constexpr (sizeof...(TODO) == 0) {
         return done;
     } else if constexpr (RUN == 0) {
         using Rest = Split<1, StageList<>, StageList<TODO...>>;
         using Grown = typename Concatenate<StageList<DONE...>, typename Rest::Head>::type;
-        return mergeStages<BLOCK, sizeof...(TODO) - 1>(Grown{}, typename Rest::Tail{});
+        return mergeOnce<BLOCK, sizeof...(TODO) - 1>(Grown{}, typename Rest::Tail{});
     } else {
         using Rest = Split<RUN, StageList<>, StageList<TODO...>>;
         if constexpr (hasMergedForm<BLOCK>(typename Rest::Head{})) {
             using Form = decltype(mergedForm(typename Rest::Head{}));
-            return mergeStages<BLOCK, sizeof...(TODO) - RUN>(StageList<DONE..., Form>{},
-                                                             typename Rest::Tail{});
+            using Grown = typename Concatenate<StageList<DONE...>, Form>::type;
+            return mergeOnce<BLOCK, sizeof...(TODO) - RUN>(Grown{}, typename Rest::Tail{});
         } else {
-            return mergeStages<BLOCK, RUN - 1>(done, todo);
+            return mergeOnce<BLOCK, RUN - 1>(done, todo);
         }
     }
 }
 
-template<class PIPELINE>
+template<unsigned BLOCK, class... STAGES>
+consteval auto mergeStages(StageList<STAGES...> stages)
+{
+    using Once = decltype(mergeOnce<BLOCK, sizeof...(STAGES)>(StageList<>{}, stages));
+    if constexpr (std::same_as<Once, StageList<STAGES...>>)
+        return stages;
+    else
+        return mergeStages<BLOCK>(Once{});
+}
+
+/// The stages that run in blocks of `BLOCK` pixels.
+template<class PIPELINE, unsigned BLOCK>
 struct Merged;
 
-template<unsigned BLOCK, class... STAGES, unsigned LINE>
-struct Merged<Pipeline<BLOCK, StageList<STAGES...>, LINE, false>> {
-    using type = StageList<STAGES...>;
+template<unsigned LISTED, class LIST, unsigned LINE, unsigned BLOCK>
+struct Merged<Pipeline<LISTED, LIST, LINE, false>, BLOCK> {
+    using type = LIST;
 };
 
-template<unsigned BLOCK, class... STAGES, unsigned LINE>
-struct Merged<Pipeline<BLOCK, StageList<STAGES...>, LINE, true>> {
-    using type =
-        decltype(mergeStages<BLOCK, sizeof...(STAGES)>(StageList<>{}, StageList<STAGES...>{}));
+template<unsigned LISTED, class LIST, unsigned LINE, unsigned BLOCK>
+struct Merged<Pipeline<LISTED, LIST, LINE, true>, BLOCK> {
+    using type = decltype(mergeStages<BLOCK>(LIST{}));
 };
 
 } // namespace details
@@ -339,8 +387,27 @@ private:
     std::tuple<Nx<BLOCK / STAGES::kPart, STAGES>...> m_stages;
 };
 
-/// The stage objects that run `PIPELINE`, merged forms in place.
-template<class PIPELINE>
-using CompositionOf = Composition<PIPELINE::kBlock, typename details::Merged<PIPELINE>::type>;
+/// The stage objects that run `PIPELINE` in blocks of `BLOCK` pixels, merged forms in place.
+template<class PIPELINE, unsigned BLOCK = PIPELINE::kBlock>
+using CompositionOf = Composition<BLOCK, typename details::Merged<PIPELINE, BLOCK>::type>;
+
+/// The block in which the inside of a row runs. To stages that look at nothing but their own pixels
+/// it is all one, so short blocks are joined, for the loop costs as much as a few of their
+/// instructions. Those that look ahead run wider where more of them can then run as twins. Those
+/// that look back carry pixels from block to block, and keep to the one.
+template<class P>
+constexpr unsigned wideBlock()
+{
+    if constexpr (P::kLooksBack) {
+        return P::kBlock;
+    } else if constexpr (P::kLooksAhead) {
+        constexpr unsigned kWide = std::lcm(P::kBlock, 8u);
+        constexpr bool kSame = std::same_as<typename details::Merged<P, kWide>::type,
+                                            typename details::Merged<P, P::kBlock>::type>;
+        return kSame ? P::kBlock : kWide;
+    } else {
+        return P::kBlock < 16 ? std::lcm(P::kBlock, 16u) : P::kBlock;
+    }
+}
 
 } // namespace KSX::PixelConversion

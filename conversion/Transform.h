@@ -89,6 +89,9 @@ class Transform {
     static_assert(FLAGS == kWholeBlocks || FLAGS == kAnyWidth);
     static_assert(P::kLine == 0 || FLAGS == kAnyWidth);
 
+    static constexpr unsigned kWideBlock = wideBlock<P>();
+    static constexpr unsigned kBlocksInWide = kWideBlock / P::kBlock;
+
     /// Of the last block where a stage looks ahead.
     static constexpr unsigned kEnd = P::kLine == 0 ? P::kBlock : (P::kLine - 1) % P::kBlock + 1;
 
@@ -127,6 +130,15 @@ private:
             src += Stages::kInBytes;
             dst += Stages::kOutBytes;
             --steps;
+        }
+        if constexpr (kBlocksInWide > 1) {
+            if (const unsigned wideSteps = steps / kBlocksInWide; wideSteps != 0) {
+                CompositionOf<P, kWideBlock> wideStages;
+                runBlocks<false, 0, PREFETCH / kBlocksInWide>(wideStages, src, dst, wideSteps);
+                src += std::size_t{wideSteps} * wideStages.kInBytes;
+                dst += std::size_t{wideSteps} * wideStages.kOutBytes;
+                steps -= wideSteps * kBlocksInWide;
+            }
         }
         if (steps != 0)
             runBlocks<false, 0, PREFETCH>(stages, src, dst, steps);

@@ -33,6 +33,7 @@ constexpr __m128i v8i(std::int16_t a, std::int16_t b, std::int16_t c, std::int16
 }
 
 inline constexpr __m128i v0 = v4i(0);
+inline constexpr __m128i vAllSet = v4i(0xffffffff);
 
 inline constexpr __m128i v4i_0xff = v4i(0xff);
 inline constexpr __m128i v4i_0xffff = v4i(0xffff);

@@ -11,7 +11,9 @@
 #pragma once
 
 #include "conversion/EachVector.h"
+#include "conversion/Pipeline.h"
 #include "conversion/VectorConstants.h"
+#include "conversion/colour/BitDepth.h"
 
 #include <tmmintrin.h>
 
@@ -50,6 +52,27 @@ class PACK_BGRAv8_TO_B64A : public EachVector<BGRAv8, 2, details::ReverseBytes> 
 /// Turns L64A or l64a into BGRAv8 and BGRAv8 into them: the 4 lanes of a pixel reversed. 2 pixels a
 /// step.
 class UNPACK_L64A_TO_BGRAv8 : public EachVector<BGRAv8, 2, details::ReverseLanes> {};
+
+namespace details {
+
+/// Rounds 16-bit samples to 8 bits. What the rounding carries over the top saturates there, as the
+/// pack to bytes behind it would have it.
+class RoundTo8Bits {
+protected:
+    KSX_INLINE static __m128i apply(__m128i x)
+    {
+        return _mm_srli_epi16(_mm_adds_epu16(x, v8i(128)), 8);
+    }
+};
+
+class BGRAv8_ROUND_TO_8_BITS : public EachVector<BGRAv8, 2, RoundTo8Bits> {};
+
+} // namespace details
+
+template<class PACK>
+requires(PACK::kSaturatesTo8Bits) struct MergedForm<BGRAv8_BITDEPTH<-8, 16>, PACK> {
+    using type = StageList<details::BGRAv8_ROUND_TO_8_BITS, PACK>;
+};
 
 // --- 4:2:2 in 16-bit samples ---------------------------------------------------------------------
 

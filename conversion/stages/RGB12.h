@@ -17,8 +17,9 @@
 #pragma once
 
 #include "conversion/ByteOrder.h"
-#include "conversion/Kernel.h"
+#include "conversion/Pipeline.h"
 #include "conversion/VectorConstants.h"
+#include "conversion/colour/BitDepth.h"
 
 #include <tmmintrin.h>
 
@@ -41,22 +42,30 @@ public:
 
     KSX_INLINE Pixels<Output, kPart> step(const Pixels<Input, kPart>& in) const
     {
-        return {{pair<0>(in[0]), pair<0>(_mm_alignr_epi8(in[1], in[0], 9)), pair<2>(in[1]),
-                 pair<7>(in[2])}};
+        constexpr __m128i alpha = v8i(0, 0, 0, ALPHA, 0, 0, 0, ALPHA);
+        auto pairs = pairsAtTop(in);
+        for (__m128i& lanes : pairs.v)
+            lanes = _mm_or_si128(_mm_srli_epi16(lanes, 4), alpha);
+        return pairs;
     }
 
-private:
-    /// Two pixels from the 9 bytes that begin at byte `B`. A sample begins at bit 0 or 4 of two
-    /// bytes; the multiplication brings both to bit 4 and drops what stood above.
+protected:
+    /// Two pixels from the 9 bytes that begin at byte `B`, samples at the top of their lanes. A
+    /// sample begins at bit 0 or 4 of two bytes; the multiplication brings both to bit 4 and drops
+    /// what stood above.
     template<int B>
-    KSX_INLINE static __m128i pair(__m128i stream)
+    KSX_INLINE static __m128i pairAtTop(__m128i stream)
     {
         const __m128i bytes = _mm_setr_epi8(B + 3, B + 4, B + 1, B + 2, B + 0, B + 1, -1, -1, //
                                             B + 7, B + 8, B + 6, B + 7, B + 4, B + 5, -1, -1);
         constexpr __m128i factors = v8i(16, 1, 16, 0, 1, 16, 1, 0);
-        constexpr __m128i alpha = v8i(0, 0, 0, ALPHA, 0, 0, 0, ALPHA);
-        const __m128i lanes = _mm_mullo_epi16(_mm_shuffle_epi8(stream, bytes), factors);
-        return _mm_or_si128(_mm_srli_epi16(lanes, 4), alpha);
+        return _mm_mullo_epi16(_mm_shuffle_epi8(stream, bytes), factors);
+    }
+
+    KSX_INLINE static Pixels<Output, kPart> pairsAtTop(const Pixels<Input, kPart>& in)
+    {
+        return {{pairAtTop<0>(in[0]), pairAtTop<0>(_mm_alignr_epi8(in[1], in[0], 9)),
+                 pairAtTop<2>(in[1]), pairAtTop<7>(in[2])}};
     }
 };
 
@@ -143,6 +152,55 @@ public:
     {
         return {{_mm_and_si128(in[0], v8i_mask_x654x210), _mm_and_si128(in[1], v8i_mask_x654x210)}};
     }
+};
+
+// --- Merged forms --------------------------------------------------------------------------------
+
+namespace details {
+
+/// Rounds samples at the top of their lanes to 8 bits, alpha to 255. What the rounding carries over
+/// the top saturates there, as the pack would have it.
+KSX_INLINE __m128i roundTo8Bits(__m128i lanes)
+{
+    constexpr __m128i half = v8i(128, 128, 128, -256, 128, 128, 128, -256);
+    return _mm_srli_epi16(_mm_adds_epu16(lanes, half), 8);
+}
+
+/// Unpacks R12L to BGRAv8 of 8 bits, opaque.
+template<class ORDER, std::uint16_t ALPHA>
+class UNPACK_R12L_TO_8BIT_BGRAv8 : public UNPACK_R12L_TO_BGRAv8_SSSE3_T<ORDER, ALPHA> {
+public:
+    KSX_INLINE Pixels<BGRAv8, 8> step(const Pixels<Packed<36, 8>, 8>& in) const
+    {
+        auto pairs = this->pairsAtTop(in);
+        for (__m128i& lanes : pairs.v)
+            lanes = roundTo8Bits(lanes);
+        return pairs;
+    }
+};
+
+/// Unpacks R12B to BGRAv8 of 8 bits, opaque.
+template<class ORDER, std::uint16_t ALPHA>
+class UNPACK_R12B_TO_8BIT_BGRAv8 : public UNPACK_R12L_TO_8BIT_BGRAv8<ORDER, ALPHA> {
+public:
+    KSX_INLINE Pixels<BGRAv8, 8> step(const Pixels<Packed<36, 8>, 8>& in) const
+    {
+        return UNPACK_R12L_TO_8BIT_BGRAv8<ORDER, ALPHA>::step(
+            {{swapWords(in[0]), swapWords(in[1]), swapWords(in[2])}});
+    }
+};
+
+} // namespace details
+
+template<class ORDER, class PACK>
+requires(PACK::kSaturatesTo8Bits) struct MergedForm<UNPACK_R12L_TO_BGRAv8_SSSE3_T<ORDER, 4095>,
+                                                    BGRAv8_BITDEPTH<-4, 16>, PACK> {
+    using type = StageList<details::UNPACK_R12L_TO_8BIT_BGRAv8<ORDER, 4095>, PACK>;
+};
+template<class ORDER, class PACK>
+requires(PACK::kSaturatesTo8Bits) struct MergedForm<UNPACK_R12B_TO_BGRAv8_SSSE3_T<ORDER, 4095>,
+                                                    BGRAv8_BITDEPTH<-4, 16>, PACK> {
+    using type = StageList<details::UNPACK_R12B_TO_8BIT_BGRAv8<ORDER, 4095>, PACK>;
 };
 
 } // namespace KSX::PixelConversion
