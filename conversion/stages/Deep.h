@@ -14,6 +14,7 @@
 #include "conversion/Pipeline.h"
 #include "conversion/VectorConstants.h"
 #include "conversion/colour/BitDepth.h"
+#include "conversion/stages/V210.h"
 
 #include <tmmintrin.h>
 
@@ -88,6 +89,31 @@ public:
     {
         return {{_mm_srli_epi16(in[0], 4)}};
     }
+};
+
+namespace details {
+
+/// Rounds 16-bit samples to 10 bits, at most 1023. The low four bits of v212 lie below what counts.
+class UYVYv8_ROUND_TO_10_BITS : public Kernel<4, 4> {
+public:
+    using Input = UYVYv8;
+    using Output = UYVYv8;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return {{_mm_srli_epi16(_mm_adds_epu16(in[0], v8i(32)), 6)}};
+    }
+};
+
+} // namespace details
+
+template<>
+struct MergedForm<UNPACK_V212_TO_UYVYv8, UYVYv8_BITDEPTH<-2, 16>, PACK_UYVYv8_TO_V210> {
+    using type = StageList<details::UYVYv8_ROUND_TO_10_BITS, details::PACK_LIMITED_UYVYv8_TO_V210>;
+};
+template<>
+struct MergedForm<UYVYv8_BITDEPTH<-6, 16>, PACK_UYVYv8_TO_V210> {
+    using type = StageList<details::UYVYv8_ROUND_TO_10_BITS, details::PACK_LIMITED_UYVYv8_TO_V210>;
 };
 
 // --- Floats --------------------------------------------------------------------------------------

@@ -9,10 +9,11 @@
 #pragma once
 
 #include "conversion/ByteOrder.h"
-#include "conversion/Kernel.h"
+#include "conversion/Pipeline.h"
 #include "conversion/VectorConstants.h"
 #include "conversion/colour/ChromaReconstruction.h"
 #include "conversion/colour/Flags.h"
+#include "conversion/stages/V210.h"
 
 namespace KSX::PixelConversion {
 
@@ -100,6 +101,12 @@ public:
         constexpr __m128i weights = v4i(1 << 16 | 1024);
         return {{swapWords(_mm_or_si128(_mm_madd_epi16(yuv, weights), _mm_slli_epi32(alpha, 20)))}};
     }
+};
+
+/// Samples of 10 bits lie inside the limits of v210.
+template<>
+struct MergedForm<UNPACK_YUVA_TO_UYVYv8, PACK_UYVYv8_TO_V210> {
+    using type = StageList<UNPACK_YUVA_TO_UYVYv8, details::PACK_LIMITED_UYVYv8_TO_V210>;
 };
 
 } // namespace KSX::PixelConversion

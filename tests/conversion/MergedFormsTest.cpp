@@ -8,6 +8,7 @@
 #include "conversion/stages/RGB8.h"
 #include "conversion/stages/V210.h"
 #include "conversion/stages/YUV8.h"
+#include "conversion/stages/YUVA.h"
 #include "tests/conversion/StageTest.h"
 
 #include <numeric>
@@ -70,6 +71,7 @@ TEST(MergedForms, Between422)
 {
     expectFromWords<UNPACK_V210_TO_UYVYv8, UYVYv8_BITDEPTH<-2, 16>, PACK_UYVYv8_TO_UYVY>();
     expectFromBytes<UNPACK_UYVY_TO_UYVYv8, UYVYv8_BITDEPTH<2, 16>, PACK_UYVYv8_TO_V210>();
+    expectFromWords<UNPACK_YUVA_TO_UYVYv8, PACK_UYVYv8_TO_V210>();
 }
 
 template<class UNPACK>
@@ -116,12 +118,18 @@ TEST(MergedForms, From10BitRGB)
     expectFromWords<UNPACK_R210_TO_RGBv8, RGBv8_BITDEPTH<-2, 16>, PACK_RGBv8_TO_BGRA>();
 }
 
-TEST(MergedForms, FromDeepRGB)
+TEST(MergedForms, FromDeepFormats)
 {
-    std::vector<Words> all(65536);
-    std::iota(all.begin(), all.end(), Words{0});
+    // Around every place where rounding to 8 or to 10 bits turns over.
+    std::vector<Words> turns;
+    for (Longs code = 0; code < 65536; code += 32)
+        turns.insert(turns.end(), {static_cast<Words>(code), static_cast<Words>(code + 31)});
     using From16 = BIND3<PACK_BGRAv8_TO_B64A, BGRAv8_BITDEPTH<-8, 16>, PACK_BGRAv8_TO_BGRA>;
-    expectMergedLikeListed<From16, Words>(3, all, 0xffff);
+    expectMergedLikeListed<From16, Words>(3, turns, 0xffff);
+    using From212 = BIND3<UNPACK_V212_TO_UYVYv8, UYVYv8_BITDEPTH<-2, 16>, PACK_UYVYv8_TO_V210>;
+    using From216 = BIND<UYVYv8_BITDEPTH<-6, 16>, PACK_UYVYv8_TO_V210>;
+    expectMergedLikeListed<From212, Words>(4, turns, 0xffff);
+    expectMergedLikeListed<From216, Words>(5, turns, 0xffff);
     expectFromBytes<UNPACK_R12L_TO_BGRAv8_SSSE3_T<R12KComponentOrderRGB, 4095>,
                     BGRAv8_BITDEPTH<-4, 16>, PACK_BGRAv8_TO_BGRA>();
     expectFromBytes<UNPACK_R12B_TO_BGRAv8_SSSE3_T<R12KComponentOrderRGB, 4095>,
