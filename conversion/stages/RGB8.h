@@ -258,6 +258,44 @@ public:
     }
 };
 
+namespace details {
+
+/// The same from planes with alpha. Narrowed first, two components a vector, then interleaved
+/// twice. `R`, `G`, `B` and `A` are the bytes at which components lie in a pixel. 8 pixels a step:
+/// 4 vectors in, 32 bytes out.
+template<int R, int G, int B, int A>
+class PACK_RGBAv8_TO_BYTES : public Kernel<8, 8> {
+public:
+    using Input = RGBAv8;
+    using Output = Packed<4>;
+
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
+    {
+        const __m128i c02 = _mm_packus_epi16(in[plane(0)], in[plane(2)]);
+        const __m128i c13 = _mm_packus_epi16(in[plane(1)], in[plane(3)]);
+        const __m128i c01 = _mm_unpacklo_epi8(c02, c13);
+        const __m128i c23 = _mm_unpackhi_epi8(c02, c13);
+        return {{_mm_unpacklo_epi16(c01, c23), _mm_unpackhi_epi16(c01, c23)}};
+    }
+
+private:
+    static constexpr unsigned plane(int byte)
+    {
+        return byte == R ? 0 : byte == G ? 1 : byte == B ? 2 : 3;
+    }
+};
+
+} // namespace details
+
+template<>
+struct Twin<PACK_BGRAv8_TO_BGRA> {
+    using type = details::PACK_RGBAv8_TO_BYTES<2, 1, 0, 3>;
+};
+template<>
+struct Twin<PACK_BGRAv8_TO_RGBA> {
+    using type = details::PACK_RGBAv8_TO_BYTES<0, 1, 2, 3>;
+};
+
 // --- From RGBv4 and RGBv8 ------------------------------------------------------------------------
 
 namespace details {
@@ -310,7 +348,7 @@ class PACK_RGBv4_TO_RGBA : public details::PACK_RGBv4_TO_BYTES<0, 1, 2, 3> {};
 
 namespace details {
 
-/// The same from RGBv8: narrowed first, two components a vector, then interleaved twice.
+/// The same from RGBv8.
 template<int R, int G, int B, int A>
 class PACK_RGBv8_TO_BYTES : public Kernel<8, 8> {
 public:
@@ -320,19 +358,8 @@ public:
 
     KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
     {
-        const __m128i c02 = _mm_packus_epi16(lanes<0>(in), lanes<2>(in));
-        const __m128i c13 = _mm_packus_epi16(lanes<1>(in), lanes<3>(in));
-        const __m128i c01 = _mm_unpacklo_epi8(c02, c13);
-        const __m128i c23 = _mm_unpackhi_epi8(c02, c13);
-        return {{_mm_unpacklo_epi16(c01, c23), _mm_unpackhi_epi16(c01, c23)}};
-    }
-
-private:
-    /// The component that lies at `BYTE` of a pixel.
-    template<int BYTE>
-    KSX_INLINE static __m128i lanes(const Pixels<Input, 8>& in)
-    {
-        return BYTE == R ? in[0] : BYTE == G ? in[1] : BYTE == B ? in[2] : v8i_0xff;
+        const PACK_RGBAv8_TO_BYTES<R, G, B, A> pack;
+        return pack.step({{in[0], in[1], in[2], v8i_0xff}});
     }
 };
 

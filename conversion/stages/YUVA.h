@@ -73,6 +73,59 @@ private:
     }
 };
 
+namespace details {
+
+/// The same to planes. 8 pixels a step: 32 bytes in, 4 vectors out. Looks ahead.
+class UNPACK_YUVA_TO_YUVAv8 : public Kernel<8, 8> {
+public:
+    using Input = Packed<16, 4>;
+    using Output = YUVAv8;
+
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in, __m128i next) const
+    {
+        return unpack(swapWords(in[0]), swapWords(in[1]), chromaOf(swapWords(next), v0));
+    }
+
+    KSX_INLINE Pixels<Output, 8> lastStep(const Pixels<Input, 8>& in) const
+    {
+        const __m128i second = swapWords(in[1]);
+        return unpack(swapWords(in[0]), second, _mm_srli_si128(chromaOf(second, v0), 4));
+    }
+
+private:
+    /// Bits `BIT` to `BIT` + 9 of 8 words.
+    template<int BIT>
+    KSX_INLINE static __m128i field(__m128i first, __m128i second)
+    {
+        return _mm_packs_epi32(_mm_and_si128(_mm_srli_epi32(first, BIT), v4i_0x3ff),
+                               _mm_and_si128(_mm_srli_epi32(second, BIT), v4i_0x3ff));
+    }
+
+    /// Cb Cr of each pair.
+    KSX_INLINE static __m128i chromaOf(__m128i first, __m128i second)
+    {
+        return field<10>(first, second);
+    }
+
+    /// `next` begins with the chroma pair behind the pixels.
+    KSX_INLINE static Pixels<Output, 8> unpack(__m128i first, __m128i second, __m128i next)
+    {
+        const __m128i even = chromaOf(first, second);
+        const __m128i odd = _mm_avg_epu16(even, _mm_alignr_epi8(next, even, 4));
+        return {{field<0>(first, second),
+                 _mm_or_si128(_mm_and_si128(even, v4i_0xffff), _mm_slli_epi32(odd, 16)),
+                 _mm_or_si128(_mm_srli_epi32(even, 16), _mm_andnot_si128(v4i_0xffff, odd)),
+                 field<20>(first, second)}};
+    }
+};
+
+} // namespace details
+
+template<PixelCenterFlag C>
+struct Twin<UNPACK_YUVA<C>> {
+    using type = details::UNPACK_YUVA_TO_YUVAv8;
+};
+
 /// Adds an alpha of 1023 to UYVYv8: opaque in Ay10, and in ay10 above the 940 that is opaque there,
 /// to which its readers limit it. 4 pixels a step: 1 vector in, 2 out. Plain.
 class UYVYv8_TO_YUVA : public Kernel<4, 4> {

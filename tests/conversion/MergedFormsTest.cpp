@@ -67,6 +67,20 @@ TEST(MergedForms, From422ToRGB)
                     RGBv4_RESCALE<10, false, 8, true, P1>, PACK_RGBv4_TO_RGBA, PACK_RGBA_TO_RGB>();
 }
 
+template<class RANGE>
+void expectFromYUVA()
+{
+    expectFromWords<UNPACK_YUVA<C0>, YUVA_TO_BGRAv8<RANGE, true, P1, C0>, PACK_BGRAv8_TO_RGBA>();
+    expectFromWords<UNPACK_YUVA<C0>, YUVA_TO_BGRAv8<RANGE, false, P0, C0>, PACK_BGRAv8_TO_BGRA>();
+}
+
+TEST(MergedForms, FromYUVA)
+{
+    expectFromYUVA<ComputerRange601>();
+    expectFromYUVA<ComputerRange709>();
+    expectFromYUVA<ComputerRange2020>();
+}
+
 TEST(MergedForms, Between422)
 {
     expectFromWords<UNPACK_V210_TO_UYVYv8, UYVYv8_BITDEPTH<-2, 16>, PACK_UYVYv8_TO_UYVY>();
