@@ -46,6 +46,8 @@ KSX_INLINE __m128 limitLight(__m128 light)
 template<class IN, class MATRIX, class OUT>
 class COLOURSPACE_CONV_BGRAv8 : public Kernel<2, 2> {
 public:
+    /// 10-bit codes are not limited.
+    static constexpr bool kLeavesRange = true;
     using Input = BGRAv8;
     using Output = BGRAv8;
 

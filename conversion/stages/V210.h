@@ -357,10 +357,13 @@ struct MergedForm<UNPACK_UYVY_TO_UYVYv8, UYVYv8_BITDEPTH<2, 16>, PACK_UYVYv8_TO_
     using type = StageList<details::UYVY_TO_V210>;
 };
 
-/// From full-range RGB nothing lies beyond 10 bits.
-template<unsigned N, class STUDIO, int A>
-struct MergedForm<BGRAv8_TO_UYVYv8<FullRange<N, STUDIO>, A, 10, P1, C0>, PACK_UYVYv8_TO_V210> {
-    using type = StageList<BGRAv8_TO_UYVYv8<FullRange<N, STUDIO>, A, 10, P1, C0>,
+/// From RGB that keeps to the codes of its full range nothing lies beyond 10 bits.
+template<class BEFORE, unsigned N, class STUDIO, int A>
+requires(!requires {
+    BEFORE::kLeavesRange;
+}) struct MergedForm<BEFORE, BGRAv8_TO_UYVYv8<FullRange<N, STUDIO>, A, 10, P1, C0>,
+                     PACK_UYVYv8_TO_V210> {
+    using type = StageList<BEFORE, BGRAv8_TO_UYVYv8<FullRange<N, STUDIO>, A, 10, P1, C0>,
                            details::PACK_LIMITED_UYVYv8_TO_V210>;
 };
 
