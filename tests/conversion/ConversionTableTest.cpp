@@ -3,10 +3,8 @@
 #include "conversion/PixelFormats.h"
 
 #include <algorithm>
-#include <iostream>
 #include <map>
 #include <set>
-#include <string>
 #include <tuple>
 #include <vector>
 
@@ -19,9 +17,6 @@ using namespace KSX::PixelConversion;
 
 constexpr Colorspace kColorspaces[] = {Colorspace601, Colorspace709, Colorspace2020,
                                        ColorspaceUnspecified};
-
-/// The rows whose entry is still to be written. Each entry that is lowers this, to 0 in the end.
-constexpr std::size_t kRowsWithoutFunction = 326;
 
 using Question = std::tuple<PixelFormat, Colorspace, PixelFormat, Colorspace>;
 
@@ -41,24 +36,6 @@ std::map<Question, std::size_t> answers()
             rows.try_emplace({row.srcFormat, any, row.dstFormat, any}, i);
     }
     return rows;
-}
-
-TEST(ConversionTable, HasARowForEveryEntryOrSaysWhichNot)
-{
-    std::string missing;
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < std::size(conversions); ++i) {
-        if (conversions[i].function != nullptr)
-            continue;
-        ++count;
-        const auto* const src = findPixelFormat(conversions[i].srcFormat);
-        const auto* const dst = findPixelFormat(conversions[i].dstFormat);
-        ASSERT_TRUE(src != nullptr && dst != nullptr) << "row " << i;
-        missing +=
-            "\n  row " + std::to_string(i) + ": " + src->engineName + " to " + dst->engineName;
-    }
-    std::cout << count << " rows without a function:" << missing << '\n';
-    EXPECT_EQ(count, kRowsWithoutFunction);
 }
 
 TEST(ConversionTable, IsInGroupsOfASource)
@@ -91,6 +68,7 @@ TEST(ConversionTable, HoldsWhatEveryRowMustHold)
     for (std::size_t i = 0; i < std::size(conversions); ++i) {
         SCOPED_TRACE(testing::Message() << "row " << i);
         const ConversionEntry& row = conversions[i];
+        EXPECT_NE(row.function, nullptr);
         EXPECT_NE(findPixelFormat(row.srcFormat), nullptr);
         EXPECT_NE(findPixelFormat(row.dstFormat), nullptr);
         for (const Colorspace colorspace : {row.srcColorspace, row.dstColorspace})

@@ -1,7 +1,6 @@
 /// Every 8-bit colour there is through the conversions between RGB and YUV.
 #include "conversion/ConversionEntries.h"
 #include "tests/reference/Levels.h"
-#include "tests/reference/RGB8.h"
 #include "tests/reference/YUV.h"
 
 #include <algorithm>

@@ -103,9 +103,9 @@ TEST(Rescale, ScalarFormOnValuesWorkedOutByHand)
 
 TEST(ClampToStudio, LimitsAllLanesAsSignedValues)
 {
-    const auto clamp = [](std::uint16_t x) {
-        return static_cast<std::uint32_t>(std::clamp<int>(static_cast<std::int16_t>(x), 256, 3760));
-    };
+    EXPECT_EQ(reference::limited(0xffff, kStudio12), 256);
+    EXPECT_EQ(reference::limited(3761, kStudio12), 3760);
+    const auto clamp = [](std::uint16_t x) { return reference::limited(x, kStudio12); };
     expectLanes<BGRAv8_CLAMP_TO_STUDIO<12>>(clamp, clamp);
 }
 

@@ -49,15 +49,15 @@ void expectToYUVA(const reference::RGBToYUV& c, const std::function<int(int)>& a
 TEST(RGBToYUVA, EqualsItsScalarForm)
 {
     using namespace reference;
-    const auto studioAlpha = [](int a) { return (4 * a * 56119 >> 16) + 64; };
-    EXPECT_EQ(studioAlpha(0), 64);
-    EXPECT_EQ(studioAlpha(255), 937);
+    EXPECT_EQ(alphaToStudio(0), 64);
+    EXPECT_EQ(alphaToStudio(128), 502);
+    EXPECT_EQ(alphaToStudio(255), 937);
     expectToYUVA<BGRAv8_TO_YUVA<ComputerRange601, P0>>({kFull8_601ToYUV, 8, 10, false, false},
-                                                       studioAlpha);
+                                                       alphaToStudio);
     expectToYUVA<BGRAv8_TO_YUVA<ComputerRange709, P0>>({kFull8_709ToYUV, 8, 10, false, false},
-                                                       studioAlpha);
+                                                       alphaToStudio);
     expectToYUVA<BGRAv8_TO_YUVA<ComputerRange2020, P0>>({kFull8_2020ToYUV, 8, 10, false, false},
-                                                        studioAlpha);
+                                                        alphaToStudio);
     const auto sameAlpha = [](int a) { return a; };
     expectToYUVA<BGRAv8_TO_YUVA_FullA<FullRange601<10>, 10, P1>>({kFull10_601ToYUV, 10, 10},
                                                                  sameAlpha);
@@ -98,26 +98,21 @@ void expectFromYUVA(const reference::YUVToRGB& c, const std::function<int(int)>&
 TEST(YUVAToRGB, EqualsItsScalarForm)
 {
     using namespace reference;
-    // Full range is 255/1023 rounded to nearest, for every code.
-    const auto fullAlpha = [](int a) { return (a * 255 * 2 + 1023) / (2 * 1023); };
-    const auto studioAlpha = [](int a) {
-        return (std::clamp(a - 64, 0, 876) * 2 * 38267 >> 16) / 4;
-    };
-    EXPECT_EQ(studioAlpha(937), 254);
-    EXPECT_EQ(studioAlpha(940), 255);
-    EXPECT_EQ(studioAlpha(512), 130);
+    EXPECT_EQ(alphaFromStudio(937), 254);
+    EXPECT_EQ(alphaFromStudio(940), 255);
+    EXPECT_EQ(alphaFromStudio(512), 130);
     expectFromYUVA<YUVA_TO_BGRAv8<ComputerRange601, true, P1, C0>>(
-        {kYUVToFull601, 10, 8, false, true}, fullAlpha);
+        {kYUVToFull601, 10, 8, false, true}, alphaFromFull);
     expectFromYUVA<YUVA_TO_BGRAv8<ComputerRange709, true, P1, C0>>(
-        {kYUVToFull709, 10, 8, false, true}, fullAlpha);
+        {kYUVToFull709, 10, 8, false, true}, alphaFromFull);
     expectFromYUVA<YUVA_TO_BGRAv8<ComputerRange2020, true, P1, C0>>(
-        {kYUVToFull2020, 10, 8, false, true}, fullAlpha);
+        {kYUVToFull2020, 10, 8, false, true}, alphaFromFull);
     expectFromYUVA<YUVA_TO_BGRAv8<ComputerRange601, false, P0, C0>>(
-        {kYUVToFull601, 10, 8, false, false}, studioAlpha);
+        {kYUVToFull601, 10, 8, false, false}, alphaFromStudio);
     expectFromYUVA<YUVA_TO_BGRAv8<ComputerRange709, false, P0, C0>>(
-        {kYUVToFull709, 10, 8, false, false}, studioAlpha);
+        {kYUVToFull709, 10, 8, false, false}, alphaFromStudio);
     expectFromYUVA<YUVA_TO_BGRAv8<ComputerRange2020, false, P0, C0>>(
-        {kYUVToFull2020, 10, 8, false, false}, studioAlpha);
+        {kYUVToFull2020, 10, 8, false, false}, alphaFromStudio);
 }
 
 } // namespace

@@ -3,7 +3,7 @@
 #include "conversion/colour/YUVToRGB.h"
 #include "conversion/stages/YUV8.h"
 #include "tests/conversion/StageTest.h"
-#include "tests/reference/RGB8.h"
+#include "tests/reference/Layouts.h"
 #include "tests/reference/YUV.h"
 
 namespace kestrix::test {
@@ -31,13 +31,14 @@ void expectMoves(int exchange)
 }
 
 template<class STAGE>
-void expectRebuildsChroma(int luma)
+void expectRebuildsChroma(PixelFormat format)
 {
     SCOPED_TRACE(__PRETTY_FUNCTION__);
-    const auto row = [=](const Bytes* in, Words* out, std::size_t pixels) {
+    const reference::Layout& layout = reference::layoutOf(format);
+    const auto row = [&](const Bytes* in, Words* out, std::size_t pixels) {
         for (std::size_t x = 0; x < pixels; x += 2, out += 8) {
-            const auto even = reference::pixelOf422(in, luma, x, pixels);
-            const auto odd = reference::pixelOf422(in, luma, x + 1, pixels);
+            const auto even = reference::pixelOf422(layout, in, x, pixels);
+            const auto odd = reference::pixelOf422(layout, in, x + 1, pixels);
             const int lanes[] = {even.cb, even.y, even.cr, odd.y, odd.cb, even.y, odd.cr, odd.y};
             std::copy(std::begin(lanes), std::end(lanes), out);
         }
@@ -51,8 +52,8 @@ TEST(YUV8Stages, EqualTheirScalarForms)
     expectMoves<UNPACK_YUY2_TO_UYVYv8, Bytes, Words>(1);
     expectMoves<PACK_UYVYv8_TO_UYVY, Words, Bytes>(0);
     expectMoves<PACK_UYVYv8_TO_YUY2, Words, Bytes>(1);
-    expectRebuildsChroma<UNPACK_UYVY_TO_UYVY444v8_T<kVectors>>(1);
-    expectRebuildsChroma<UNPACK_YUY2_TO_UYVY444v8_T<kVectors>>(0);
+    expectRebuildsChroma<UNPACK_UYVY_TO_UYVY444v8_T<kVectors>>(PixelFormat_2vuy);
+    expectRebuildsChroma<UNPACK_YUY2_TO_UYVY444v8_T<kVectors>>(PixelFormat_YUY2);
 }
 
 /// The rows that `fixedRow` makes of a float matrix.

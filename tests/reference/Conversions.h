@@ -1,153 +1,362 @@
-/// What each conversion does to a row, one plain loop a family.
+/// What each conversion does to a row, by the classes of its formats: samples are read, rebuilt to
+/// pixels of RGB unless both sides are 4:2:2 of one colourspace, brought to other levels and
+/// primaries, and written.
 #pragma once
 
+#include "tests/reference/Gamut.h"
+#include "tests/reference/Layouts.h"
 #include "tests/reference/Levels.h"
-#include "tests/reference/RGB8.h"
 #include "tests/reference/YUV.h"
 
 #include "conversion/KSXPixelConversion.h"
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <functional>
-#include <string_view>
+#include <numeric>
 #include <vector>
 
 namespace kestrix::test::reference {
 
+using namespace KSX::PixelConversion;
+
 struct RowConversion {
-    std::function<void(const std::uint8_t* src, std::uint8_t* dst, unsigned width)> convert;
+    /// The row that the one at `src` becomes, in a picture of `height` rows.
+    std::function<WrittenRow(const std::uint8_t* src, unsigned width, unsigned height)> convert;
 
     /// The narrowest row that the conversion takes.
     unsigned leastWidth = 0;
     /// How far it reads behind a row's last byte.
-    unsigned readsBehind = 0;
-    /// The bytes of a written row that have no defined value.
-    std::function<std::vector<std::size_t>(unsigned width)> undefinedBytes = [](unsigned) {
-        return std::vector<std::size_t>();
-    };
-
-    explicit operator bool() const { return convert != nullptr; }
+    std::function<unsigned(unsigned width)> readsBehind = [](unsigned) { return 0; };
 };
 
-/// Undefined bytes of a row of 4:2:2 that has half a pair, counted from its end.
-inline auto inOddRows(std::vector<std::size_t> fromEnd)
+inline constexpr Levels kFull8{8, true}, kFull10{10, true}, kFull12{12, true};
+inline constexpr Levels kStudio8{8, false}, kStudio10{10, false}, kStudio12{12, false};
+
+/// B, G, R, A of pixels between two formats, and which of these lanes have no defined value. The
+/// count of pixels is even; in an odd row the last one is not there and unknown.
+struct PixelLanes {
+    explicit PixelLanes(std::size_t width)
+        : bgra(4 * (width + width % 2)),
+          unknown(bgra.size()),
+          pixels(bgra.size() / 4)
+    {
+        std::fill(unknown.begin() + static_cast<std::ptrdiff_t>(4 * width), unknown.end(), true);
+    }
+
+    std::vector<std::uint16_t> bgra;
+    std::vector<bool> unknown;
+    std::size_t pixels;
+
+    bool anyUnknown(std::size_t x) const
+    {
+        return unknown[4 * x] || unknown[4 * x + 1] || unknown[4 * x + 2];
+    }
+
+    void apply(const LevelSteps& steps)
+    {
+        for (const LevelStep& step : steps)
+            for (std::size_t i = 0; i < bgra.size(); ++i)
+                if (!step.sparesAlpha || i % 4 != 3)
+                    bgra[i] = step.of(bgra[i]);
+    }
+};
+
+/// Pixels that a stage of the format's family takes at a time.
+inline unsigned stepOf(PixelFormat format)
 {
-    return [=](unsigned width) {
-        std::vector<std::size_t> bytes;
-        if (width % 2 != 0)
-            for (const std::size_t byte : fromEnd)
-                bytes.push_back(2 * std::size_t{width} + 2 - byte);
-        return bytes;
-    };
+    switch (format) {
+    case PixelFormat_2vuy:
+    case PixelFormat_YUY2:
+        return 8;
+    case PixelFormat_v210:
+        return 12;
+    case PixelFormat_RGB3:
+        return 16;
+    case PixelFormat_R12B:
+    case PixelFormat_R12L:
+    case PixelFormat_R12l:
+        return 32;
+    default:
+        return 4;
+    }
 }
 
-inline RowConversion changesLevels(std::string_view from, Levels in, std::string_view to,
-                                   Levels out)
+// --- Reading -------------------------------------------------------------------------------------
+
+inline PixelLanes readRGB(const Layout& layout, const std::uint8_t* row, std::size_t width,
+                          bool alphaSurvives)
 {
-    return {[=, rescale = Rescale(in, out)](const std::uint8_t* src, std::uint8_t* dst,
-                                            unsigned width) {
-        reorder(from, to, true, src, dst, width);
-        for (std::size_t i = 0; i < 4 * std::size_t{width}; ++i)
-            if (to[i % 4] != 'A')
-                dst[i] = saturated(rescale(dst[i]));
+    PixelLanes lanes(width);
+    for (std::size_t i = 0; i < 4 * width; ++i)
+        lanes.bgra[i] = layout.at[i % 4] < 0 || (i % 4 == 3 && !alphaSurvives)
+                            ? static_cast<std::uint16_t>(layout.maximum())
+                            : layout.read(row, layout.bitOf(i));
+    return lanes;
+}
+
+/// Where a row of 8-bit 4:2:2 ends in a partial block, what lies behind its last pixel is
+/// leftovers: the pair that its last odd pixel looks at, and in an odd row Cr of the last pair.
+/// Deeper 4:2:2 is read where it lies, and the next pair with it, unless the row's end is known.
+inline PixelLanes readYUV(const Layout& layout, const std::uint8_t* row, std::size_t width,
+                          const YUVToRGB& matrix, std::size_t block)
+{
+    const bool hasLine =
+        layout.code == PixelFormat_v210 && (width == 1280 || width == 2048 || width == 4096);
+    const bool endIsKnown = layout.levels.bits == 8 || hasLine || width % stepOf(layout.code) == 0;
+    PixelLanes lanes(width);
+    for (std::size_t x = 0; x < width; ++x) {
+        const auto rgb =
+            toRGB(matrix, pixelOf422(layout, row, x, endIsKnown ? width : width + 1), x % 2 != 0);
+        for (std::size_t i = 0; i < 3; ++i)
+            lanes.bgra[4 * x + i] = static_cast<std::uint16_t>(rgb[2 - i]);
+        const auto alpha = [&] { return layout.read(row, layout.bitOfAlpha(x)); };
+        lanes.bgra[4 * x + 3] = static_cast<std::uint16_t>(
+            layout.alphaAt < 0 ? (1 << matrix.rgbBits) - 1
+                               : (layout.levels.full ? alphaFromFull : alphaFromStudio)(alpha()));
+    }
+    const auto addUnknown = [&](std::size_t x, std::size_t firstLane) {
+        for (std::size_t i = firstLane; i < 3; ++i)
+            lanes.unknown[4 * x + i] = true;
+    };
+    // A row of v210 that ends with a step but not with the longer block into RGB3 may be read
+    // either way.
+    if (width % block != 0 && endIsKnown && !hasLine && layout.alphaAt < 0)
+        addUnknown(width - 1, width % 2);
+    if (layout.levels.bits == 8 && width % 2 != 0 && width > 1 && width % block != 1)
+        addUnknown(width - 2, 1);
+    return lanes;
+}
+
+// --- Writing -------------------------------------------------------------------------------------
+
+inline WrittenRow writeRGB(const Layout& layout, const PixelLanes& lanes, std::size_t width)
+{
+    WrittenRow row(layout, width);
+    for (std::size_t i = 0; i < row.bytes.size() * 8 / layout.unitBits * 4; ++i)
+        if (layout.at[i % 4] >= 0)
+            row.put(layout.bitOf(i), i < 4 * width ? lanes.bgra[i] : 0,
+                    i >= 4 * width || lanes.unknown[i]);
+    if (layout.code == PixelFormat_R10A)
+        for (std::size_t x = 0; x < width; ++x)
+            row.bytes[4 * x + 3] |= 3;
+    return row;
+}
+
+/// `sample(i)` and `unknown(i)` are of a row's samples in the order Cb Y Cr Y, `alpha(x)` of its
+/// pixels.
+inline WrittenRow writeYUV(const Layout& layout, std::size_t width, const auto& sample,
+                           const auto& unknown, const auto& alpha)
+{
+    WrittenRow row(layout, width);
+    const std::size_t units = row.bytes.size() * 8 / layout.unitBits;
+    for (std::size_t i = 0; i < units * layout.at.size(); ++i)
+        row.put(layout.bitOf(i), i < 2 * width ? sample(i) : 0, i >= 2 * width || unknown(i));
+    if (layout.alphaAt >= 0)
+        for (std::size_t x = 0; x < units; ++x)
+            row.put(layout.bitOfAlpha(x), x < width ? alpha(x) : 0, x >= width);
+    return row;
+}
+
+inline WrittenRow writeYUV(const Layout& layout, const PixelLanes& lanes, std::size_t width,
+                           const RGBToYUV& matrix)
+{
+    std::vector<std::uint16_t> uyvy(2 * lanes.pixels);
+    toYUV(matrix, lanes.bgra.data(), lanes.pixels, [&](std::size_t x, int y, int chroma) {
+        uyvy[2 * x] = static_cast<std::uint16_t>(chroma);
+        // The sign of chroma reaches into Y where they are one word of 32 bits.
+        uyvy[2 * x + 1] = static_cast<std::uint16_t>(layout.alphaAt < 0 ? y | chroma >> 16 : y);
+    });
+    const auto chromaUnknown = [&](std::size_t x) {
+        const std::size_t even = x / 2 * 2;
+        return lanes.anyUnknown(even) || lanes.anyUnknown(even + 1) ||
+               (even != 0 && lanes.anyUnknown(even - 1));
+    };
+    const auto unknown = [&](std::size_t i) {
+        // Only what is below black makes chroma negative.
+        return i % 2 == 0 || matrix.studio ? chromaUnknown(i / 2) : lanes.anyUnknown(i / 2);
+    };
+    const auto alpha = [&](std::size_t x) {
+        const int a = lanes.bgra[4 * x + 3];
+        return static_cast<std::uint16_t>(layout.levels.full ? a : alphaToStudio(a));
+    };
+    return writeYUV(
+        layout, width, [&](std::size_t i) { return uyvy[i]; }, unknown, alpha);
+}
+
+// --- The classes of conversions ------------------------------------------------------------------
+
+inline RowConversion copies(const Layout& dst)
+{
+    return {[&](const std::uint8_t* row, unsigned width, unsigned) {
+        WrittenRow copy(dst, width);
+        std::copy_n(row, copy.bytes.size(), copy.bytes.begin());
+        return copy;
     }};
 }
 
-/// The chroma of an odd row's last pair needs a pixel that is not there.
-inline RowConversion rgbTo2vuy(std::string_view from, const Matrix& matrix)
+/// 4:2:2 to 4:2:2 of one colourspace. Alpha that comes new is 1023, of video levels too.
+inline RowConversion staysYUV(const Layout& src, const Layout& dst)
 {
-    const auto convert = [=](const std::uint8_t* src, std::uint8_t* dst, unsigned width) {
-        const std::size_t pixels = width + width % 2;
-        std::vector<std::uint16_t> bgra(4 * pixels), uyvy(2 * pixels);
-        for (std::size_t i = 0; i < 4 * std::size_t{width}; ++i)
-            if (i % 4 != 3)
-                bgra[i] = src[i / 4 * from.size() + from.find("BGR"[i % 4])];
-        toUYVY({matrix, 8, 8}, bgra.data(), uyvy.data(), pixels);
-        std::transform(uyvy.begin(), uyvy.end(), dst, saturated);
-    };
-    return {convert, from.size() == 4 ? 8u : 16u, 0, inOddRows({1, 2, 4})};
-}
-
-/// Where a row ends in a partial block, what lies behind its last pixel is leftovers: the pair that
-/// its last odd pixel looks at, and in an odd row Cr of the last pair.
-inline RowConversion rgbFrom2vuy(std::string_view to, const Matrix& matrix)
-{
-    const auto convert = [=](const std::uint8_t* src, std::uint8_t* dst, unsigned width) {
-        const Rescale rescale({8, false}, {8, true});
-        for (std::size_t x = 0; x < width; ++x) {
-            const auto rgb = toRGB({matrix, 8, 8}, pixelOf422(src, 1, x, width), x % 2 != 0);
-            for (std::size_t i = 0; i < to.size(); ++i)
-                dst[x * to.size() + i] = to[i] == 'A'
-                                             ? 255
-                                             : saturated(rescale(static_cast<std::uint16_t>(
-                                                   rgb[std::string_view("RGB").find(to[i])])));
-        }
-    };
-    const auto undefined = [=, block = to.size() == 4 ? 8u : 16u](unsigned width) {
-        std::vector<std::size_t> bytes;
-        const auto add = [&](std::size_t x, std::string_view components) {
-            for (const char component : components)
-                bytes.push_back(x * to.size() + to.find(component));
+    const int by = dst.levels.bits - src.levels.bits;
+    return {[&src, &dst, by](const std::uint8_t* row, unsigned width, unsigned) {
+        const auto sample = [&](std::size_t i) {
+            const std::uint16_t x = src.read(row, src.bitOf(i));
+            return by == 0 ? x : static_cast<std::uint16_t>(atDepth(x, by, 16));
         };
-        if (width % block != 0)
-            add(width - 1, width % 2 == 0 ? "RGB" : "RG");
-        if (width % 2 != 0 && width % block != 1)
-            add(width - 2, "RG");
-        return bytes;
-    };
-    return {convert, 1, 12, undefined};
+        return writeYUV(
+            dst, width, sample, [](std::size_t) { return false; },
+            [](std::size_t) { return std::uint16_t{1023}; });
+    }};
 }
 
-/// Of an odd row's last pair only the first half is read.
-inline RowConversion exchangesBytes()
+/// From RGB to RGB of one colourspace. Between the ranges of 10 bits the result is cut.
+inline LevelSteps stepsOfRGB(const Layout& src, const Layout& dst)
 {
-    const auto convert = [](const std::uint8_t* src, std::uint8_t* dst, unsigned width) {
-        for (std::size_t i = 0; i < 2 * std::size_t{width}; ++i)
-            dst[i] = src[i ^ 1];
+    const auto is = [&](PixelFormat from, PixelFormat to) {
+        return src.code == from && dst.code == to;
     };
-    return {convert, 0, 0, inOddRows({1, 2})};
-}
-
-/// The conversion that a row of the table stands for, or nothing where there is no reference.
-inline RowConversion rowConversion(const KSX::PixelConversion::ConversionEntry& entry)
-{
-    using namespace KSX::PixelConversion;
-    const PixelFormat src = entry.srcFormat;
-    const PixelFormat dst = entry.dstFormat;
-    if (entry.srcColorspace != entry.dstColorspace)
+    // Pairs that go another way than their class.
+    if (is(PixelFormat_BGRA, PixelFormat_S12L))
+        return {rescale(kFull8, kFull12)};
+    if (is(PixelFormat_BGRA, PixelFormat_A04l))
+        return {rescale(kFull8, kStudio8), rescale(kStudio8, kStudio10)};
+    if (is(PixelFormat_R10l, PixelFormat_RGBA) || is(PixelFormat_r210, PixelFormat_RGB3))
+        return {rescale(kStudio10, kFull10, false), shift(-2)};
+    if (is(PixelFormat_b64a, PixelFormat_R12B) || is(PixelFormat_b64a, PixelFormat_R12L))
         return {};
-
-    const auto pick = [&](const Matrix& of601, const Matrix& of709, const Matrix& of2020) {
-        return entry.srcColorspace == Colorspace601   ? of601
-               : entry.srcColorspace == Colorspace709 ? of709
-                                                      : of2020;
-    };
-    const std::string_view from = componentOrder(src);
-    const std::string_view to = componentOrder(dst);
-    if (!from.empty() && !to.empty()) {
-        if (isStudioRange(src) != isStudioRange(dst))
-            return changesLevels(from, {8, !isStudioRange(src)}, to, {8, !isStudioRange(dst)});
-        const bool swapsBytes = (src == PixelFormat_ARGB && dst == PixelFormat_BGRA) ||
-                                (src == PixelFormat_BGRA && dst == PixelFormat_ARGB);
-        return {[=](const std::uint8_t* in, std::uint8_t* out, unsigned width) {
-            reorder(from, to, swapsBytes, in, out, width);
-        }};
+    if (is(PixelFormat_R12l, PixelFormat_b64a)) {
+        LevelSteps steps = stepsBetween(kStudio12, kFull12);
+        steps.push_back(shift(4));
+        return steps;
     }
-    if (!from.empty() && dst == PixelFormat_2vuy)
-        return rgbTo2vuy(from, pick(kFull8_601ToYUV, kFull8_709ToYUV, kFull8_2020ToYUV));
-    if (src == PixelFormat_2vuy && !to.empty())
-        return rgbFrom2vuy(to, pick(kYUVToStudio601, kYUVToStudio709, kYUVToStudio2020));
-    if ((src == PixelFormat_2vuy && dst == PixelFormat_YUY2) ||
-        (src == PixelFormat_YUY2 && dst == PixelFormat_2vuy))
-        return exchangesBytes();
-    if ((src == PixelFormat_v212 && dst == PixelFormat_v216) ||
-        (src == PixelFormat_v216 && dst == PixelFormat_v212))
-        return {[](const std::uint8_t* in, std::uint8_t* out, unsigned width) {
-            std::memcpy(out, in, std::size_t{4} * width);
-        }};
-    return {};
+    return stepsBetween(src.levels, dst.levels, src.levels.bits != 10 || dst.levels.bits != 10);
+}
+
+/// To the levels that the curves of a change of primaries are made for.
+inline LevelSteps stepsToCurves(Levels from, Levels curves)
+{
+    if (from.full && from.bits > curves.bits)
+        return {shift(curves.bits - from.bits, from.bits)};
+    return stepsBetween(from, curves);
+}
+
+inline const Matrix& matrixToYUV(Levels levels, int bits, Colorspace colorspace)
+{
+    static const Matrix* const matrices[][3] = {
+        {&kStudio601ToYUV, &kStudio709ToYUV, &kStudio2020ToYUV},
+        {&kFull8_601ToYUV, &kFull8_709ToYUV, &kFull8_2020ToYUV},
+        {&kFull10_601ToYUV, &kFull10_709ToYUV, &kFull10_2020ToYUV},
+        {&kFull12_601ToYUV, &kFull12_709ToYUV, nullptr}};
+    return *matrices[levels.full ? bits / 2 - 3 : 0][colorspace];
+}
+
+inline const Matrix& matrixToRGB(bool full, Colorspace colorspace)
+{
+    static const Matrix* const matrices[][3] = {
+        {&kYUVToStudio601, &kYUVToStudio709, &kYUVToStudio2020},
+        {&kYUVToFull601, &kYUVToFull709, &kYUVToFull2020}};
+    return *matrices[full][colorspace];
+}
+
+/// All that goes through pixels of RGB.
+inline RowConversion throughRGB(const ConversionEntry& entry, const Layout& src, const Layout& dst)
+{
+    const bool changes = entry.srcColorspace != entry.dstColorspace;
+    const bool fromYUV = src.is422();
+    const bool intoYUV = dst.is422();
+
+    // Pixels come at these levels. YUV goes to video levels unless it carries alpha.
+    Levels levels = src.levels;
+    YUVToRGB decode{};
+    if (fromYUV) {
+        const bool full = src.alphaAt >= 0;
+        const bool toStudio = !changes && !full && !dst.levels.full;
+        levels = full ? kFull8 : Levels{toStudio ? dst.levels.bits : src.levels.bits, false};
+        decode = {matrixToRGB(full, entry.srcColorspace), src.levels.bits, levels.bits, !full,
+                  src.code != PixelFormat_ay10};
+    }
+
+    // Only A04l and A04L keep 10 bits where primaries change.
+    const bool deep = src.levels.bits == 10 && src.unitBits == 64;
+    // Primaries change in the lanes of RGBv4, after YUV without alpha and after 10 bits in one word
+    // but for one conversion.
+    const bool oneWord = src.levels.bits == 10 && src.unitBits == 32;
+    const bool planar = (fromYUV || oneWord) && src.alphaAt < 0 &&
+                        !(src.code == PixelFormat_r210 && entry.srcColorspace == Colorspace601);
+    LevelSteps before;
+    if (changes) {
+        before = stepsToCurves(levels, deep ? kFull10 : kFull8);
+        levels = deep ? kFull10 : kFull8;
+    }
+    const int gamutBits = levels.bits;
+
+    LevelSteps after;
+    RGBToYUV encode{};
+    if (intoYUV) {
+        if (!fromYUV && levels == kFull8 && dst.levels.bits == 10 && dst.code != PixelFormat_ay10) {
+            after = {rescale(kFull8, kFull10)};
+            levels = kFull10;
+        }
+        encode = {matrixToYUV(levels, fromYUV ? dst.levels.bits : levels.bits, entry.dstColorspace),
+                  levels.bits, dst.levels.bits, !levels.full, dst.code != PixelFormat_ay10};
+    } else {
+        after = changes || fromYUV ? stepsBetween(levels, dst.levels) : stepsOfRGB(src, dst);
+    }
+
+    // A mere reordering loses alpha, unless it reverses the bytes.
+    const bool reverses = (src.code == PixelFormat_ARGB && dst.code == PixelFormat_BGRA) ||
+                          (src.code == PixelFormat_BGRA && dst.code == PixelFormat_ARGB);
+    const bool alphaSurvives = changes || reverses || !(src.levels == dst.levels);
+    const unsigned block = std::lcm(stepOf(src.code), stepOf(dst.code));
+
+    RowConversion result;
+    result.convert = [=, &src, &dst](const std::uint8_t* row, unsigned width, unsigned height) {
+        PixelLanes lanes = fromYUV ? readYUV(src, row, width, decode, block)
+                                   : readRGB(src, row, width, alphaSurvives);
+        lanes.apply(before);
+        if (changes) {
+            const GamutChange change{gamutStep(entry.srcColorspace, entry.dstColorspace, height),
+                                     gamutBits, planar};
+            for (std::size_t x = 0; x < width; ++x) {
+                std::uint16_t* const bgra = lanes.bgra.data() + 4 * x;
+                const auto rgb = changeGamut(change, {bgra[2], bgra[1], bgra[0]});
+                for (std::size_t i = 0; i < 3; ++i)
+                    bgra[i] = static_cast<std::uint16_t>(rgb[2 - i]);
+                if (lanes.anyUnknown(x))
+                    for (std::size_t i = 0; i < 3; ++i)
+                        lanes.unknown[4 * x + i] = true;
+            }
+        }
+        lanes.apply(after);
+        return intoYUV ? writeYUV(dst, lanes, width, encode) : writeRGB(dst, lanes, width);
+    };
+    // A chroma filter needs a whole block, and one more pixel if it follows a look ahead.
+    if (fromYUV)
+        result.leastWidth = src.levels.bits == 8 ? 1 : stepOf(src.code) + 1;
+    if (intoYUV)
+        result.leastWidth = fromYUV ? block + 1 : block;
+    if (fromYUV && src.levels.bits == 8)
+        result.readsBehind = [](unsigned) { return 12; };
+    else if (src.code == PixelFormat_v210)
+        result.readsBehind = [](unsigned width) {
+            return (width + 11) / 12 * 32 - (width + 5) / 6 * 16;
+        };
+    return result;
+}
+
+/// The conversion that a row of the table stands for.
+inline RowConversion rowConversion(const ConversionEntry& entry)
+{
+    const Layout& src = layoutOf(entry.srcFormat);
+    const Layout& dst = layoutOf(entry.dstFormat);
+    if (entry.function == CopyWithoutConversion)
+        return copies(dst);
+    if (src.is422() && dst.is422() && entry.srcColorspace == entry.dstColorspace)
+        return staysYUV(src, dst);
+    return throughRGB(entry, src, dst);
 }
 
 } // namespace kestrix::test::reference

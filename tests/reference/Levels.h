@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <functional>
+#include <vector>
 
 namespace kestrix::test::reference {
 
@@ -12,9 +14,17 @@ struct Levels {
     int bits;
     bool full;
 
+    bool operator==(const Levels&) const = default;
+
     int black() const { return full ? 0 : 16 << (bits - 8); }
     int white() const { return full ? (1 << bits) - 1 : 235 << (bits - 8); }
 };
+
+/// A 16-bit lane, read as signed, as a byte.
+constexpr std::uint8_t saturated(std::uint16_t lane)
+{
+    return static_cast<std::uint8_t>(std::clamp<int>(static_cast<std::int16_t>(lane), 0, 255));
+}
 
 /// From some levels to others. The gain follows from the levels: 16 bits of fraction, halved as
 /// often as it takes to fit, and the value doubled as often instead.
@@ -57,6 +67,42 @@ inline std::uint32_t atDepth(std::uint32_t x, int shift, int width)
     if (shift > 0)
         return x << shift;
     return std::min((x + (1u << (-shift - 1))) >> -shift, ((1u << width) - 1) >> -shift);
+}
+
+/// Limits a lane, read as signed, to black and white.
+inline std::uint16_t limited(std::uint16_t x, Levels to)
+{
+    return static_cast<std::uint16_t>(
+        std::clamp<int>(static_cast<std::int16_t>(x), to.black(), to.white()));
+}
+
+/// One change of a row's lanes. Between 8-bit levels alpha keeps its value.
+struct LevelStep {
+    std::function<std::uint16_t(std::uint16_t)> of;
+    bool sparesAlpha = false;
+};
+using LevelSteps = std::vector<LevelStep>;
+
+inline LevelStep rescale(Levels from, Levels to, bool rounds = true)
+{
+    return {Rescale(from, to, rounds), from.bits == 8 && to.bits == 8};
+}
+
+inline LevelStep shift(int by, int width = 16)
+{
+    return {[=](std::uint16_t x) { return static_cast<std::uint16_t>(atDepth(x, by, width)); }};
+}
+
+/// What takes a row from some levels to others: shifts where the range stays.
+inline LevelSteps stepsBetween(Levels from, Levels to, bool rounds = true)
+{
+    if (from == to)
+        return {};
+    if (from.full == to.full)
+        return {shift(to.bits - from.bits)};
+    if (from == Levels{12, false})
+        return {{[=](std::uint16_t x) { return limited(x, from); }}, rescale(from, to)};
+    return {rescale(from, to, rounds)};
 }
 
 } // namespace kestrix::test::reference

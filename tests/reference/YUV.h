@@ -1,6 +1,8 @@
 /// Between RGB and YUV, a pixel at a time, with the coefficients as integers.
 #pragma once
 
+#include "tests/reference/Layouts.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -95,12 +97,6 @@ struct YUVToRGB {
     bool rounds = true;
 };
 
-struct YCbCr {
-    int y;
-    int cb;
-    int cr;
-};
-
 /// R, G, B of a pixel. Where Y and Cr of an even pixel are rounded apart, those of an odd one are
 /// rounded together, and Y and Cb the other way round.
 inline std::array<int, 3> toRGB(const YUVToRGB& c, YCbCr in, bool odd)
@@ -131,15 +127,22 @@ inline std::array<int, 3> toRGB(const YUVToRGB& c, YCbCr in, bool odd)
     return rgb;
 }
 
-/// Pixel `x` of a row of 8-bit 4:2:2, in which luma lies in byte `luma` of every two. Odd pixels
-/// have the mean chroma of their neighbours, the last one of the row its left neighbour's.
-inline YCbCr pixelOf422(const std::uint8_t* row, int luma, std::size_t x, std::size_t pixels)
+/// Alpha of 8 bits as 10-bit alpha of video levels. The top falls short of 940.
+inline int alphaToStudio(int a)
 {
-    const std::size_t behind = x % 2 != 0 && x + 1 < pixels ? x + 1 : x;
-    const auto chroma = [&](int byte) {
-        return (row[x / 2 * 4 + byte] + row[behind / 2 * 4 + byte] + 1) >> 1;
-    };
-    return {row[2 * x + luma], chroma(1 - luma), chroma(3 - luma)};
+    return (4 * a * 56119 >> 16) + 64;
+}
+
+/// 10-bit alpha of video levels as 8 bits, cut twice.
+inline int alphaFromStudio(int a)
+{
+    return (std::clamp(a - 64, 0, 876) * 2 * 38267 >> 16) / 4;
+}
+
+/// 10-bit alpha as 8 bits: 255/1023, rounded to nearest for every code.
+inline int alphaFromFull(int a)
+{
+    return (a * 255 * 2 + 1023) / (2 * 1023);
 }
 
 } // namespace kestrix::test::reference
