@@ -161,7 +161,7 @@ inline WrittenRow writeYUV(const Layout& layout, std::size_t width, const auto& 
 }
 
 inline WrittenRow writeYUV(const Layout& layout, const PixelLanes& lanes, std::size_t width,
-                           const RGBToYUV& matrix)
+                           const RGBToYUV& matrix, bool anythingBehind)
 {
     std::vector<std::uint16_t> uyvy(2 * lanes.pixels);
     toYUV(matrix, lanes.bgra.data(), lanes.pixels, [&](std::size_t x, int y, int chroma) {
@@ -175,8 +175,8 @@ inline WrittenRow writeYUV(const Layout& layout, const PixelLanes& lanes, std::s
                (even != 0 && lanes.anyUnknown(even - 1));
     };
     const auto unknown = [&](std::size_t i) {
-        // Only what is below black makes chroma negative.
-        return i % 2 == 0 || matrix.studio ? chromaUnknown(i / 2) : lanes.anyUnknown(i / 2);
+        // Only a neighbour outside its range makes chroma negative.
+        return i % 2 == 0 || matrix.studio || anythingBehind ? chromaUnknown(i / 2) : lanes.anyUnknown(i / 2);
     };
     const auto alpha = [&](std::size_t x) {
         const int a = lanes.bgra[4 * x + 3];
@@ -331,7 +331,10 @@ inline RowConversion throughRGB(const ConversionEntry& entry, const Layout& src,
             }
         }
         lanes.apply(after);
-        return intoYUV ? writeYUV(dst, lanes, width, encode) : writeRGB(dst, lanes, width);
+        // Lanes that are read as they lie in memory can hold any 16 bits behind the row.
+        const bool anythingBehind = src.code == PixelFormat_A04l;
+        return intoYUV ? writeYUV(dst, lanes, width, encode, anythingBehind)
+                       : writeRGB(dst, lanes, width);
     };
     // A chroma filter needs a whole block, and one more pixel if it follows a look ahead.
     if (fromYUV)

@@ -27,10 +27,8 @@ struct GamutChange {
 
 // --- Matrices ------------------------------------------------------------------------------------
 
-/// x and y of R, G and B, then z of each.
-struct PrimaryColours {
-    float x[3], y[3], z[3];
-};
+/// x of R, G and B, then y, then z.
+using PrimaryColours = float[3][3];
 
 // clang-format off
 inline constexpr PrimaryColours
@@ -75,7 +73,7 @@ inline std::array<double, 9> toXYZ(const PrimaryColours& p)
     };
     std::array<double, 9> matrix;
     for (std::size_t i = 0; i < 9; ++i)
-        matrix[i] = (i < 3 ? x : i < 6 ? y : z)[i % 3] * scale[i % 3];
+        matrix[i] = p[i / 3][i % 3] * scale[i % 3];
     return matrix;
 }
 
