@@ -6,7 +6,11 @@
 
 #include <GL/glext.h>
 
+#include <algorithm>
+#include <cmath>
+#include <functional>
 #include <ostream>
+#include <utility>
 
 namespace kestrix::test {
 namespace {
@@ -48,21 +52,28 @@ protected:
     }
 };
 
-// --- Behind a table that changes nothing, to look at the unpacking alone -------------------------
+// --- Against a model of the shader ---------------------------------------------------------------
+
+/// Whether the identity takes the place of all tables, to look at the unpacking alone.
+bool identity = false;
 
 // In floats, where the helper leaves the precision to the driver, so that the low bits of deep
 // formats can be seen.
-void identityTexImage3D(GLenum target, GLint level, GLint, GLsizei width, GLsizei height,
-                        GLsizei depth, GLint border, GLenum format, GLenum type, const void*)
+void floatTexImage3D(GLenum target, GLint level, GLint, GLsizei width, GLsizei height,
+                     GLsizei depth, GLint border, GLenum format, GLenum type, const void*)
 {
     driverGL<decltype(::glTexImage3D)>("glTexImage3D")(
         target, level, GL_RGBA32F, width, height, depth, border, format, type,
         ScreenPreviewLut::Get(LutID_FullRGB_709, LutFormat_RGBA32F));
 }
 
-void keepTable(GLenum, GLint, GLint, GLint, GLint, GLsizei, GLsizei, GLsizei, GLenum, GLenum,
-               const void*)
+void maybeTexSubImage3D(GLenum target, GLint level, GLint x, GLint y, GLint z, GLsizei width,
+                        GLsizei height, GLsizei depth, GLenum format, GLenum type,
+                        const void* table)
 {
+    if (!identity)
+        driverGL<decltype(::glTexSubImage3D)>("glTexSubImage3D")(
+            target, level, x, y, z, width, height, depth, format, type, table);
 }
 
 class GL3Unpacking : public GL3Pixels {
@@ -72,27 +83,28 @@ protected:
         GL3Pixels::SetUp();
         if (HasFatalFailure())
             return;
-        gl.replace("glTexImage3D", identityTexImage3D);
-        gl.replace("glTexSubImage3D", keepTable);
+        gl.replace("glTexImage3D", floatTexImage3D);
+        gl.replace("glTexSubImage3D", maybeTexSubImage3D);
+        identity = true;
         initialise();
     }
 
-    /// Paints what is in the helper and compares every pixel with the model's. `picture` fills the
-    /// view upside down if `flipped`; `part` of its height is shown.
-    void expectPicture(const TexturePicture& picture, std::uint32_t format, double frameWidth,
-                       double frameHeight, bool flipped, double part, double tolerance)
+    /// Paints what is in the helper and compares every pixel with the model's: `model(s, t)` gives
+    /// the colour at a place of the texture and how far off each of its components may be.
+    /// `flipped` pictures fill the view upside down; `part` of a picture's height is shown.
+    void expectPicture(const std::function<std::pair<Colour, Colour>(double s, double t)>& model,
+                       bool flipped = false, double part = 1)
     {
         // Prime numbers, so that places in the picture do not repeat.
         Canvas canvas(53, 31);
         ASSERT_EQ(helper->PaintGL(), S_OK);
         const auto painted = canvas.read();
         for (int i = 0; i < 53 * 31; ++i) {
-            const double s = (i % 53 + 0.5) / 53;
             const double t = (i / 53 + 0.5) / 31;
-            const Colour expected = shaderColour(picture, format, frameWidth, frameHeight, s,
-                                                 (flipped ? 1 - t : t) * part);
+            const auto [expected, tolerance] =
+                model((i % 53 + 0.5) / 53, (flipped ? 1 - t : t) * part);
             for (std::size_t c = 0; c < 4; ++c)
-                ASSERT_NEAR(painted[static_cast<std::size_t>(i)][c], expected[c], tolerance)
+                ASSERT_NEAR(painted[static_cast<std::size_t>(i)][c], expected[c], tolerance[c])
                     << "column " << i % 53 << ", line " << i / 53 << ", component " << c;
         }
     }
@@ -103,6 +115,8 @@ struct ShaderFormat {
     const char* name;
     int groupPixels;
     int groupBytes;
+    /// Of the four tables for its components and range.
+    unsigned firstTable;
     bool filtered = false;
 };
 
@@ -113,23 +127,52 @@ void PrintTo(const ShaderFormat& format, std::ostream* out)
 
 class GL3FormatPixels : public GL3Unpacking, public testing::WithParamInterface<ShaderFormat> {
 protected:
-    static MemoryFrameOptions frameOf(std::int64_t width, int padding = 0)
+    static MemoryFrameOptions frameOf(std::int64_t width, int padding = 0, std::int64_t height = 12)
     {
         const ShaderFormat& format = GetParam();
         const std::int64_t groups = (width + format.groupPixels - 1) / format.groupPixels;
         return {.width = width,
-                .height = 12,
+                .height = height,
                 .format = format.code,
                 .rowBytes = groups * format.groupBytes + padding};
     }
 
     void expectFormat(const TexturePicture& picture, double frameWidth, double frameHeight,
-                      bool flipped = false, double part = 1)
+                      LutID id = LutID_FullRGB_709, bool flipped = false, double part = 1)
     {
-        // Single precision, on noise: the weights of neighbours come from coordinates that the
-        // rasteriser interpolates. The sampler of 8-bit textures has weights of 8 bits.
-        const double tolerance = GetParam().filtered ? 2.0 / 255 : 1e-4;
-        expectPicture(picture, GetParam().code, frameWidth, frameHeight, flipped, part, tolerance);
+        const ShaderFormat& format = GetParam();
+        const float* const table = ScreenPreviewLut::Get(id, LutFormat_RGBA32F);
+        // On noise: the weights of neighbours come from coordinates in single precision, which are
+        // the coarser the more pixels they count.
+        const double inFloats = 2e-5 + 3e-7 * (frameWidth + frameHeight);
+        const auto unpacked = [&](double s, double t) -> std::pair<Colour, Colour> {
+            return {shaderColour(picture, format.code, table, frameWidth, frameHeight, s, t),
+                    {inFloats, inFloats, inFloats, inFloats}};
+        };
+        // The sampler of 8-bit textures has weights of 8 bits, one for columns and one for lines.
+        // The table comes behind it, and makes the more of that the steeper it is there.
+        const auto filtered = [&](double s, double t) {
+            const Colour sampled = sampledColour(picture, format.code, s, t);
+            std::pair<Colour, Colour> result{throughTable(table, sampled),
+                                             {inFloats, inFloats, inFloats, 0}};
+            for (std::size_t axis = 0; axis < 3; ++axis) {
+                Colour steps{};
+                for (const double by : {-2.0 / 255, 2.0 / 255}) {
+                    Colour beside = sampled;
+                    beside[axis] += by;
+                    beside = throughTable(table, beside);
+                    for (std::size_t c = 0; c < 3; ++c)
+                        steps[c] = std::max(steps[c], std::abs(beside[c] - result.first[c]));
+                }
+                for (std::size_t c = 0; c < 3; ++c)
+                    result.second[c] += steps[c];
+            }
+            return result;
+        };
+        if (format.filtered)
+            expectPicture(filtered, flipped, part);
+        else
+            expectPicture(unpacked, flipped, part);
     }
 };
 
@@ -147,51 +190,73 @@ TEST_P(GL3FormatPixels, AreUnpackedToTheLastColumn)
         }
 }
 
-TEST_P(GL3FormatPixels, ShowOneOrBothEyes)
+TEST_P(GL3FormatPixels, ShowOneOrBothEyesInEveryColourspace)
 {
-    const Frame right = noise(frameOf(24), 6);
-    const TexturePicture rightLines = uploadedLines(*right);
-    for (const bool flipped : {false, true}) {
-        MemoryFrameOptions options = stereo(frameOf(24), right);
-        options.flags = flipped ? FrameFlagFlipVertical : FrameFlagDefault;
-        const Frame left = noise(options, 7);
-        const TexturePicture leftLines = uploadedLines(*left);
-        const auto expect = [&](std::uint32_t format3D, const TexturePicture& picture,
-                                double frameWidth, double frameHeight, double part = 1) {
-            SCOPED_TRACE(testing::Message() << std::hex << format3D << ", flipped " << flipped);
-            helper->Set3DPreviewFormat(format3D);
-            helper->SetFrame(left.get());
-            expectFormat(picture, frameWidth, frameHeight, flipped, part);
-        };
-        expect(Preview3DLeftOnly, leftLines, 24, 6);
-        expect(Preview3DRightOnly, rightLines, 24, 6);
-        expect(Preview3DSideBySide, bothEyes(leftLines, rightLines, true), 48, 6);
-        // Flipped, the upper half alone is stretched over the view.
-        expect(Preview3DTopBottom, bothEyes(leftLines, rightLines, false), 24, 12,
-               flipped ? 0.5 : 1);
+    struct {
+        const char* colourspace;
+        std::int64_t width, height;
+        unsigned table;
+    } const cases[] = {
+        {"none", 24, 12, 2}, // behind the identity
+        {"2020", 23, 12, 3}, {"r709", 23, 12, 2}, {"r601", 23, 12, 0}, {"r601", 720, 576, 1},
+    };
+    for (const auto& c : cases) {
+        identity = &c == cases;
+        const auto table =
+            identity ? LutID_FullRGB_709 : static_cast<LutID>(GetParam().firstTable + c.table);
+        MemoryFrameOptions options = frameOf(c.width, 0, c.height);
+        options.colorspace = code(c.colourspace);
+        const Frame right = noise(options, 6);
+        const TexturePicture rightLines = uploadedLines(*right);
+        const auto width = static_cast<double>(c.width);
+        const auto height = static_cast<double>(c.height) / 2;
+        options = stereo(options, right);
+        for (const bool flipped : {false, true}) {
+            options.flags = flipped ? FrameFlagFlipVertical : FrameFlagDefault;
+            const Frame left = noise(options, 7);
+            const TexturePicture leftLines = uploadedLines(*left);
+            const auto expect = [&](std::uint32_t format3D, const TexturePicture& picture,
+                                    double frameWidth, double frameHeight, double part = 1) {
+                if (HasFatalFailure())
+                    return;
+                SCOPED_TRACE(testing::Message() << "table " << table << ", " << std::hex << format3D
+                                                << ", flipped " << flipped);
+                helper->Set3DPreviewFormat(format3D);
+                helper->SetFrame(left.get());
+                expectFormat(picture, frameWidth, frameHeight, table, flipped, part);
+            };
+            expect(Preview3DLeftOnly, leftLines, width, height);
+            expect(Preview3DRightOnly, rightLines, width, height);
+            expect(Preview3DSideBySide, bothEyes(leftLines, rightLines, true), 2 * width, height);
+            // Flipped, the upper half alone is stretched over the view.
+            expect(Preview3DTopBottom, bothEyes(leftLines, rightLines, false), width, 2 * height,
+                   flipped ? 0.5 : 1);
+        }
     }
 }
 
 const ShaderFormat kShaderFormats[] = {
-    {code("2vuy"), "2vuy", 2, 4},       {code("v210"), "v210", 6, 16},
-    {code("Ay10"), "Ay10", 2, 8},       {kARGB, "ARGB", 1, 4, true},
-    {code("BGRA"), "BGRA", 1, 4, true}, {code("vRGB"), "vRGB", 1, 4, true},
-    {code("BGRv"), "BGRv", 1, 4, true}, {code("r210"), "r210", 1, 4},
-    {code("R10l"), "R10l", 1, 4},       {code("R10L"), "R10Lfull", 1, 4},
-    {code("R10b"), "R10b", 1, 4},       {code("R10B"), "R10Bfull", 1, 4},
-    {code("R12b"), "R12b", 8, 36},      {code("R12B"), "R12Bfull", 8, 36},
-    {code("R12l"), "R12l", 8, 36},      {code("R12L"), "R12Lfull", 8, 36},
+    {code("2vuy"), "2vuy", 2, 4, 0},       {code("v210"), "v210", 6, 16, 0},
+    {code("Ay10"), "Ay10", 2, 8, 0},       {kARGB, "ARGB", 1, 4, 4, true},
+    {code("BGRA"), "BGRA", 1, 4, 4, true}, {code("vRGB"), "vRGB", 1, 4, 8, true},
+    {code("BGRv"), "BGRv", 1, 4, 8, true}, {code("r210"), "r210", 1, 4, 8},
+    {code("R10l"), "R10l", 1, 4, 8},       {code("R10L"), "R10Lfull", 1, 4, 4},
+    {code("R10b"), "R10b", 1, 4, 8},       {code("R10B"), "R10Bfull", 1, 4, 4},
+    {code("R12b"), "R12b", 8, 36, 8},      {code("R12B"), "R12Bfull", 8, 36, 4},
+    {code("R12l"), "R12l", 8, 36, 8},      {code("R12L"), "R12Lfull", 8, 36, 4},
 };
 INSTANTIATE_TEST_SUITE_P(Formats, GL3FormatPixels, testing::ValuesIn(kShaderFormats), caseName);
 
 TEST_F(GL3Unpacking, IsOpaqueBlackForWhatTheShaderDoesNotKnow)
 {
-    const TexturePicture nothing{1, 1, {0, 0, 0, 0}};
+    const auto black = [](double, double) -> std::pair<Colour, Colour> {
+        return {{0, 0, 0, 1}, {}};
+    };
     // Before there was any frame.
-    expectPicture(nothing, 0, 1, 1, false, 1, 1e-9);
+    expectPicture(black);
     for (const char* format : {"YUY2", "RGBA", "ay10", "none"}) {
         paint(noise({.width = 8, .height = 8, .format = code(format), .rowBytes = 32}, 1).get());
-        expectPicture(nothing, code(format), 8, 4, false, 1, 1e-9);
+        expectPicture(black);
     }
 }
 

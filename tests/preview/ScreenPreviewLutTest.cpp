@@ -1,9 +1,17 @@
-/// The store of colour tables and the choice among them.
+/// The store of colour tables, what they hold and the choice among them.
 #include "preview/ScreenPreviewLut.h"
+#include "tests/reference/Gamut.h"
+#include "tests/reference/Levels.h"
+#include "tests/reference/YUV.h"
 #include "tests/support/AllocationFaults.h"
 #include "tests/support/PreviewFixture.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+#include <optional>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -92,19 +100,103 @@ TEST(TableStore, HoldsFifteenOpaqueTablesOfOneFormat)
               table(9));
 }
 
-TEST(TableStore, ShowsFullRangeRec709AsItIs)
+// --- Contents ------------------------------------------------------------------------------------
+
+using Entry = std::array<float, 3>;
+
+/// What a table holds for a point, each step of its conversion by its scalar form.
+class Conversion {
+public:
+    explicit Conversion(unsigned id) : m_id(id)
+    {
+        using namespace KSX::PixelConversion;
+        const Colorspace from[] = {Colorspace601, Colorspace601, Colorspace709, Colorspace2020};
+        if (id % 4 != 2)
+            m_gamut = {reference::gamutStep(from[id % 4], Colorspace709, id % 4 == 1 ? 576 : 486),
+                       10, true};
+    }
+
+    Entry operator()(const Entry& point) const
+    {
+        // The identity, of all components or of one.
+        if (m_id == 6)
+            return point;
+        if (m_id >= 12)
+            return {m_id == 12 ? point[0] : 0, m_id == 13 ? point[1] : 0,
+                    m_id == 14 ? point[2] : 0};
+
+        std::array<int, 3> codes;
+        std::ranges::transform(point, codes.begin(), [](float x) {
+            return static_cast<int>(std::nearbyint(x * 1023.0f));
+        });
+        if (m_id < 4) {
+            const reference::Matrix matrices[] = {
+                reference::kYUVToStudio601, reference::kYUVToStudio601, reference::kYUVToStudio709,
+                reference::kYUVToStudio2020};
+            // An entry is a picture of its own, so its pixel is an even one.
+            codes =
+                reference::toRGB({matrices[m_id], 10, 10}, {codes[0], codes[1], codes[2]}, false);
+        }
+        if (m_id < 4 || m_id >= 8)
+            for (int& code : codes)
+                code = m_rescale(static_cast<std::uint16_t>(code));
+        if (m_gamut)
+            codes = reference::changeGamut(*m_gamut, codes);
+        Entry entry;
+        std::ranges::transform(codes, entry.begin(), [](int code) {
+            const float scaled = static_cast<float>(code) * std::bit_cast<float>(0x3a802008);
+            return std::clamp(scaled, 0.0f, 1.0f);
+        });
+        return entry;
+    }
+
+private:
+    unsigned m_id;
+    reference::Rescale m_rescale{{10, false}, {10, true}};
+    std::optional<reference::GamutChange> m_gamut;
+};
+
+class TableContents : public testing::TestWithParam<unsigned> {};
+
+TEST_P(TableContents, AreThoseOfTheScalarForm)
 {
     generate();
-    const float* entry = table(6);
+    const Conversion conversion(GetParam());
+    const float* entry = table(GetParam());
     for (int z = 0; z < 33; ++z)
         for (int y = 0; y < 33; ++y)
             for (int x = 0; x < 33; ++x, entry += 4) {
-                // A sum of powers of two, exact in single precision.
-                ASSERT_EQ(entry[0], static_cast<float>(x) / 32);
-                ASSERT_EQ(entry[1], static_cast<float>(y) / 32);
-                ASSERT_EQ(entry[2], static_cast<float>(z) / 32);
+                // Multiples of a power of two, exact in single precision.
+                const Entry point{static_cast<float>(x) / 32, static_cast<float>(y) / 32,
+                                  static_cast<float>(z) / 32};
+                ASSERT_EQ((Entry{entry[0], entry[1], entry[2]}), conversion(point))
+                    << x << ", " << y << ", " << z;
             }
 }
+INSTANTIATE_TEST_SUITE_P(Tables, TableContents, testing::Range(0u, 15u),
+                         [](const auto& id) { return std::to_string(id.param); });
+
+TEST(TableStore, HoldsValuesWorkedOutByHand)
+{
+    generate();
+    const auto expect = [](unsigned id, const Entry& point, double r, double g, double b) {
+        const double expected[] = {r, g, b};
+        const float* const entry =
+            table(id) + 4 * std::lround(32 * (point[0] + 33 * (point[1] + 33 * point[2])));
+        for (int c = 0; c < 3; ++c)
+            EXPECT_NEAR(entry[c], expected[c], 5e-6) << "table " << id << ", component " << c;
+    };
+    expect(2, {2 / 32.0f, 0.5f, 0.5f}, 0, 0, 0); // black, and below it
+    expect(2, {0, 0.5f, 0.5f}, 0, 0, 0);
+    expect(2, {0.5f, 0.5f, 0.5f}, 0.51124, 0.51124, 0.51124);
+    expect(2, {1, 0.5f, 0.5f}, 1, 1, 1);
+    expect(10, {0.25f, 0.5f, 0.75f}, 0.21896, 0.51124, 0.80254);
+    expect(7, {1, 0, 0}, 1, 0, 0);           // red that Rec. 709 does not reach
+    expect(5, {0, 1, 0}, 0, 1, 54 / 1023.0); // a tint, and red limited
+    expect(11, {1, 1, 1}, 1, 1, 1);
+}
+
+// --- Choice --------------------------------------------------------------------------------------
 
 TEST(TableChoice, GoesByTheFormatsRange)
 {

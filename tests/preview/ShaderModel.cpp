@@ -134,25 +134,6 @@ Colour twelveBitRGB(const TexturePicture& picture, bool bigEndianWords, int x, i
     return colour;
 }
 
-/// Bytes by the sampler, linear between the texels' centres.
-Colour filtered8(const TexturePicture& picture, bool alphaFirst, double s, double t)
-{
-    const double x = s * picture.width - 0.5;
-    const double y = t * picture.height - 0.5;
-    Colour sum{0, 0, 0, 1};
-    for (int row = 0; row < 2; ++row)
-        for (int column = 0; column < 2; ++column) {
-            const std::uint8_t* texel = picture.texel(
-                std::clamp(static_cast<int>(std::floor(x)) + column, 0, picture.width - 1),
-                std::clamp(static_cast<int>(std::floor(y)) + row, 0, picture.height - 1));
-            const double weight = std::abs(1 - column - (x - std::floor(x))) *
-                                  std::abs(1 - row - (y - std::floor(y)));
-            for (std::size_t i = 0; i < 3; ++i) // A R G B or B G R A
-                sum[i] += weight * texel[alphaFirst ? i + 1 : 2 - i] / 255.0;
-        }
-    return sum;
-}
-
 /// The pixel at a column and a line, for the formats that the shader unpacks by itself.
 Colour unpacked(const TexturePicture& picture, std::uint32_t format, int x, int y)
 {
@@ -184,14 +165,33 @@ Colour unpacked(const TexturePicture& picture, std::uint32_t format, int x, int 
 
 } // namespace
 
-Colour shaderColour(const TexturePicture& picture, std::uint32_t format, double frameWidth,
-                    double frameHeight, double s, double t)
+Colour throughTable(const float* table, const Colour& pixel)
 {
-    if (format == kARGB || format == code("vRGB"))
-        return filtered8(picture, true, s, t);
-    if (format == code("BGRA") || format == code("BGRv"))
-        return filtered8(picture, false, s, t);
+    int first[3];
+    double share[3];
+    for (std::size_t i = 0; i < 3; ++i) {
+        const double place = std::clamp(32 * pixel[i], 0.0, 32.0);
+        first[i] = std::min(static_cast<int>(place), 31);
+        share[i] = place - first[i];
+    }
+    Colour colour{0, 0, 0, pixel[3]};
+    for (int corner = 0; corner < 8; ++corner) {
+        double weight = 1;
+        int entry = 0;
+        for (int i = 2; i >= 0; --i) {
+            const int beyond = corner >> i & 1;
+            weight *= std::abs(1 - beyond - share[i]);
+            entry = 33 * entry + first[i] + beyond;
+        }
+        for (std::size_t i = 0; i < 3; ++i)
+            colour[i] += weight * table[4 * static_cast<std::size_t>(entry) + i];
+    }
+    return colour;
+}
 
+Colour shaderColour(const TexturePicture& picture, std::uint32_t format, const float* table,
+                    double frameWidth, double frameHeight, double s, double t)
+{
     const double x = (frameWidth - 1) * s;
     const double y = (frameHeight - 1) * t;
     const int column = static_cast<int>(std::floor(x));
@@ -201,11 +201,31 @@ Colour shaderColour(const TexturePicture& picture, std::uint32_t format, double 
         for (int right = 0; right < 2; ++right) {
             const double weight =
                 std::abs(1 - right - (x - column)) * std::abs(1 - below - (y - line));
-            const Colour pixel = unpacked(picture, format, column + right, line + below);
+            const Colour pixel =
+                throughTable(table, unpacked(picture, format, column + right, line + below));
             for (std::size_t i = 0; i < 4; ++i)
                 colour[i] += weight * pixel[i];
         }
     return colour;
+}
+
+Colour sampledColour(const TexturePicture& picture, std::uint32_t format, double s, double t)
+{
+    const bool alphaFirst = format == kARGB || format == code("vRGB");
+    const double x = s * picture.width - 0.5;
+    const double y = t * picture.height - 0.5;
+    Colour sum{0, 0, 0, 1};
+    for (int row = 0; row < 2; ++row)
+        for (int column = 0; column < 2; ++column) {
+            const std::uint8_t* texel = picture.texel(
+                std::clamp(static_cast<int>(std::floor(x)) + column, 0, picture.width - 1),
+                std::clamp(static_cast<int>(std::floor(y)) + row, 0, picture.height - 1));
+            const double weight = std::abs(1 - column - (x - std::floor(x))) *
+                                  std::abs(1 - row - (y - std::floor(y)));
+            for (std::size_t i = 0; i < 3; ++i) // A R G B or B G R A
+                sum[i] += weight * texel[alphaFirst ? i + 1 : 2 - i] / 255.0;
+        }
+    return sum;
 }
 
 } // namespace kestrix::test

@@ -26,10 +26,17 @@ struct TexturePicture {
     }
 };
 
-/// The colour at a place of the texture for a frame of `format`, with a colour table that changes
-/// nothing. `frameWidth` and `frameHeight` are what the shader is told of the picture's size; `s`
-/// and `t` run from 0 to 1 over it, `t` from the first line.
-Colour shaderColour(const TexturePicture& picture, std::uint32_t format, double frameWidth,
-                    double frameHeight, double s, double t);
+/// `pixel` through a colour table of 33 points a side, R, G, B, A an entry: linear between the
+/// eight points around it. Alpha stays the pixel's.
+Colour throughTable(const float* table, const Colour& pixel);
+
+/// The colour at a place of the texture for a frame of `format`, behind a colour table.
+/// `frameWidth` and `frameHeight` are what the shader is told of the picture's size; `s` and `t`
+/// run from 0 to 1 over it, `t` from the first line. Formats of 8-bit RGB are not taken.
+Colour shaderColour(const TexturePicture& picture, std::uint32_t format, const float* table,
+                    double frameWidth, double frameHeight, double s, double t);
+
+/// The same for the formats of 8-bit RGB, before the table: the sampler has interpolated already.
+Colour sampledColour(const TexturePicture& picture, std::uint32_t format, double s, double t);
 
 } // namespace kestrix::test
