@@ -24,6 +24,7 @@ public:
 
 protected:
     ReferenceCounted() = default;
+    // NOLINTNEXTLINE(modernize-use-override): `IUnknown` has none that could be overridden
     virtual ~ReferenceCounted() = default;
 
 private:

@@ -3,8 +3,6 @@
 
 #include <uuid/uuid.h>
 
-#include <cstdio>
-
 static_assert(sizeof(KSXuuid::bytes) == sizeof(uuid_t));
 
 KSXuuid KSXuuid_Generate()
@@ -16,11 +14,11 @@ KSXuuid KSXuuid_Generate()
 
 std::string KSXuuidToStdString(KSXuuid uuid)
 {
+    constexpr char kDigits[] = "0123456789ABCDEF";
     std::string text;
     for (const std::uint8_t byte : uuid.bytes) {
-        char digits[3];
-        std::snprintf(digits, sizeof(digits), "%02X", byte);
-        text += digits;
+        text += kDigits[byte >> 4];
+        text += kDigits[byte & 0xf];
     }
     return text;
 }

@@ -23,7 +23,8 @@ std::int32_t TimevalDiffUS(timeval a, timeval b)
 
 void TimevalAddMS(timeval& result, timeval base, int milliseconds)
 {
-    const auto microseconds = base.tv_usec + milliseconds * kMicrosecondsPerMillisecond;
+    const int added = milliseconds * kMicrosecondsPerMillisecond;
+    const auto microseconds = base.tv_usec + added;
     result.tv_sec = base.tv_sec + microseconds / kMicrosecondsPerSecond;
     result.tv_usec = microseconds % kMicrosecondsPerSecond;
 }
