@@ -12,7 +12,6 @@
 #include <gmock/gmock.h>
 
 #include <barrier>
-#include <set>
 #include <thread>
 
 namespace kestrix::test {
