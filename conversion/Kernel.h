@@ -14,6 +14,16 @@
 /// row's first group, which has none. A stage that looks ahead gets the first 16 bytes of the group
 /// behind as `next`; `lastStep` takes a row's last group. It reads the row itself, so it can only
 /// stand first in a pipeline.
+///
+/// A stage with long steps can do them in parts, which keeps fewer vectors alive: `kPart` is the
+/// pixels that its operations take then, and N stays what a block is a multiple of.
+///
+/// A stage that looks ahead can have copies made for rows of one width, which end inside a group:
+/// `kLine` is that width, `AnyLine` the stage for all others, and that one's
+///
+///     template<unsigned PIXELS> Pixels<Output, N> lastStepOf(const Pixels<Input, N>& in)
+///
+/// takes a last group of which only the first `PIXELS` pixels belong to the row.
 #pragma once
 
 #include "conversion/Representations.h"
@@ -53,16 +63,17 @@ class Kernel {
 public:
     static constexpr unsigned kIn = IN;
     static constexpr unsigned kOut = OUT;
+    static constexpr unsigned kPart = IN;
 
     /// For stages that are steered from outside. There is none at present.
     virtual void setUserContext(const void* /*context*/) {}
 };
 
 template<class S>
-using InputOf = Pixels<typename S::Input, S::kIn>;
+using InputOf = Pixels<typename S::Input, S::kPart>;
 
 template<class S>
-using OutputOf = Pixels<typename S::Output, S::kOut>;
+using OutputOf = Pixels<typename S::Output, S::kPart>;
 
 template<class S>
 concept LooksBack = requires(S& stage, const InputOf<S>& in)
@@ -86,6 +97,15 @@ concept LooksAhead = requires(S& stage, const InputOf<S>& in, __m128i next)
         } -> std::same_as<OutputOf<S>>;
 };
 
+/// Looks ahead, and has copies for rows of one width.
+template<class S>
+concept EndsAtLines = LooksAhead<S> && requires(S& stage, const InputOf<S>& in)
+{
+    {
+        stage.template lastStepOf<1>(in)
+        } -> std::same_as<OutputOf<S>>;
+};
+
 template<class S>
 concept Plain = requires(S& stage, const InputOf<S>& in)
 {
@@ -104,7 +124,8 @@ concept Plain = requires(S& stage, const InputOf<S>& in)
 
 /// A stage is of exactly one kind, and no stage changes the count of pixels.
 template<class S>
-concept Stage = std::derived_from<S, Kernel<S::kIn, S::kOut>> && S::kIn == S::kOut &&
+concept Stage = std::derived_from<S, Kernel<S::kIn, S::kOut>> && S::kIn ==
+                    S::kOut&& S::kIn % S::kPart == 0 &&
                 (Plain<S> || LooksBack<S> || LooksAhead<S>);
 
 } // namespace KSX::PixelConversion

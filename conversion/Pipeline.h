@@ -19,21 +19,27 @@ template<class... STAGES>
 struct StageList {
 };
 
-/// A chain of stages that works on blocks of `BLOCK` pixels. `MERGE` lets composition put merged
-/// forms in the place of stages (see `MergedForm`); tests switch it off to compare the two.
-template<unsigned BLOCK, class LIST, bool MERGE = true>
+/// A chain of stages that works on blocks of `BLOCK` pixels. `LINE` is the width of the rows if the
+/// chain is made for one, else 0. `MERGE` lets composition put merged forms in the place of stages
+/// (see `MergedForm`); tests switch it off to compare the two.
+template<unsigned BLOCK, class LIST, unsigned LINE = 0, bool MERGE = true>
 struct Pipeline;
 
-template<unsigned BLOCK, class... STAGES, bool MERGE>
-struct Pipeline<BLOCK, StageList<STAGES...>, MERGE> {
+template<unsigned BLOCK, class... STAGES, unsigned LINE, bool MERGE>
+struct Pipeline<BLOCK, StageList<STAGES...>, LINE, MERGE> {
     static_assert((Stage<STAGES> && ...), "every member of a pipeline is a stage");
     static_assert(((BLOCK % STAGES::kIn == 0) && ...), "a block is a whole number of steps");
 
     using Stages = StageList<STAGES...>;
     static constexpr unsigned kBlock = BLOCK;
-    static constexpr bool kMerge = MERGE;
+    static constexpr unsigned kLine = LINE;
     static constexpr bool kLooksBack = (LooksBack<STAGES> || ...);
     static constexpr bool kLooksAhead = (LooksAhead<STAGES> || ...);
+    static constexpr bool kEndsAtLines = (EndsAtLines<STAGES> || ...);
+
+    /// The same chain for rows of `WIDTH` pixels.
+    template<unsigned WIDTH>
+    using AtLine = Pipeline<BLOCK, Stages, WIDTH, MERGE>;
 };
 
 /// Applies `KERNEL` to `N` consecutive groups of pixels, in pixel order. It is one object, so that
@@ -42,14 +48,18 @@ struct Pipeline<BLOCK, StageList<STAGES...>, MERGE> {
 template<unsigned N, Stage KERNEL>
 class Nx : public KERNEL {
 public:
-    /// Runs group number `GROUP` of a block of `N`. `FIRST` and `LAST` say that the block is the
-    /// first or last of its row; `src` points at the group where a stage that looks ahead finds the
-    /// bytes behind it.
-    template<unsigned GROUP, bool FIRST, bool LAST>
+    /// Runs group number `GROUP` of a block of `N`. `FIRST` says that the block is the first of its
+    /// row. `END` is 0 but in the last one, of which it counts the pixels that belong to the row,
+    /// or all if their count is not known. `src` points at the group where a stage that looks ahead
+    /// finds the bytes behind it.
+    template<unsigned GROUP, bool FIRST, unsigned END>
     KSX_INLINE OutputOf<KERNEL> group(const InputOf<KERNEL>& in, const std::byte* src)
     {
+        constexpr unsigned kBegin = GROUP * KERNEL::kPart;
         if constexpr (LooksAhead<KERNEL>) {
-            if constexpr (LAST && GROUP == N - 1)
+            if constexpr (END > kBegin && END < kBegin + KERNEL::kPart)
+                return this->template lastStepOf<END - kBegin>(in);
+            else if constexpr (END != 0 && END <= kBegin + KERNEL::kPart)
                 return this->lastStep(in);
             else
                 return this->step(in, _mm_loadu_si128(reinterpret_cast<const __m128i*>(
@@ -69,9 +79,18 @@ struct Flatten {
     using type = Pipeline<MEMBER::kIn, StageList<MEMBER>>;
 };
 
-template<unsigned BLOCK, class LIST, bool MERGE>
-struct Flatten<Pipeline<BLOCK, LIST, MERGE>> {
-    using type = Pipeline<BLOCK, LIST, MERGE>;
+template<class MEMBER>
+requires requires
+{
+    typename MEMBER::AnyLine;
+}
+struct Flatten<MEMBER> {
+    using type = Pipeline<MEMBER::kIn, StageList<typename MEMBER::AnyLine>, MEMBER::kLine>;
+};
+
+template<unsigned BLOCK, class LIST, unsigned LINE, bool MERGE>
+struct Flatten<Pipeline<BLOCK, LIST, LINE, MERGE>> {
+    using type = Pipeline<BLOCK, LIST, LINE, MERGE>;
 };
 
 template<unsigned N, class KERNEL>
@@ -112,7 +131,8 @@ using AsPipeline = typename details::Flatten<MEMBER>::type;
 template<class... MEMBERS>
 using BindAll =
     Pipeline<details::lcm(AsPipeline<MEMBERS>::kBlock...),
-             typename details::Concatenate<typename AsPipeline<MEMBERS>::Stages...>::type>;
+             typename details::Concatenate<typename AsPipeline<MEMBERS>::Stages...>::type,
+             (AsPipeline<MEMBERS>::kLine | ...)>;
 
 template<class A, class B>
 using BIND = BindAll<A, B>;
@@ -129,28 +149,60 @@ using BIND7 = BindAll<A, B, C, D, E, F, G>;
 
 /// The same chain with every stage run as it is listed.
 template<class PIPELINE>
-using AsListed =
-    Pipeline<AsPipeline<PIPELINE>::kBlock, typename AsPipeline<PIPELINE>::Stages, false>;
+using AsListed = Pipeline<AsPipeline<PIPELINE>::kBlock, typename AsPipeline<PIPELINE>::Stages,
+                          AsPipeline<PIPELINE>::kLine, false>;
 
 // --- Merged forms --------------------------------------------------------------------------------
 
-/// A faster stage in the place of adjoining stages, or of a single one on fuller lanes.
+/// Faster stages in the place of adjoining ones.
 ///
-/// A specialisation for a run of stages names, as `type`, one stage that gives the same bits as the
-/// run for every input that the stages before it can make, and of the same kind. Composition takes
-/// the longest run that has such a form whose step divides the block; the list that an entry gives,
-/// its block and the rules for the ends of a row stay those of the stages as listed. A form stands
-/// beside the stages that it merges, and a test compares it with them.
+/// A specialisation for a run of stages names, as `type`, a list that gives the same bits as the
+/// run for every input that the stages before it can make, and that looks back or ahead as the run
+/// does. Composition takes the longest run that has such a form whose steps divide the block, and
+/// goes on until no run has one; the list that an entry gives, its block and the rules for the ends
+/// of a row stay those of the stages as listed. A form stands beside the stages that it merges, and
+/// a test compares it with them.
 template<class... STAGES>
 struct MergedForm {
 };
 
+/// A stage's twin: the same arithmetic on planes with 8 lanes of 16 bits, where the stage has
+/// representations with emptier or repeated lanes.
+template<class STAGE>
+struct Twin {
+};
+
 namespace details {
 
-template<class T>
-struct TypeTag {
-    using type = T;
+template<class STAGE>
+concept HasTwin = requires
+{
+    typename Twin<STAGE>::type;
 };
+
+template<class... RUN>
+consteval bool canRunAsTwins()
+{
+    if constexpr (sizeof...(RUN) >= 2 && (HasTwin<RUN> && ...)) {
+        using First = std::tuple_element_t<0, std::tuple<RUN...>>;
+        using Last = std::tuple_element_t<sizeof...(RUN) - 1, std::tuple<RUN...>>;
+        return std::same_as<typename First::Input, typename Twin<First>::type::Input> &&
+               std::same_as<typename Last::Output, typename Twin<Last>::type::Output>;
+    } else {
+        return false;
+    }
+}
+
+} // namespace details
+
+/// Stages that all have twins, from one that reads another representation to one that gives
+/// another, run as their twins.
+template<class... RUN>
+requires(details::canRunAsTwins<RUN...>()) struct MergedForm<RUN...> {
+    using type = StageList<typename Twin<RUN>::type...>;
+};
+
+namespace details {
 
 /// The first `N` stages of a list, and those behind them.
 template<std::size_t N, class HEAD, class TAIL>
@@ -167,11 +219,17 @@ requires(N > 0) struct Split<N, StageList<HEAD...>, StageList<NEXT, TAIL...>>
     : Split<N - 1, StageList<HEAD..., NEXT>, StageList<TAIL...>> {
 };
 
+template<unsigned BLOCK, class... STAGES>
+consteval bool divides(StageList<STAGES...>)
+{
+    return ((BLOCK % STAGES::kIn == 0) && ...);
+}
+
 template<unsigned BLOCK, class... RUN>
 consteval bool hasMergedForm(StageList<RUN...>)
 {
     if constexpr (requires { typename MergedForm<RUN...>::type; })
-        return BLOCK % MergedForm<RUN...>::type::kIn == 0;
+        return divides<BLOCK>(typename MergedForm<RUN...>::type{});
     else
         return false;
 }
@@ -181,38 +239,48 @@ auto mergedForm(StageList<RUN...>) -> typename MergedForm<RUN...>::type;
 
 /// Moves stages from `TODO` to `DONE`, trying runs of `RUN` stages and fewer.
 template<unsigned BLOCK, std::size_t RUN, class... DONE, class... TODO>
-consteval auto mergeStages(StageList<DONE...> done, StageList<TODO...> todo)
+consteval auto mergeOnce(StageList<DONE...> done, StageList<TODO...> todo)
 {
     if constexpr (sizeof...(TODO) == 0) {
         return done;
     } else if constexpr (RUN == 0) {
         using Rest = Split<1, StageList<>, StageList<TODO...>>;
         using Grown = typename Concatenate<StageList<DONE...>, typename Rest::Head>::type;
-        return mergeStages<BLOCK, sizeof...(TODO) - 1>(Grown{}, typename Rest::Tail{});
+        return mergeOnce<BLOCK, sizeof...(TODO) - 1>(Grown{}, typename Rest::Tail{});
     } else {
         using Rest = Split<RUN, StageList<>, StageList<TODO...>>;
         if constexpr (hasMergedForm<BLOCK>(typename Rest::Head{})) {
             using Form = decltype(mergedForm(typename Rest::Head{}));
-            return mergeStages<BLOCK, sizeof...(TODO) - RUN>(StageList<DONE..., Form>{},
-                                                             typename Rest::Tail{});
+            using Grown = typename Concatenate<StageList<DONE...>, Form>::type;
+            return mergeOnce<BLOCK, sizeof...(TODO) - RUN>(Grown{}, typename Rest::Tail{});
         } else {
-            return mergeStages<BLOCK, RUN - 1>(done, todo);
+            return mergeOnce<BLOCK, RUN - 1>(done, todo);
         }
     }
 }
 
-template<class PIPELINE>
+template<unsigned BLOCK, class... STAGES>
+consteval auto mergeStages(StageList<STAGES...> stages)
+{
+    using Once = decltype(mergeOnce<BLOCK, sizeof...(STAGES)>(StageList<>{}, stages));
+    if constexpr (std::same_as<Once, StageList<STAGES...>>)
+        return stages;
+    else
+        return mergeStages<BLOCK>(Once{});
+}
+
+/// The stages that run in blocks of `BLOCK` pixels.
+template<class PIPELINE, unsigned BLOCK>
 struct Merged;
 
-template<unsigned BLOCK, class... STAGES>
-struct Merged<Pipeline<BLOCK, StageList<STAGES...>, false>> {
-    using type = StageList<STAGES...>;
+template<unsigned LISTED, class LIST, unsigned LINE, unsigned BLOCK>
+struct Merged<Pipeline<LISTED, LIST, LINE, false>, BLOCK> {
+    using type = LIST;
 };
 
-template<unsigned BLOCK, class... STAGES>
-struct Merged<Pipeline<BLOCK, StageList<STAGES...>, true>> {
-    using type =
-        decltype(mergeStages<BLOCK, sizeof...(STAGES)>(StageList<>{}, StageList<STAGES...>{}));
+template<unsigned LISTED, class LIST, unsigned LINE, unsigned BLOCK>
+struct Merged<Pipeline<LISTED, LIST, LINE, true>, BLOCK> {
+    using type = decltype(mergeStages<BLOCK>(LIST{}));
 };
 
 } // namespace details
@@ -252,20 +320,21 @@ public:
     using Output = typename StageAt<kCount - 1>::Output;
     static constexpr unsigned kInBytes = Pixels<Input, BLOCK>::kBytes;
     static constexpr unsigned kOutBytes = Pixels<Output, BLOCK>::kBytes;
+    static constexpr bool kLooksBack = (LooksBack<STAGES> || ...);
 
     void setUserContext(const void* context)
     {
         std::apply([&](auto&... stage) { (stage.setUserContext(context), ...); }, m_stages);
     }
 
-    /// Reads a block at `src`, runs it through all stages and stores it at `dst`. `FIRST` and
-    /// `LAST` tell the stages that look back or ahead that the block begins or ends its row.
-    template<bool FIRST, bool LAST>
+    /// Reads a block at `src`, runs it through all stages and stores it at `dst`. `FIRST` and `END`
+    /// tell the stages that look back or ahead that the block begins or ends its row, as in `Nx`.
+    template<bool FIRST, unsigned END>
     KSX_INLINE void block(const std::byte* src, std::byte* dst)
     {
         Between between;
-        unrolled<0, BLOCK / StageAt<kCount - 1>::kIn>([&]<unsigned GROUP>() KSX_INLINE_LAMBDA {
-            run<kCount - 1, GROUP, FIRST, LAST>(src, dst, between);
+        unrolled<0, BLOCK / StageAt<kCount - 1>::kPart>([&]<unsigned GROUP>() KSX_INLINE_LAMBDA {
+            run<kCount - 1, GROUP, FIRST, END>(src, dst, between);
         });
     }
 
@@ -279,7 +348,7 @@ private:
         return (pixels + step - 1) / step;
     }
 
-    template<unsigned I, unsigned GROUP, bool FIRST, bool LAST>
+    template<unsigned I, unsigned GROUP, bool FIRST, unsigned END>
     KSX_INLINE void run(const std::byte* src, std::byte* dst, Between& between)
     {
         using S = StageAt<I>;
@@ -290,33 +359,55 @@ private:
         In in;
         if constexpr (I == 0) {
             unrolled<0, In::kVectors>([&]<unsigned V>() KSX_INLINE_LAMBDA {
-                in[V] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(groupSrc) + V);
+                in[V] = _mm_loadu_si128(
+                    reinterpret_cast<const __m128i*>(groupSrc + In::template offset<V>()));
             });
         } else {
-            constexpr unsigned kStep = StageAt<I - 1>::kIn;
-            unrolled<groupsFor(GROUP * S::kIn, kStep), groupsFor((GROUP + 1) * S::kIn, kStep)>(
+            constexpr unsigned kStep = StageAt<I - 1>::kPart;
+            unrolled<groupsFor(GROUP * S::kPart, kStep), groupsFor((GROUP + 1) * S::kPart, kStep)>(
                 [&]<unsigned BEFORE>()
-                    KSX_INLINE_LAMBDA { run<I - 1, BEFORE, FIRST, LAST>(src, dst, between); });
+                    KSX_INLINE_LAMBDA { run<I - 1, BEFORE, FIRST, END>(src, dst, between); });
             unrolled<0, In::kVectors>([&]<unsigned V>() KSX_INLINE_LAMBDA {
                 in[V] = std::get<I - 1>(between)[GROUP * In::kVectors + V];
             });
         }
 
-        const Out out = std::get<I>(m_stages).template group<GROUP, FIRST, LAST>(in, groupSrc);
+        const Out out = std::get<I>(m_stages).template group<GROUP, FIRST, END>(in, groupSrc);
 
         unrolled<0, Out::kVectors>([&]<unsigned V>() KSX_INLINE_LAMBDA {
             if constexpr (I == kCount - 1)
-                _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + GROUP * Out::kBytes) + V, out[V]);
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + GROUP * Out::kBytes +
+                                                            Out::template offset<V>()),
+                                 out[V]);
             else
                 std::get<I>(between)[GROUP * Out::kVectors + V] = out[V];
         });
     }
 
-    std::tuple<Nx<BLOCK / STAGES::kIn, STAGES>...> m_stages;
+    std::tuple<Nx<BLOCK / STAGES::kPart, STAGES>...> m_stages;
 };
 
-/// The stage objects that run `PIPELINE`, merged forms in place.
-template<class PIPELINE>
-using CompositionOf = Composition<PIPELINE::kBlock, typename details::Merged<PIPELINE>::type>;
+/// The stage objects that run `PIPELINE` in blocks of `BLOCK` pixels, merged forms in place.
+template<class PIPELINE, unsigned BLOCK = PIPELINE::kBlock>
+using CompositionOf = Composition<BLOCK, typename details::Merged<PIPELINE, BLOCK>::type>;
+
+/// The block in which the inside of a row runs. To stages that look at nothing but their own pixels
+/// it is all one, so short blocks are joined, for the loop costs as much as a few of their
+/// instructions. Those that look ahead run wider where more of them can then run as twins. Those
+/// that look back carry pixels from block to block, and keep to the one.
+template<class P>
+constexpr unsigned wideBlock()
+{
+    if constexpr (P::kLooksBack) {
+        return P::kBlock;
+    } else if constexpr (P::kLooksAhead) {
+        constexpr unsigned kWide = std::lcm(P::kBlock, 8u);
+        constexpr bool kSame = std::same_as<typename details::Merged<P, kWide>::type,
+                                            typename details::Merged<P, P::kBlock>::type>;
+        return kSame ? P::kBlock : kWide;
+    } else {
+        return P::kBlock < 16 ? std::lcm(P::kBlock, 16u) : P::kBlock;
+    }
+}
 
 } // namespace KSX::PixelConversion

@@ -37,6 +37,9 @@ struct RGBv4 : Representation<12, 1> {};
 /// Three vectors R, G, B, a pixel a lane of 16 bits. 8 pixels.
 struct RGBv8 : Representation<6, 1> {};
 
+/// Three vectors Y, Cb, Cr, a pixel a lane of 16 bits. 8 pixels.
+struct YUVv8 : Representation<6, 1> {};
+
 /// 4:2:2. Cb, Y, Cr, Y of a pixel pair in 16 bits each, then of the next pair. 4 pixels a vector.
 struct UYVYv8 : Representation<4, 1> {};
 
@@ -51,13 +54,21 @@ struct UYVYAv8 : Representation<8, 1> {};
 /// `UYVY444v8` of 4 pixels, then a vector with the alpha of each in a lane of 32 bits.
 struct UYVY444Av8 : Representation<12, 1> {};
 
-/// The vectors of `PIXELS` pixels, passed from stage to stage by value.
+/// The vectors of `PIXELS` pixels, passed from stage to stage by value. Where the bytes in memory
+/// are no whole number of vectors, the last one lies over the one before and ends where they end.
 template<class REPRESENTATION, unsigned PIXELS>
 struct Pixels {
     static_assert(PIXELS % REPRESENTATION::kPixels == 0, "a group of pixels is split");
     static constexpr unsigned kBytes = PIXELS / REPRESENTATION::kPixels * REPRESENTATION::kBytes;
-    static_assert(kBytes % sizeof(__m128i) == 0, "a vector is not filled");
-    static constexpr unsigned kVectors = kBytes / sizeof(__m128i);
+    static_assert(kBytes >= sizeof(__m128i), "a vector is not filled");
+    static constexpr unsigned kVectors = (kBytes + sizeof(__m128i) - 1) / sizeof(__m128i);
+
+    /// Where vector `V` begins in memory.
+    template<unsigned V>
+    static constexpr unsigned offset()
+    {
+        return V * 16 + 16 <= kBytes ? V * 16 : kBytes - 16;
+    }
 
     __m128i v[kVectors];
 

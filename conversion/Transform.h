@@ -45,6 +45,29 @@ private:
     }
 };
 
+/// Runs `count` blocks that follow each other, at least one; `FIRST` and `END` are as in
+/// `Composition`. `PREFETCH` counts blocks.
+///
+/// A function of its own, so that both walkers of a pipeline, their tails and its copies for lines
+/// of one width share one loop. It works on a copy of the stages: what has no name outside stays in
+/// registers.
+template<bool FIRST, unsigned END, unsigned PREFETCH, class COMPOSITION>
+[[gnu::noinline]] void runBlocks(COMPOSITION& stages, const std::byte* src, std::byte* dst,
+                                 unsigned count)
+{
+    COMPOSITION copy = stages;
+    do {
+        // Issued past the end of the row as well: a hint cannot fault.
+        _mm_prefetch(reinterpret_cast<const char*>(src + PREFETCH * COMPOSITION::kInBytes),
+                     _MM_HINT_NTA);
+        copy.template block<FIRST, END>(src, dst);
+        src += COMPOSITION::kInBytes;
+        dst += COMPOSITION::kOutBytes;
+    } while (--count != 0);
+    if constexpr (COMPOSITION::kLooksBack)
+        stages = copy;
+}
+
 /// Runs `PIPELINE` over a picture. `FLAGS` is one of `WalkerFlags`; `PREFETCH` counts blocks.
 ///
 /// Rows take one of four forms, by what the stages of the pipeline do:
@@ -64,6 +87,13 @@ class Transform {
     using P = AsPipeline<PIPELINE>;
     using Stages = CompositionOf<P>;
     static_assert(FLAGS == kWholeBlocks || FLAGS == kAnyWidth);
+    static_assert(P::kLine == 0 || FLAGS == kAnyWidth);
+
+    static constexpr unsigned kWideBlock = wideBlock<P>();
+    static constexpr unsigned kBlocksInWide = kWideBlock / P::kBlock;
+
+    /// Of the last block where a stage looks ahead.
+    static constexpr unsigned kEnd = P::kLine == 0 ? P::kBlock : (P::kLine - 1) % P::kBlock + 1;
 
 public:
     /// Source first, unlike a `ConversionFunction`. Row sizes are signed: a negative one walks
@@ -88,36 +118,39 @@ public:
     }
 
 private:
-    KSX_INLINE static void walkRow(Stages& stages, Tail<Stages>& tail, const std::byte* src,
-                                   std::byte* dst, unsigned blocks, bool partial)
+    static void walkRow(Stages& stages, Tail<Stages>& tail, const std::byte* src, std::byte* dst,
+                        unsigned blocks, bool partial)
     {
         // A row's last block has a form of its own where a stage looks ahead; otherwise only a
         // partial one has.
         unsigned steps = P::kLooksAhead && !partial ? blocks - 1 : blocks;
 
         if constexpr (P::kLooksBack) {
-            prefetch(src);
-            stages.template block<true, false>(src, dst);
+            runBlocks<true, 0, PREFETCH>(stages, src, dst, 1);
             src += Stages::kInBytes;
             dst += Stages::kOutBytes;
             --steps;
         }
-        for (; steps != 0; --steps) {
-            prefetch(src);
-            stages.template block<false, false>(src, dst);
-            src += Stages::kInBytes;
-            dst += Stages::kOutBytes;
+        if constexpr (kBlocksInWide > 1) {
+            if (const unsigned wideSteps = steps / kBlocksInWide; wideSteps != 0) {
+                CompositionOf<P, kWideBlock> wideStages;
+                runBlocks<false, 0, PREFETCH / kBlocksInWide>(wideStages, src, dst, wideSteps);
+                src += std::size_t{wideSteps} * wideStages.kInBytes;
+                dst += std::size_t{wideSteps} * wideStages.kOutBytes;
+                steps -= wideSteps * kBlocksInWide;
+            }
         }
-        if constexpr (FLAGS == kAnyWidth) {
-            if (partial)
-                return tailBlock(stages, tail, src, dst);
-        }
-        if constexpr (P::kLooksAhead)
-            stages.template block<false, true>(src, dst);
+        if (steps != 0)
+            runBlocks<false, 0, PREFETCH>(stages, src, dst, steps);
+        src += std::size_t{steps} * Stages::kInBytes;
+        dst += std::size_t{steps} * Stages::kOutBytes;
+        if (partial)
+            tailBlock(stages, tail, src, dst);
+        else if constexpr (P::kLooksAhead)
+            runBlocks<false, kEnd, PREFETCH>(stages, src, dst, 1);
     }
 
-    KSX_INLINE static void tailBlock(Stages& stages, Tail<Stages>& tail, const std::byte* src,
-                                     std::byte* dst)
+    static void tailBlock(Stages& stages, Tail<Stages>& tail, const std::byte* src, std::byte* dst)
     {
         const std::byte* in = src;
         if (tail.inBytes != 0) {
@@ -125,16 +158,9 @@ private:
             in = tail.in;
         }
         std::byte* const out = tail.outBytes != 0 ? tail.out : dst;
-        stages.template block<false, P::kLooksAhead>(in, out);
+        runBlocks<false, P::kLooksAhead ? kEnd : 0, PREFETCH>(stages, in, out, 1);
         if (tail.outBytes != 0)
             std::memcpy(dst, tail.out, tail.outBytes);
-    }
-
-    /// Issued past the end of the row as well: a hint cannot fault.
-    KSX_INLINE static void prefetch(const std::byte* src)
-    {
-        _mm_prefetch(reinterpret_cast<const char*>(src + PREFETCH * Stages::kInBytes),
-                     _MM_HINT_NTA);
     }
 };
 

@@ -3,6 +3,7 @@
 
 #include "api/KestrixPreviewAPI.h"
 #include "conversion/KSXPixelConversion.h"
+#include "preview/ScreenPreviewLutFill.h"
 
 #include <cstddef>
 #include <new>
@@ -89,8 +90,10 @@ std::unique_ptr<float[]> ScreenPreviewLut::Create(LutID id, LutFormat)
         return nullptr;
     std::unique_ptr<float[]> table(
         new (std::nothrow) float[std::size_t{kEntries} * kFloatsPerEntry]);
-    if (table)
+    if (table) {
         fillWithIdentity(table.get());
+        fillScreenPreviewLut(id, table.get());
+    }
     return table;
 }
 

@@ -10,6 +10,7 @@
 #pragma once
 
 #include "conversion/EachVector.h"
+#include "conversion/Pipeline.h"
 #include "conversion/VectorConstants.h"
 #include "conversion/colour/Flags.h"
 
@@ -52,6 +53,11 @@ class RGBv4_BITDEPTH : public EachVector<RGBv4, 4, details::BitDepth<SHIFT, WIDT
 /// `RGBv8`, 8 pixels a step. Plain.
 template<int SHIFT, int WIDTH>
 class RGBv8_BITDEPTH : public EachVector<RGBv8, 8, details::BitDepth<SHIFT, WIDTH, kBGRALanes>> {
+};
+
+template<int SHIFT, int WIDTH>
+struct Twin<RGBv4_BITDEPTH<SHIFT, WIDTH>> {
+    using type = RGBv8_BITDEPTH<SHIFT, WIDTH>;
 };
 
 /// All lanes of `BGRAv8`, alpha too; 2 pixels a step. Plain.

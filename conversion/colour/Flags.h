@@ -20,6 +20,8 @@ enum VectorTypeFlag {
     kRGBLanes = 0,  ///< V0: 32 bits, as in `RGBv4`
     kBGRALanes = 1, ///< V1: 16 bits, as in `BGRAv8`
 };
+constexpr VectorTypeFlag V0 = kRGBLanes;
+constexpr VectorTypeFlag V1 = kBGRALanes;
 
 /// The form of a stage. There is one: vectors.
 enum SseFlag { kVectors = 1 };

@@ -81,10 +81,13 @@ private:
         m_oddPixels = oddPixels;
         const __m128i filtered = _mm_avg_epu16(evenPixels, _mm_avg_epu16(left, oddPixels));
 
+        constexpr __m128i yRow = coefficients(0);
+        constexpr __m128i cbRow = coefficients(1);
+        constexpr __m128i crRow = coefficients(2);
         const __m128i y =
-            _mm_hadd_epi32(_mm_madd_epi16(rgb[0], m_yRow), _mm_madd_epi16(rgb[1], m_yRow));
+            _mm_hadd_epi32(_mm_madd_epi16(rgb[0], yRow), _mm_madd_epi16(rgb[1], yRow));
         const __m128i cbcr =
-            _mm_hadd_epi32(_mm_madd_epi16(filtered, m_cbRow), _mm_madd_epi16(filtered, m_crRow));
+            _mm_hadd_epi32(_mm_madd_epi16(filtered, cbRow), _mm_madd_epi16(filtered, crRow));
         // Cb0 Cb2 Cr0 Cr2 to pairs.
         const __m128i chroma = _mm_shuffle_epi32(cbcr, _MM_SHUFFLE(3, 1, 2, 0));
         return {scaled(y, kYOffset), scaled(chroma, kChromaOffset)};
@@ -98,15 +101,12 @@ private:
     }
 
     /// A row of the matrix beneath the lanes B, G, R, A of two pixels; alpha weighs nothing.
-    static __m128i coefficients(int row)
+    static constexpr __m128i coefficients(int row)
     {
         const FixedRow c = fixedRGB2YUVRow(RANGE::RGB2YUVMatrix(), row);
-        return _mm_setr_epi16(c.at[2], c.at[1], c.at[0], 0, c.at[2], c.at[1], c.at[0], 0);
+        return v8i(c.at[2], c.at[1], c.at[0], 0, c.at[2], c.at[1], c.at[0], 0);
     }
 
-    __m128i m_yRow = coefficients(0);
-    __m128i m_cbRow = coefficients(1);
-    __m128i m_crRow = coefficients(2);
     /// p1 and p3 of the group before.
     __m128i m_oddPixels = v0;
 };

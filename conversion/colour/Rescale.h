@@ -13,8 +13,12 @@
 #pragma once
 
 #include "conversion/EachVector.h"
+#include "conversion/Pipeline.h"
 #include "conversion/VectorConstants.h"
 #include "conversion/colour/Flags.h"
+
+#include <bit>
+#include <tmmintrin.h>
 
 namespace KSX::PixelConversion {
 
@@ -97,6 +101,30 @@ private:
     }
 };
 
+namespace details {
+
+/// (v 2^n k + 32768) >> 16 in signed lanes, for the gain of video levels of `IN_BITS` to a full
+/// range of `OUT_BITS`.
+template<int IN_BITS, int OUT_BITS>
+KSX_INLINE __m128i scaleLevels(__m128i v)
+{
+    constexpr RescaleConstants k = rescaleConstants(IN_BITS, false, OUT_BITS, true);
+    constexpr unsigned kGain = unsigned{k.gain} << k.shift;
+    constexpr unsigned kWhole = kGain >> 16;
+    constexpr unsigned kPart = kGain & 0xffff;
+    if constexpr (kPart % 2 == 0) {
+        static_assert(kWhole == 1 || kWhole == 4);
+        const __m128i whole = kWhole == 1 ? v : _mm_slli_epi16(v, 2);
+        return _mm_add_epi16(whole, _mm_mulhrs_epi16(v, v8i(kPart / 2)));
+    } else {
+        static_assert(kWhole == 0 && kPart < 32768);
+        return _mm_add_epi16(_mm_mulhi_epi16(v, v8i(kPart)),
+                             _mm_srli_epi16(_mm_mullo_epi16(v, v8i(kPart)), 15));
+    }
+}
+
+} // namespace details
+
 /// Rescales `RGBv4`. 4 pixels a step. Plain.
 template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P>
 class RGBvX_RESCALE_T
@@ -104,15 +132,26 @@ class RGBvX_RESCALE_T
                         RGB_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P, kRGBLanes>> {
 };
 
-template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P>
-class RGBv4_RESCALE : public RGBvX_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P> {
-};
-
 /// Rescales `RGBv8`. 8 pixels a step. Plain.
 template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P>
 class RGBv8_RESCALE
     : public EachVector<RGBv8, 8,
                         RGB_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P, kBGRALanes>> {
+};
+
+template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P>
+class RGBv4_RESCALE : public RGBvX_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P> {
+public:
+    using TwinOnRGBv8 = RGBv8_RESCALE<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P>;
+};
+
+template<class STAGE>
+requires requires
+{
+    typename STAGE::TwinOnRGBv8;
+}
+struct Twin<STAGE> {
+    using type = typename STAGE::TwinOnRGBv8;
 };
 
 /// Rescales all lanes of `BGRAv8`, alpha like a colour. 2 pixels a step. Plain.
@@ -124,6 +163,52 @@ class BGRAv8_RESCALE_T
 
 template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P>
 class BGRAv8_RESCALE : public BGRAv8_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P> {
+};
+
+namespace details {
+
+/// The rescale of full-range codes of 8 bits as one rounding multiplication, where 2^n k is a power
+/// of two times a factor that fits:
+///
+///     (2^n k x + 32768) >> 16 = (2^s x m + 16384) >> 15          2^n k = 2^(s + 1) m
+template<int OUT_BITS, bool OUT_FULL>
+class RescaleBytes {
+    static constexpr RescaleConstants k = rescaleConstants(8, true, OUT_BITS, OUT_FULL);
+    static constexpr unsigned kGain = unsigned{k.gain} << k.shift;
+    static constexpr int s = std::countr_zero(kGain) - 1;
+    static constexpr unsigned m = kGain >> (s + 1);
+
+public:
+    static constexpr bool kFits = s >= 0 && m < 32768 && (255u << s) < 32768;
+
+protected:
+    KSX_INLINE static __m128i apply(__m128i x)
+    {
+        const __m128i y = _mm_mulhrs_epi16(_mm_slli_epi16(x, s), v8i(m));
+        return OUT_FULL ? y : _mm_add_epi16(y, v8i(k.outBlack));
+    }
+};
+
+template<int OUT_BITS, bool OUT_FULL>
+class BGRAv8_RESCALE_BYTES : public EachVector<BGRAv8, 2, RescaleBytes<OUT_BITS, OUT_FULL>> {
+};
+
+template<int OUT_BITS, bool OUT_FULL>
+class RGBv8_RESCALE_BYTES : public EachVector<RGBv8, 8, RescaleBytes<OUT_BITS, OUT_FULL>> {
+};
+
+} // namespace details
+
+/// From bytes, whatever their order.
+template<class UNPACK, int OUT_BITS, bool OUT_FULL>
+requires(UNPACK::kGivesBytes&& details::RescaleBytes<OUT_BITS, OUT_FULL>::kFits) struct MergedForm<
+    UNPACK, BGRAv8_RESCALE<8, true, OUT_BITS, OUT_FULL, P1>> {
+    using type = StageList<UNPACK, details::BGRAv8_RESCALE_BYTES<OUT_BITS, OUT_FULL>>;
+};
+template<class UNPACK, int OUT_BITS, bool OUT_FULL>
+requires(UNPACK::kGivesBytes&& details::RescaleBytes<OUT_BITS, OUT_FULL>::kFits) struct MergedForm<
+    UNPACK, RGBv8_RESCALE<8, true, OUT_BITS, OUT_FULL, P1>> {
+    using type = StageList<UNPACK, details::RGBv8_RESCALE_BYTES<OUT_BITS, OUT_FULL>>;
 };
 
 /// Rescales the colour lanes of `BGRAv8`; alpha passes. 2 pixels a step. Plain.

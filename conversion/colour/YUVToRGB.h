@@ -1,11 +1,12 @@
-/// 4:4:4 YUV to RGB by the matrix of a range family, and the mean that rebuilds chroma.
+/// 4:4:4 YUV to RGB by the matrix of a range family.
 #pragma once
 
-#include "conversion/Kernel.h"
+#include "conversion/Pipeline.h"
 #include "conversion/VectorConstants.h"
 #include "conversion/colour/ClampLanes.h"
 #include "conversion/colour/Flags.h"
 #include "conversion/colour/RangeMatrices.h"
+#include "conversion/colour/Rescale.h"
 
 #include <tmmintrin.h>
 
@@ -47,9 +48,12 @@ protected:
         constexpr __m128i offsets = v4i(std::uint32_t{kYOffset} << 16 | kChromaOffset);
         const __m128i first = _mm_sub_epi16(in[0], offsets);
         const __m128i second = _mm_sub_epi16(in[1], offsets);
-        return {{component<kFirstShift>(first, second, m_rRow),
-                 component<kFirstShift>(first, second, m_gRow),
-                 component<kFirstShift - 1>(first, second, m_bRow)}};
+        constexpr __m128i rRow = coefficients(0);
+        constexpr __m128i gRow = coefficients(1);
+        constexpr __m128i bRow = coefficients(2);
+        return {{component<kFirstShift>(first, second, rRow),
+                 component<kFirstShift>(first, second, gRow),
+                 component<kFirstShift - 1>(first, second, bRow)}};
     }
 
 private:
@@ -73,15 +77,11 @@ private:
     }
 
     /// A row of the matrix beneath the lanes of a pixel pair.
-    static __m128i coefficients(int row)
+    static constexpr __m128i coefficients(int row)
     {
         const FixedRow c = fixedYUV2RGBRow(RANGE::YUV2RGBMatrix(), row);
-        return _mm_setr_epi16(c.at[1], c.at[0], c.at[2], 0, c.at[1], 0, c.at[2], c.at[0]);
+        return v8i(c.at[1], c.at[0], c.at[2], 0, c.at[1], 0, c.at[2], c.at[0]);
     }
-
-    __m128i m_rRow = coefficients(0);
-    __m128i m_gRow = coefficients(1);
-    __m128i m_bRow = coefficients(2);
 };
 
 /// Converts UYVY444v8 to RGBv4. 4 pixels a step: 2 vectors in, 3 out. Plain.
@@ -96,6 +96,113 @@ public:
         return this->convert(in);
     }
 };
+
+// --- On planes -----------------------------------------------------------------------------------
+
+namespace details {
+
+/// The arithmetic above for `StudioRange` at P 1, on full lanes of 16 bits.
+///
+/// There the coefficient of Y is a gain of exactly 1, so that Y's part is a whole number at the
+/// scale of the first shift. It passes every rounding unchanged, and with it goes the difference
+/// between pixels e and o:
+///
+///     e = o = (Y << (14 - B') + chroma + t2) >> s2            B' = A, s2 = 14 - B
+///
+/// A part of chroma, (C c + t1) >> s1, is one rounding multiplication of C << (15 - s1) and c. All
+/// sums stay below 2^15.
+template<class RANGE, int A, int B>
+class YUV_TO_RGB_ON_PLANES {
+    static_assert(kIsStudioRange<RANGE>);
+    static constexpr int kShift = 14 - B;
+
+protected:
+    /// R, G and B less `below`, not limited.
+    template<int BELOW>
+    KSX_INLINE static Pixels<RGBv8, 8> convert(const Pixels<YUVv8, 8>& in)
+    {
+        constexpr FixedRow r = fixedYUV2RGBRow(RANGE::YUV2RGBMatrix(), 0);
+        constexpr FixedRow g = fixedYUV2RGBRow(RANGE::YUV2RGBMatrix(), 1);
+        constexpr FixedRow b = fixedYUV2RGBRow(RANGE::YUV2RGBMatrix(), 2);
+        static_assert(r.at[0] == 1 << 14 && g.at[0] == 1 << 14 && b.at[0] == 1 << 13);
+
+        constexpr int kRounding = 1 << (kShift - 1);
+        const __m128i y =
+            _mm_add_epi16(_mm_slli_epi16(in[0], 14 - A),
+                          v8i(static_cast<std::uint16_t>(kRounding - (BELOW << kShift))));
+        const __m128i middle = v8i(128 << 7); // of chroma, at 15 bits
+        const __m128i cb = _mm_sub_epi16(_mm_slli_epi16(in[1], 15 - A), middle);
+        const __m128i cr = _mm_sub_epi16(_mm_slli_epi16(in[2], 15 - A), middle);
+
+        const __m128i red = _mm_mulhrs_epi16(cr, v8i(static_cast<std::uint16_t>(r.at[2])));
+        const __m128i green =
+            _mm_add_epi16(_mm_mulhrs_epi16(cb, v8i(static_cast<std::uint16_t>(g.at[1]))),
+                          _mm_mulhrs_epi16(cr, v8i(static_cast<std::uint16_t>(g.at[2]))));
+        // Blue's row is at half the scale.
+        const __m128i blue =
+            _mm_mulhrs_epi16(_mm_add_epi16(cb, cb), v8i(static_cast<std::uint16_t>(b.at[1])));
+        return {{_mm_srai_epi16(_mm_add_epi16(y, red), kShift),
+                 _mm_srai_epi16(_mm_add_epi16(y, green), kShift),
+                 _mm_srai_epi16(_mm_add_epi16(y, blue), kShift)}};
+    }
+};
+
+} // namespace details
+
+/// Converts YUVv8 to RGBv8, studio range. 8 pixels a step: 3 vectors in, 3 out. Plain.
+template<class RANGE, int A, int B>
+class YUVv8_TO_RGBv8 : public Kernel<8, 8>, protected details::YUV_TO_RGB_ON_PLANES<RANGE, A, B> {
+public:
+    using Input = YUVv8;
+    using Output = RGBv8;
+
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
+    {
+        auto rgb = this->template convert<0>(in);
+        for (__m128i& lanes : rgb.v)
+            lanes = _mm_max_epi16(_mm_min_epi16(lanes, v8i(235 << (B - 8))), v8i(16 << (B - 8)));
+        return rgb;
+    }
+};
+
+template<class RANGE, int A, int B>
+requires(kIsStudioRange<RANGE>) struct Twin<UYVY444v8_TO_RGBv4<RANGE, A, B, P1>> {
+    using type = YUVv8_TO_RGBv8<RANGE, A, B>;
+};
+
+/// Converts YUVv8 of `A` bits to RGBv8 of `B` bits in full range, for a pack to `B` bits behind it:
+/// what lies beyond the levels of video comes out below 0 or above the largest code. 8 pixels a
+/// step. Plain.
+///
+///     v = code - black                     y = (v 2^n k + 32768) >> 16
+///
+/// with n and k of the rescale. Both limits that the rescale sets are left to the pack, since y
+/// does not fall while v rises. With 2^n k = q 65536 + 2 r, y is q v and a rounding multiplication
+/// by r.
+template<class RANGE, int A, int B>
+class YUVv8_TO_FULL_RGBv8 : public Kernel<8, 8>,
+                            protected details::YUV_TO_RGB_ON_PLANES<RANGE, A, A> {
+public:
+    using Input = YUVv8;
+    using Output = RGBv8;
+
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
+    {
+        auto rgb = this->template convert<16 << (A - 8)>(in);
+        for (__m128i& v : rgb.v)
+            v = details::scaleLevels<A, B>(v);
+        return rgb;
+    }
+};
+
+template<class RANGE, int A, int B, class PACK>
+requires(PACK::kLargestCode ==
+         (1 << B) - 1) struct MergedForm<YUVv8_TO_RGBv8<RANGE, A, A>,
+                                         RGBv8_RESCALE<A, false, B, true, P1>, PACK> {
+    using type = StageList<YUVv8_TO_FULL_RGBv8<RANGE, A, B>, PACK>;
+};
+
+// --- With alpha ----------------------------------------------------------------------------------
 
 /// Converts 10-bit 4:4:4 YUV with alpha to BGRAv8 of 8 bits. 4 pixels a step: 3 vectors in, 2 out.
 /// Plain.

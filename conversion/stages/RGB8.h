@@ -13,6 +13,7 @@
 /// and the packs from them write 255.
 #pragma once
 
+#include "conversion/ByteOrder.h"
 #include "conversion/Pipeline.h"
 #include "conversion/VectorConstants.h"
 
@@ -27,6 +28,7 @@ namespace KSX::PixelConversion {
 ///     out[i] = in[i]                                B, G, R, A, 0..255
 class UNPACK_BGRA_TO_BGRAv8 : public Kernel<4, 4> {
 public:
+    static constexpr bool kGivesBytes = true;
     using Input = Packed<4>;
     using Output = BGRAv8;
 
@@ -98,6 +100,7 @@ class UNPACK_BYTES_TO_RGBv4 : public Kernel<4, 4> {
 public:
     using Input = Packed<4>;
     using Output = RGBv4;
+    static constexpr bool kUnpacksBytesToRGBv4 = true;
     static constexpr int kBytes[3] = {R, G, B};
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
@@ -125,22 +128,41 @@ class UNPACK_BGRA_TO_RGBv4 : public details::UNPACK_BYTES_TO_RGBv4<2, 1, 0> {};
 /// Unpacks RGBA to RGBv4. 4 pixels a step: 16 bytes in, 3 vectors out. Drops alpha.
 class UNPACK_RGBA_TO_RGBv4 : public details::UNPACK_BYTES_TO_RGBv4<0, 1, 2> {};
 
-/// Unpacks BGRA to RGBv8. 8 pixels a step: 32 bytes in, 3 vectors out. Drops alpha.
-///
-/// Values are below 256, so the signed saturation of the narrowing never acts.
-class UNPACK_BGRA_TO_RGBv8 : public Kernel<8, 8> {
+namespace details {
+
+/// The same to RGBv8. Byte shuffles take R and G of 4 pixels at once, and B of 4 into either half.
+template<int R, int G, int B>
+class UNPACK_BYTES_TO_RGBv8 : public Kernel<8, 8> {
 public:
+    static constexpr bool kGivesBytes = true;
     using Input = Packed<4>;
     using Output = RGBv8;
 
     KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
     {
-        const UNPACK_BGRA_TO_RGBv4 unpack;
-        const auto first = unpack.step({{in[0]}});
-        const auto second = unpack.step({{in[1]}});
-        return {{_mm_packs_epi32(first[0], second[0]), _mm_packs_epi32(first[1], second[1]),
-                 _mm_packs_epi32(first[2], second[2])}};
+        const __m128i redGreen = _mm_setr_epi8(R, -1, R + 4, -1, R + 8, -1, R + 12, -1, //
+                                               G, -1, G + 4, -1, G + 8, -1, G + 12, -1);
+        const __m128i blueLow = _mm_setr_epi8(B, -1, B + 4, -1, B + 8, -1, B + 12, -1, //
+                                              -1, -1, -1, -1, -1, -1, -1, -1);
+        const __m128i blueHigh = _mm_setr_epi8(-1, -1, -1, -1, -1, -1, -1, -1, //
+                                               B, -1, B + 4, -1, B + 8, -1, B + 12, -1);
+        const __m128i first = _mm_shuffle_epi8(in[0], redGreen);
+        const __m128i second = _mm_shuffle_epi8(in[1], redGreen);
+        return {
+            {_mm_unpacklo_epi64(first, second), _mm_unpackhi_epi64(first, second),
+             _mm_or_si128(_mm_shuffle_epi8(in[0], blueLow), _mm_shuffle_epi8(in[1], blueHigh))}};
     }
+};
+
+} // namespace details
+
+/// Unpacks BGRA to RGBv8. 8 pixels a step: 32 bytes in, 3 vectors out. Drops alpha.
+class UNPACK_BGRA_TO_RGBv8 : public details::UNPACK_BYTES_TO_RGBv8<2, 1, 0> {};
+
+template<class UNPACK>
+requires(UNPACK::kUnpacksBytesToRGBv4) struct Twin<UNPACK> {
+    using type =
+        details::UNPACK_BYTES_TO_RGBv8<UNPACK::kBytes[0], UNPACK::kBytes[1], UNPACK::kBytes[2]>;
 };
 
 // --- Between representations ---------------------------------------------------------------------
@@ -177,12 +199,35 @@ public:
     }
 };
 
+/// Regroups RGBv8 to BGRAv8. 8 pixels a step: 3 vectors in, 4 out. The alpha lane is 65535.
+class RGBv8_TO_BGRAv8 : public Kernel<8, 8> {
+public:
+    using Input = RGBv8;
+    using Output = BGRAv8;
+
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
+    {
+        const __m128i bgLow = _mm_unpacklo_epi16(in[2], in[1]);
+        const __m128i bgHigh = _mm_unpackhi_epi16(in[2], in[1]);
+        const __m128i raLow = _mm_unpacklo_epi16(in[0], vAllSet);
+        const __m128i raHigh = _mm_unpackhi_epi16(in[0], vAllSet);
+        return {{_mm_unpacklo_epi32(bgLow, raLow), _mm_unpackhi_epi32(bgLow, raLow),
+                 _mm_unpacklo_epi32(bgHigh, raHigh), _mm_unpackhi_epi32(bgHigh, raHigh)}};
+    }
+};
+
+template<>
+struct Twin<RGBv4_TO_BGRAv8> {
+    using type = RGBv8_TO_BGRAv8;
+};
+
 // --- From BGRAv8 ---------------------------------------------------------------------------------
 
 /// Packs BGRAv8 to BGRA. 4 pixels a step: 2 vectors in, 16 bytes out. Lanes saturate as signed
 /// values: below 0 gives 0, above 255 gives 255.
 class PACK_BGRAv8_TO_BGRA : public Kernel<4, 4> {
 public:
+    static constexpr bool kSaturatesTo8Bits = true;
     using Input = BGRAv8;
     using Output = Packed<4>;
 
@@ -209,9 +254,7 @@ class PACK_BGRAv8_TO_ARGB : public PACK_BGRAv8_TO_BGRA {
 public:
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        const __m128i reversed =
-            _mm_setr_epi8(3, 2, 1, 0, 7, 6, 5, 4, 11, 10, 9, 8, 15, 14, 13, 12);
-        return {{_mm_shuffle_epi8(PACK_BGRAv8_TO_BGRA::step(in)[0], reversed)}};
+        return {{swapWords(PACK_BGRAv8_TO_BGRA::step(in)[0])}};
     }
 };
 
@@ -229,6 +272,7 @@ class PACK_RGBv4_TO_BYTES : public Kernel<4, 4> {
 public:
     using Input = RGBv4;
     using Output = Packed<4>;
+    static constexpr bool kPacksRGBv4ToBytes = true;
     static constexpr int kBytes[4] = {R, G, B, A};
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
@@ -264,24 +308,44 @@ class PACK_RGBv4_TO_ARGB : public details::PACK_RGBv4_TO_BYTES<1, 2, 3, 0> {};
 /// Packs RGBv4 to RGBA. 4 pixels a step: 3 vectors in, 16 bytes out.
 class PACK_RGBv4_TO_RGBA : public details::PACK_RGBv4_TO_BYTES<0, 1, 2, 3> {};
 
-/// Packs RGBv8 to BGRA, saturating, with an alpha of 255. 8 pixels a step: 3 vectors in, 32 bytes
-/// out.
-class PACK_RGBv8_TO_BGRA : public Kernel<8, 8> {
+namespace details {
+
+/// The same from RGBv8: narrowed first, two components a vector, then interleaved twice.
+template<int R, int G, int B, int A>
+class PACK_RGBv8_TO_BYTES : public Kernel<8, 8> {
 public:
+    static constexpr int kLargestCode = 255;
     using Input = RGBv8;
     using Output = Packed<4>;
 
     KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
     {
-        const __m128i bgLow = _mm_unpacklo_epi16(in[2], in[1]);
-        const __m128i bgHigh = _mm_unpackhi_epi16(in[2], in[1]);
-        const __m128i raLow = _mm_unpacklo_epi16(in[0], v8i_0xff);
-        const __m128i raHigh = _mm_unpackhi_epi16(in[0], v8i_0xff);
-        return {
-            {_mm_packus_epi16(_mm_unpacklo_epi32(bgLow, raLow), _mm_unpackhi_epi32(bgLow, raLow)),
-             _mm_packus_epi16(_mm_unpacklo_epi32(bgHigh, raHigh),
-                              _mm_unpackhi_epi32(bgHigh, raHigh))}};
+        const __m128i c02 = _mm_packus_epi16(lanes<0>(in), lanes<2>(in));
+        const __m128i c13 = _mm_packus_epi16(lanes<1>(in), lanes<3>(in));
+        const __m128i c01 = _mm_unpacklo_epi8(c02, c13);
+        const __m128i c23 = _mm_unpackhi_epi8(c02, c13);
+        return {{_mm_unpacklo_epi16(c01, c23), _mm_unpackhi_epi16(c01, c23)}};
     }
+
+private:
+    /// The component that lies at `BYTE` of a pixel.
+    template<int BYTE>
+    KSX_INLINE static __m128i lanes(const Pixels<Input, 8>& in)
+    {
+        return BYTE == R ? in[0] : BYTE == G ? in[1] : BYTE == B ? in[2] : v8i_0xff;
+    }
+};
+
+} // namespace details
+
+/// Packs RGBv8 to BGRA, saturating, with an alpha of 255. 8 pixels a step: 3 vectors in, 32 bytes
+/// out.
+class PACK_RGBv8_TO_BGRA : public details::PACK_RGBv8_TO_BYTES<2, 1, 0, 3> {};
+
+template<class PACK>
+requires(PACK::kPacksRGBv4ToBytes) struct Twin<PACK> {
+    using type = details::PACK_RGBv8_TO_BYTES<PACK::kBytes[0], PACK::kBytes[1], PACK::kBytes[2],
+                                              PACK::kBytes[3]>;
 };
 
 // --- Bytes to bytes ------------------------------------------------------------------------------
@@ -347,38 +411,16 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        const __m128i reversed =
-            _mm_setr_epi8(3, 2, 1, 0, 7, 6, 5, 4, 11, 10, 9, 8, 15, 14, 13, 12);
-        return {{_mm_shuffle_epi8(in[0], reversed)}};
+        return {{swapWords(in[0])}};
     }
 };
 
 // --- Merged forms --------------------------------------------------------------------------------
 
-namespace details {
-
-template<int R, int G, int B>
-std::true_type unpacksBytes(const UNPACK_BYTES_TO_RGBv4<R, G, B>&);
-template<int R, int G, int B, int A>
-std::true_type packsBytes(const PACK_RGBv4_TO_BYTES<R, G, B, A>&);
-
-template<class S>
-concept UnpacksBytesToRGBv4 = requires(const S& s)
-{
-    unpacksBytes(s);
-};
-template<class S>
-concept PacksRGBv4ToBytes = requires(const S& s)
-{
-    packsBytes(s);
-};
-
-} // namespace details
-
 /// From one order of bytes straight to another, with an alpha of 255. A byte can't saturate, so one
 /// byte shuffle and an OR stand for the cut and the join. 4 pixels a step: 16 bytes in, 16 bytes
 /// out.
-template<details::UnpacksBytesToRGBv4 UNPACK, details::PacksRGBv4ToBytes PACK>
+template<class UNPACK, class PACK>
 class REORDER_OPAQUE_BYTES : public Kernel<4, 4> {
 public:
     using Input = Packed<4>;
@@ -423,9 +465,9 @@ private:
     alignas(16) static constexpr Bytes kOpaque = opaque();
 };
 
-template<details::UnpacksBytesToRGBv4 UNPACK, details::PacksRGBv4ToBytes PACK>
-struct MergedForm<UNPACK, PACK> {
-    using type = REORDER_OPAQUE_BYTES<UNPACK, PACK>;
+template<class UNPACK, class PACK>
+requires(UNPACK::kUnpacksBytesToRGBv4&& PACK::kPacksRGBv4ToBytes) struct MergedForm<UNPACK, PACK> {
+    using type = StageList<REORDER_OPAQUE_BYTES<UNPACK, PACK>>;
 };
 
 } // namespace KSX::PixelConversion

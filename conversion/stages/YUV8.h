@@ -8,7 +8,7 @@
 /// ends with a whole pair when written.
 #pragma once
 
-#include "conversion/Kernel.h"
+#include "conversion/Pipeline.h"
 #include "conversion/VectorConstants.h"
 #include "conversion/colour/Flags.h"
 
@@ -126,6 +126,40 @@ private:
     }
 };
 
+/// The same to planes, YUVv8. 8 pixels a step: 16 bytes in, 3 vectors out. Looks ahead.
+template<int CHROMA_BYTE>
+class UNPACK_422_TO_YUVv8 : public Kernel<8, 8> {
+public:
+    using Input = Packed<2>;
+    using Output = YUVv8;
+
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in, __m128i next) const
+    {
+        return unpack(in[0], _mm_alignr_epi8(next, in[0], 4));
+    }
+
+    KSX_INLINE Pixels<Output, 8> lastStep(const Pixels<Input, 8>& in) const
+    {
+        return unpack(in[0], _mm_shuffle_epi32(in[0], _MM_SHUFFLE(3, 3, 2, 1)));
+    }
+
+private:
+    /// Means of all bytes, of which those of chroma count. Beside the stored ones they make the
+    /// chroma of a pixel pair: Cb even, Cb odd, Cr even, Cr odd.
+    KSX_INLINE static Pixels<Output, 8> unpack(__m128i v, __m128i successors)
+    {
+        const __m128i mean = _mm_avg_epu8(v, successors);
+        const __m128i chroma =
+            CHROMA_BYTE == 0 ? _mm_or_si128(_mm_and_si128(v, v8i_0xff), _mm_slli_epi16(mean, 8))
+                             : _mm_or_si128(_mm_srli_epi16(v, 8), _mm_andnot_si128(v8i_0xff, mean));
+        const __m128i luma = CHROMA_BYTE == 0 ? _mm_srli_epi16(v, 8) : _mm_and_si128(v, v8i_0xff);
+        const __m128i cb = _mm_setr_epi8(0, -1, 1, -1, 4, -1, 5, -1, 8, -1, 9, -1, 12, -1, 13, -1);
+        const __m128i cr =
+            _mm_setr_epi8(2, -1, 3, -1, 6, -1, 7, -1, 10, -1, 11, -1, 14, -1, 15, -1);
+        return {{luma, _mm_shuffle_epi8(chroma, cb), _mm_shuffle_epi8(chroma, cr)}};
+    }
+};
+
 } // namespace details
 
 template<SseFlag>
@@ -134,6 +168,15 @@ class UNPACK_UYVY_TO_UYVY444v8_T : public details::UNPACK_422_TO_UYVY444v8<0> {
 
 template<SseFlag>
 class UNPACK_YUY2_TO_UYVY444v8_T : public details::UNPACK_422_TO_UYVY444v8<1> {
+};
+
+template<SseFlag S>
+struct Twin<UNPACK_UYVY_TO_UYVY444v8_T<S>> {
+    using type = details::UNPACK_422_TO_YUVv8<0>;
+};
+template<SseFlag S>
+struct Twin<UNPACK_YUY2_TO_UYVY444v8_T<S>> {
+    using type = details::UNPACK_422_TO_YUVv8<1>;
 };
 
 } // namespace KSX::PixelConversion

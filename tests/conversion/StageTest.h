@@ -125,8 +125,9 @@ void expectMergedLikeListed(std::uint64_t seed, const std::vector<LANE>& boundar
     using namespace KSX::PixelConversion;
     using P = AsPipeline<PIPELINE>;
     using Stages = CompositionOf<P>;
-    static_assert(!std::same_as<typename details::Merged<P>::type, typename P::Stages>,
-                  "no form takes the place of any of these stages");
+    static_assert(
+        !std::same_as<typename details::Merged<P, wideBlock<P>()>::type, typename P::Stages>,
+        "no form takes the place of any of these stages");
 
     constexpr std::size_t kLanes = Stages::kInBytes / sizeof(LANE);
     const auto in = stageInput(kLanes, boundaries, maximum, seed);

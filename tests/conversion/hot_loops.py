@@ -1,13 +1,15 @@
 #!/usr/bin/env python3
 """Checks that every conversion runs in straight loops.
 
-Disassembles the objects given (archives as well), finds the loops over the blocks of a row in each
-entry and each row walker, and fails where one holds a call, a branch besides its own, or accesses
-to the stack, which is what a spilled vector is. A block of pixels is told by its prefetch: what is
-looked at are the innermost loops with one. An entry has two walkers, and so at least two of them.
+Disassembles the objects given (archives as well), finds the loop of each pipeline over the blocks
+of a row, and fails where there is none, or where it holds a call, a branch besides its own, or
+stores to the stack, which is what a spilled vector is. Loads alone are constants that the compiler
+has moved there; they cost what they would elsewhere. A block of pixels is told by its prefetch: what
+is looked at are the innermost loops with one.
 
 Where a block of 16 pixels or more ends in bytes that span its vectors, there are moments with more
-than 16 vectors alive; one in a hundred instructions may go to the stack.
+than 16 vectors alive; one in forty instructions may go to the stack. Stages that change the
+gamut may use it more: g++ puts constants of their curves there anew in each round.
 """
 
 import argparse
@@ -15,10 +17,9 @@ import re
 import subprocess
 import sys
 
-ENTRY = re.compile(r"KSX::PixelConversion::Convert_\w+\(")
-WALKER = re.compile(r"Transform<|KSX::PixelConversion::swapPackedRGB\(")
-SPILLS_ALLOWED = 0.01
-EXEMPT = re.compile(r"_Scalar\(")
+LOOP = re.compile(r"^void KSX::PixelConversion::runBlocks<false, 0u, \d+u, (.*?)>\(")
+SPILLS_ALLOWED = 0.025
+SPILLS_ALLOWED_WITH_CURVES = 0.04
 
 HEADER = re.compile(r"^[0-9a-f]+ <(.*)>:$")
 INSTRUCTION = re.compile(r"^\s*([0-9a-f]+):\t(\S+)\s*(.*?)\s*(?:#.*)?$")
@@ -136,7 +137,7 @@ def hot_loops(body):
             yield [blocks[number] for number in sorted(loop)]
 
 
-def faults_of(loop, stack):
+def faults_of(loop, stack, spills_allowed):
     instructions = [i for block in loop for i in block]
     jumps, spills = 0, []
     for instruction in instructions:
@@ -145,7 +146,7 @@ def faults_of(loop, stack):
             yield f"calls {instruction.callee() or instruction.operands}"
         elif stack.search(instruction.operands):
             spills.append(f"{instruction.name} {instruction.operands}")
-    if len(spills) > len(instructions) * SPILLS_ALLOWED:
+    if len(spills) > len(instructions) * spills_allowed:
         yield f"uses the stack: {'; '.join(spills)}"
     if jumps != 1:
         yield f"branches {jumps} times"
@@ -159,30 +160,26 @@ def main():
     functions = {}
     for path in arguments.objects:
         for name, body in disassemble(path):
-            if (ENTRY.search(name) or WALKER.search(name)) and not EXEMPT.search(name):
-                functions[name] = body
+            match = LOOP.match(name)
+            if match and ".constprop" not in name:  # a copy for one block has no loop
+                functions[match.group(1).replace("KSX::PixelConversion::", "")] = body
 
-    failures, loop_counts = 0, {}
+    failures = 0
     for name, body in sorted(functions.items()):
         framed = any(i.name == "mov" and i.operands == "%rsp,%rbp" for i in body)
-        stack = re.compile(r"\(%r(sp|bp)" if framed else r"\(%rsp")
+        stack = re.compile(r"\(%r(sp|bp)\)$" if framed else r"\(%rsp\)$")
         loops = list(hot_loops(body))
-        loop_counts[name] = len(loops)
+        if len(loops) != 1:
+            failures += 1
+            print(f"FAULT: {len(loops)} loops in {name}")
         for loop in loops:
-            shown = name.replace("KSX::PixelConversion::", "").partition("(unsigned int,")[0]
-            print(f"{sum(map(len, loop)):4} instructions at {loop[0][0].address:#06x} of {shown}")
-            for fault in faults_of(loop, stack):
+            print(f"{sum(map(len, loop)):4} instructions in {name}")
+            allowed = SPILLS_ALLOWED_WITH_CURVES if "_CONV_" in name else SPILLS_ALLOWED
+            for fault in faults_of(loop, stack, allowed):
                 failures += 1
                 print(f"     FAULT: {fault}")
-
-    entries = [name for name in functions if ENTRY.search(name)]
-    for name in entries:
-        callees = {i.callee() for i in functions[name]} & functions.keys() - {name}
-        if sum(loop_counts[function] for function in {name} | callees) < 2:
-            failures += 1
-            print(f"FAULT: not two loops in {name}")
-    print(f"{len(entries)} entries, {sum(loop_counts.values())} loops, {failures} faults")
-    return 1 if failures or not entries else 0
+    print(f"{len(functions)} loops, {failures} faults")
+    return 1 if failures or not functions else 0
 
 
 if __name__ == "__main__":

@@ -1,0 +1,107 @@
+/// Writes the tables of the transfer curves as C++, for the build. Takes the name of the file.
+#include "conversion/colour/TransferCharacteristicPQ.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <iomanip>
+#include <iostream>
+#include <vector>
+
+namespace {
+
+using namespace KSX::PixelConversion;
+
+// ITU-R BT.2020-2, table 4.
+constexpr double kAlpha = 1.099296826809442;
+constexpr double kBeta = 0.018053968510807;
+
+double rec709ToLinear(double v)
+{
+    return v < 4.5 * kBeta ? v / 4.5 : std::pow((v + kAlpha - 1) / kAlpha, 1 / 0.45);
+}
+
+double rec709FromLinear(double l)
+{
+    return l < kBeta ? 4.5 * l : kAlpha * std::pow(l, 0.45) - (kAlpha - 1);
+}
+
+// SMPTE ST 2084, 5.
+double pqToLinear(double signal)
+{
+    constexpr double kM1 = 2610.0 / 16384;
+    constexpr double kM2 = 2523.0 / 4096 * 128;
+    constexpr double kC2 = 2413.0 / 4096 * 32;
+    constexpr double kC3 = 2392.0 / 4096 * 32;
+    constexpr double kC1 = kC3 - kC2 + 1;
+    const double root = std::pow(signal, 1 / kM2);
+    const double light = 10000 * std::pow(std::max(root - kC1, 0.0) / (kC2 - kC3 * root), 1 / kM1);
+    return std::max(light, 0.0001);
+}
+
+/// The place of `light` between the entries of a table that does not fall and that has it. Its
+/// lowest value, which several entries share, is the place of the first one above them.
+double findIn(const std::vector<double>& table, double light)
+{
+    const auto above = std::upper_bound(table.begin(), table.end(), light);
+    if (above == table.end())
+        return static_cast<double>(table.size() - 1);
+    if (light == table.front())
+        return static_cast<double>(above - table.begin());
+    const auto below = above - 1;
+    return static_cast<double>(below - table.begin()) + (light - *below) / (*above - *below);
+}
+
+template<class VALUE>
+void write(std::ostream& out, const char* type, const char* name, std::size_t entries,
+           const VALUE& value)
+{
+    out << "const " << type << ' ' << name << '[' << entries << "] = {\n";
+    for (std::size_t i = 0; i < entries; ++i)
+        out << value(i) << (i % 4 == 3 ? ",\n" : ", ");
+    out << "};\n";
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc != 2) {
+        std::cerr << "usage: generate_transfer_tables FILE\n";
+        return 1;
+    }
+    std::ofstream out(argv[1]);
+    out << "#include \"conversion/colour/TransferCharacteristicPQ.h\"\n"
+           "#include \"conversion/colour/TransferCharacteristicRec709OETF.h\"\n"
+           "namespace KSX::PixelConversion {\n"
+        << std::hexfloat;
+
+    write(out, "float", "kRec709OETFToLinear8", 256, [](std::size_t i) {
+        return static_cast<float>(rec709ToLinear(static_cast<double>(i) / 255));
+    });
+    write(out, "float", "kRec709OETFFromLinear8", 1280, [](std::size_t i) {
+        return static_cast<float>(255 * rec709FromLinear(static_cast<double>(i) / 1279));
+    });
+
+    std::vector<double> toLinear(4096);
+    for (std::size_t i = 0; i < toLinear.size(); ++i)
+        toLinear[i] = pqToLinear(static_cast<double>(i) / 4095);
+    write(out, "double", "kPQOETFToLinear12Bit", toLinear.size(),
+          [&](std::size_t i) { return toLinear[i]; });
+    write(out, "double", "kPQOETFFromLinear12Bit", 32768, [&](std::size_t i) {
+        const double part = static_cast<double>(i % 16384) / kHalvedLUTIdxMax;
+        const double light = i < 16384 ? 0.0001 + (kPQOETFFromLinear12BitLoLUTMax - 0.0001) * part
+                                       : kPQOETFFromLinear12BitHiLUTMin +
+                                             (10000 - kPQOETFFromLinear12BitHiLUTMin) * part;
+        return findIn(toLinear, light) / 4095;
+    });
+
+    out << "}\n";
+    out.close();
+    if (!out) {
+        std::cerr << "generate_transfer_tables: cannot write " << argv[1] << '\n';
+        return 1;
+    }
+    return 0;
+}

@@ -1,0 +1,222 @@
+/// Stages of the formats with 16 bits a sample, and of the float layouts that the preview's colour
+/// tables are computed in. All are plain.
+///
+///     b64a        A R G B, big-endian                  16ARGB_BE_FULL
+///     L64A, l64a  A R G B, little-endian               16ARGB_LE_FULL, 16ARGB_LE_SMPTE
+///     v212, v216  Cb Y0 Cr Y1, little-endian           12YUV422_LE in the top 12 bits, 16YUV422_LE
+///     RGB32F      R G B, floats of 32 bits: 0 to 1 is code 0 to code 1023
+///     YUV44432F   Y Cb Cr likewise, so neutral chroma is 0.5
+///
+/// v216 needs no stage: it is `UYVYv8` as it lies in memory.
+#pragma once
+
+#include "conversion/EachVector.h"
+#include "conversion/Pipeline.h"
+#include "conversion/VectorConstants.h"
+#include "conversion/colour/BitDepth.h"
+#include "conversion/stages/V210.h"
+
+#include <tmmintrin.h>
+
+namespace KSX::PixelConversion {
+
+// --- 64-bit RGB ----------------------------------------------------------------------------------
+
+// Both formats are `BGRAv8` but for the order of bytes, so one representation serves for either
+// side, and each stage for both directions.
+
+namespace details {
+
+class ReverseBytes {
+protected:
+    KSX_INLINE static __m128i apply(__m128i x)
+    {
+        return _mm_shuffle_epi8(
+            x, _mm_setr_epi8(7, 6, 5, 4, 3, 2, 1, 0, 15, 14, 13, 12, 11, 10, 9, 8));
+    }
+};
+
+class ReverseLanes {
+protected:
+    KSX_INLINE static __m128i apply(__m128i x)
+    {
+        return _mm_shuffle_epi8(
+            x, _mm_setr_epi8(6, 7, 4, 5, 2, 3, 0, 1, 14, 15, 12, 13, 10, 11, 8, 9));
+    }
+};
+
+} // namespace details
+
+/// Turns BGRAv8 into b64a and b64a into BGRAv8: the 8 bytes of a pixel reversed. 2 pixels a step.
+class PACK_BGRAv8_TO_B64A : public EachVector<BGRAv8, 2, details::ReverseBytes> {};
+
+/// Turns L64A or l64a into BGRAv8 and BGRAv8 into them: the 4 lanes of a pixel reversed. 2 pixels a
+/// step.
+class UNPACK_L64A_TO_BGRAv8 : public EachVector<BGRAv8, 2, details::ReverseLanes> {};
+
+namespace details {
+
+/// Rounds 16-bit samples to 8 bits. What the rounding carries over the top saturates there, as the
+/// pack to bytes behind it would have it.
+class RoundTo8Bits {
+protected:
+    KSX_INLINE static __m128i apply(__m128i x)
+    {
+        return _mm_srli_epi16(_mm_adds_epu16(x, v8i(128)), 8);
+    }
+};
+
+class BGRAv8_ROUND_TO_8_BITS : public EachVector<BGRAv8, 2, RoundTo8Bits> {};
+
+} // namespace details
+
+template<class PACK>
+requires(PACK::kSaturatesTo8Bits) struct MergedForm<BGRAv8_BITDEPTH<-8, 16>, PACK> {
+    using type = StageList<details::BGRAv8_ROUND_TO_8_BITS, PACK>;
+};
+
+// --- 4:2:2 in 16-bit samples ---------------------------------------------------------------------
+
+/// Unpacks v212 to UYVYv8. 4 pixels a step: 16 bytes in, 1 vector out.
+///
+///     out = in >> 4
+class UNPACK_V212_TO_UYVYv8 : public Kernel<4, 4> {
+public:
+    using Input = UYVYv8;
+    using Output = UYVYv8;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return {{_mm_srli_epi16(in[0], 4)}};
+    }
+};
+
+namespace details {
+
+/// Rounds 16-bit samples to 10 bits, at most 1023. The low four bits of v212 lie below what counts.
+class UYVYv8_ROUND_TO_10_BITS : public Kernel<4, 4> {
+public:
+    using Input = UYVYv8;
+    using Output = UYVYv8;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return {{_mm_srli_epi16(_mm_adds_epu16(in[0], v8i(32)), 6)}};
+    }
+};
+
+} // namespace details
+
+template<>
+struct MergedForm<UNPACK_V212_TO_UYVYv8, UYVYv8_BITDEPTH<-2, 16>, PACK_UYVYv8_TO_V210> {
+    using type = StageList<details::UYVYv8_ROUND_TO_10_BITS, details::PACK_LIMITED_UYVYv8_TO_V210>;
+};
+template<>
+struct MergedForm<UYVYv8_BITDEPTH<-6, 16>, PACK_UYVYv8_TO_V210> {
+    using type = StageList<details::UYVYv8_ROUND_TO_10_BITS, details::PACK_LIMITED_UYVYv8_TO_V210>;
+};
+
+// --- Floats --------------------------------------------------------------------------------------
+
+/// The scale between codes of `BITS` bits and floats.
+template<int BITS>
+inline constexpr float kLargestCode = (1 << BITS) - 1;
+
+namespace details {
+
+/// Four pixels of three floats as codes: of pixels 0 and 1, then of 2 and 3, lanes of 16 bits a, b,
+/// c and one without a meaning. Rounded to nearest, ties to even; saturated as signed values.
+template<int BITS>
+KSX_INLINE Pixels<BGRAv8, 4> codesOf(const Pixels<Packed<12>, 4>& in)
+{
+    const auto codes = [](__m128i pixel) KSX_INLINE_LAMBDA {
+        return _mm_cvtps_epi32(
+            _mm_mul_ps(_mm_castsi128_ps(pixel), _mm_set1_ps(kLargestCode<BITS>)));
+    };
+    // a0 b0 c0 a1 | b1 c1 a2 b2 | c2 a3 b3 c3
+    return {{_mm_packs_epi32(codes(in[0]), codes(_mm_alignr_epi8(in[1], in[0], 12))),
+             _mm_packs_epi32(codes(_mm_alignr_epi8(in[2], in[1], 8)),
+                             codes(_mm_srli_si128(in[2], 4)))}};
+}
+
+} // namespace details
+
+/// Unpacks RGB32F to BGRAv8 of `BITS` bits. 4 pixels a step: 48 bytes in, 2 vectors out. Alpha has
+/// all bits set.
+template<int BITS>
+class UNPACK_RGB32F_TO_BGRAv8 : public Kernel<4, 4> {
+public:
+    using Input = Packed<12>;
+    using Output = BGRAv8;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        const auto rgb = details::codesOf<BITS>(in);
+        return {{bgra(rgb[0]), bgra(rgb[1])}};
+    }
+
+private:
+    KSX_INLINE static __m128i bgra(__m128i rgb)
+    {
+        constexpr int kExchanged = _MM_SHUFFLE(3, 0, 1, 2);
+        return _mm_or_si128(_mm_shufflehi_epi16(_mm_shufflelo_epi16(rgb, kExchanged), kExchanged),
+                            v8i_mask_7xxx3xxx);
+    }
+};
+
+/// Unpacks YUV44432F to UYVY444v8 of `BITS` bits. 4 pixels a step: 48 bytes in, 2 vectors out.
+/// Every pixel has its own chroma, and its own luma in both lanes.
+template<int BITS>
+class UNPACK_YUV44432F_TO_UYVY444v8 : public Kernel<4, 4> {
+public:
+    using Input = Packed<12>;
+    using Output = UYVY444v8;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        const auto yuv = details::codesOf<BITS>(in);
+        return {{uyvy(yuv[0]), uyvy(yuv[1])}};
+    }
+
+private:
+    KSX_INLINE static __m128i uyvy(__m128i yuv)
+    {
+        constexpr int kCbYCrY = _MM_SHUFFLE(0, 2, 0, 1);
+        return _mm_shufflehi_epi16(_mm_shufflelo_epi16(yuv, kCbYCrY), kCbYCrY);
+    }
+};
+
+/// Packs RGBv4 of `BITS` bits to RGB32F, limited to 0 and 1. 4 pixels a step: 3 vectors in, 48
+/// bytes out. Lanes count with all their 32 bits.
+template<int BITS>
+class PACK_RGBv4_TO_RGB32F : public Kernel<4, 4> {
+public:
+    using Input = RGBv4;
+    using Output = Packed<12>;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        const __m128 r = floats(in[0]);
+        const __m128 g = floats(in[1]);
+        const __m128 b = floats(in[2]);
+        const __m128 rgLow = _mm_unpacklo_ps(r, g);  // R0 G0 R1 G1
+        const __m128 rgHigh = _mm_unpackhi_ps(r, g); // R2 G2 R3 G3
+        const __m128 b0r1 = _mm_shuffle_ps(b, rgLow, _MM_SHUFFLE(2, 2, 0, 0));
+        const __m128 g1b1 = _mm_shuffle_ps(rgLow, b, _MM_SHUFFLE(1, 1, 3, 3));
+        const __m128 b2r3 = _mm_shuffle_ps(b, rgHigh, _MM_SHUFFLE(2, 2, 2, 2));
+        const __m128 g3b3 = _mm_shuffle_ps(rgHigh, b, _MM_SHUFFLE(3, 3, 3, 3));
+        return {{_mm_castps_si128(_mm_shuffle_ps(rgLow, b0r1, _MM_SHUFFLE(2, 0, 1, 0))),
+                 _mm_castps_si128(_mm_shuffle_ps(g1b1, rgHigh, _MM_SHUFFLE(1, 0, 2, 0))),
+                 _mm_castps_si128(_mm_shuffle_ps(b2r3, g3b3, _MM_SHUFFLE(2, 0, 2, 0)))}};
+    }
+
+private:
+    KSX_INLINE static __m128 floats(__m128i codes)
+    {
+        const __m128 scaled =
+            _mm_mul_ps(_mm_cvtepi32_ps(codes), _mm_set1_ps(1 / kLargestCode<BITS>));
+        return _mm_min_ps(_mm_max_ps(scaled, _mm_setzero_ps()), _mm_set1_ps(1));
+    }
+};
+
+} // namespace KSX::PixelConversion

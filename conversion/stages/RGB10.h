@@ -1,0 +1,387 @@
+/// Stages of 10-bit RGB in one word of 32 bits a pixel.
+///
+///     bits       31 30   29..20   19..10   9..0
+///     R210       spare   R        G        B        10XRGB: r210, R210
+///
+///     bits       31..22   21..12   11..2   1 0
+///     R10K       R        G        B       spare    10RGBX: R10l, R10L, R10b, R10B, R10A
+///
+/// Words of R210 are big-endian, those of R10K as the format's name says. Spare bits are ignored
+/// when read and 0 when written; in R10A, where they stand for alpha, a stage behind the pack sets
+/// them. Nothing here looks at the range of the values. All stages are plain.
+///
+/// A04l and A04L need no stage: they are `BGRAv8` as it lies in memory.
+#pragma once
+
+#include "conversion/ByteOrder.h"
+#include "conversion/Pipeline.h"
+#include "conversion/VectorConstants.h"
+#include "conversion/colour/BitDepth.h"
+#include "conversion/stages/RGB8.h"
+
+#include <tmmintrin.h>
+
+namespace KSX::PixelConversion {
+
+namespace details {
+
+/// Cuts words into components of 10 bits; `B` is the lowest bit of the lowest one.
+template<int B>
+KSX_INLINE Pixels<RGBv4, 4> splitRGB10(__m128i words)
+{
+    const auto field = [&]<int BIT>() KSX_INLINE_LAMBDA {
+        const __m128i shifted = _mm_srli_epi32(words, BIT);
+        return BIT == 22 ? shifted : _mm_and_si128(shifted, v4i_0x3ff);
+    };
+    return {{field.template operator()<B + 20>(), field.template operator()<B + 10>(),
+             field.template operator()<B>()}};
+}
+
+/// Joins components to words, each limited to 0 and 1023. Of a lane the low 16 bits count, as a
+/// signed value.
+template<int B>
+KSX_INLINE __m128i joinRGB10(const Pixels<RGBv4, 4>& in)
+{
+    // Upper halves of a limit are 0, and so are those of what two limits leave.
+    const auto field = [](__m128i x, int bit) KSX_INLINE_LAMBDA {
+        return _mm_slli_epi32(_mm_max_epi16(_mm_min_epi16(x, v4i_0x3ff), v0), bit);
+    };
+    return _mm_or_si128(_mm_or_si128(field(in[0], B + 20), field(in[1], B + 10)), field(in[2], B));
+}
+
+/// Unpacks words to RGBv8. 8 pixels a step: 32 bytes in, 3 vectors out. `B` is the lowest bit of
+/// the lowest component.
+///
+/// A component lies in two bytes of its word, beginning at one of the lower 7 bits. Byte shuffles
+/// put them into lanes; the multiplication brings the component to the top, which drops what stood
+/// above, and the shift to the bottom.
+template<int B, bool SWAPPED>
+class UNPACK_RGB10_TO_RGBv8 : public Kernel<8, 8> {
+public:
+    using Input = Packed<4>;
+    using Output = RGBv8;
+
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
+    {
+        constexpr int kR = B + 20, kG = B + 10;
+        // R and B of 4 pixels at once, and G of 4 into either half.
+        const __m128i redBlue =
+            _mm_setr_epi8(low(kR), high(kR), low(kR, 1), high(kR, 1), low(kR, 2), high(kR, 2),
+                          low(kR, 3), high(kR, 3), low(B), high(B), low(B, 1), high(B, 1),
+                          low(B, 2), high(B, 2), low(B, 3), high(B, 3));
+        const __m128i greenLow =
+            _mm_setr_epi8(low(kG), high(kG), low(kG, 1), high(kG, 1), low(kG, 2), high(kG, 2),
+                          low(kG, 3), high(kG, 3), -1, -1, -1, -1, -1, -1, -1, -1);
+        const __m128i greenHigh =
+            _mm_setr_epi8(-1, -1, -1, -1, -1, -1, -1, -1, low(kG), high(kG), low(kG, 1),
+                          high(kG, 1), low(kG, 2), high(kG, 2), low(kG, 3), high(kG, 3));
+        const __m128i first = _mm_shuffle_epi8(in[0], redBlue);
+        const __m128i second = _mm_shuffle_epi8(in[1], redBlue);
+        const __m128i green =
+            _mm_or_si128(_mm_shuffle_epi8(in[0], greenLow), _mm_shuffle_epi8(in[1], greenHigh));
+        return {{aligned<kR>(_mm_unpacklo_epi64(first, second)), aligned<kG>(green),
+                 aligned<B>(_mm_unpackhi_epi64(first, second))}};
+    }
+
+private:
+    /// The bytes of pixel `pixel` that have the component which begins at `bit`.
+    static constexpr char low(int bit, int pixel = 0)
+    {
+        return static_cast<char>(4 * pixel + (SWAPPED ? 3 - bit / 8 : bit / 8));
+    }
+    static constexpr char high(int bit, int pixel = 0)
+    {
+        return static_cast<char>(low(bit, pixel) + (SWAPPED ? -1 : 1));
+    }
+
+    template<int BIT>
+    KSX_INLINE static __m128i aligned(__m128i lanes)
+    {
+        constexpr int kToTop = 6 - BIT % 8;
+        return _mm_srli_epi16(_mm_slli_epi16(lanes, kToTop), 6);
+    }
+};
+
+/// Packs RGBv8 to words, each component limited to 0 and 1023 as a signed value. 8 pixels a step: 3
+/// vectors in, 32 bytes out.
+template<int B, bool SWAPPED>
+class PACK_RGBv8_TO_RGB10 : public Kernel<8, 8> {
+public:
+    static constexpr int kLargestCode = 1023;
+    using Input = RGBv8;
+    using Output = Packed<4>;
+
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
+    {
+        const __m128i r = limited(in[0]), g = limited(in[1]), b = limited(in[2]);
+        return {{words(_mm_unpacklo_epi16(b, g), _mm_unpacklo_epi16(v0, r)),
+                 words(_mm_unpackhi_epi16(b, g), _mm_unpackhi_epi16(v0, r))}};
+    }
+
+private:
+    KSX_INLINE static __m128i limited(__m128i x)
+    {
+        return _mm_max_epi16(_mm_min_epi16(x, v8i_0x3ff), v0);
+    }
+
+    /// B and G by a multiply-and-add, R from the upper half of its lane.
+    KSX_INLINE static __m128i words(__m128i bg, __m128i r)
+    {
+        constexpr __m128i weights = v4i((1024 << B) << 16 | 1 << B);
+        const __m128i joined = _mm_or_si128(_mm_madd_epi16(bg, weights), _mm_slli_epi32(r, B + 4));
+        return SWAPPED ? swapWords(joined) : joined;
+    }
+};
+
+} // namespace details
+
+// --- R210 ----------------------------------------------------------------------------------------
+
+/// Unpacks R210 to RGBv4. 4 pixels a step: 16 bytes in, 3 vectors out.
+class UNPACK_R210_TO_RGBv4 : public Kernel<4, 4> {
+public:
+    static constexpr bool kUnpacksRGB10 = true;
+    static constexpr int kLowestBit = 0;
+    static constexpr bool kSwapped = true;
+    using Input = Packed<4>;
+    using Output = RGBv4;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return details::splitRGB10<0>(swapWords(in[0]));
+    }
+};
+
+/// Unpacks R210 to RGBv8. 8 pixels a step: 32 bytes in, 3 vectors out.
+class UNPACK_R210_TO_RGBv8 : public details::UNPACK_RGB10_TO_RGBv8<0, true> {};
+
+template<>
+struct Twin<UNPACK_R210_TO_RGBv4> {
+    using type = UNPACK_R210_TO_RGBv8;
+};
+
+/// Packs RGBv4 to R210. 4 pixels a step: 3 vectors in, 16 bytes out.
+class PACK_RGBv4_TO_R210 : public Kernel<4, 4> {
+public:
+    static constexpr bool kPacksRGB10 = true;
+    static constexpr int kLowestBit = 0;
+    static constexpr bool kSwapped = true;
+    using Input = RGBv4;
+    using Output = Packed<4>;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return {{swapWords(details::joinRGB10<0>(in))}};
+    }
+};
+
+/// Packs RGBv8 to R210, each component limited to 0 and 1023 as a signed value. 8 pixels a step: 3
+/// vectors in, 32 bytes out.
+class PACK_RGBv8_TO_R210 : public details::PACK_RGBv8_TO_RGB10<0, true> {};
+
+template<>
+struct Twin<PACK_RGBv4_TO_R210> {
+    using type = PACK_RGBv8_TO_R210;
+};
+
+// --- R10K ----------------------------------------------------------------------------------------
+
+/// Unpacks little-endian R10K to RGBv4. 4 pixels a step: 16 bytes in, 3 vectors out.
+class UNPACK_R10KLE_TO_RGBv4 : public Kernel<4, 4> {
+public:
+    static constexpr bool kUnpacksRGB10 = true;
+    static constexpr int kLowestBit = 2;
+    static constexpr bool kSwapped = false;
+    using Input = Packed<4>;
+    using Output = RGBv4;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return details::splitRGB10<2>(in[0]);
+    }
+};
+
+/// Unpacks big-endian R10K to RGBv4. 4 pixels a step: 16 bytes in, 3 vectors out.
+class UNPACK_R10KBE_TO_RGBv4 : public UNPACK_R10KLE_TO_RGBv4 {
+public:
+    static constexpr bool kSwapped = true;
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return UNPACK_R10KLE_TO_RGBv4::step({{swapWords(in[0])}});
+    }
+};
+
+/// Packs RGBv4 to little-endian R10K. 4 pixels a step: 3 vectors in, 16 bytes out.
+class PACK_RGBv4_TO_R10KLE : public Kernel<4, 4> {
+public:
+    static constexpr bool kPacksRGB10 = true;
+    static constexpr int kLowestBit = 2;
+    static constexpr bool kSwapped = false;
+    using Input = RGBv4;
+    using Output = Packed<4>;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return {{details::joinRGB10<2>(in)}};
+    }
+};
+
+/// Packs RGBv4 to big-endian R10K. 4 pixels a step: 3 vectors in, 16 bytes out.
+class PACK_RGBv4_TO_R10KBE : public PACK_RGBv4_TO_R10KLE {
+public:
+    static constexpr bool kSwapped = true;
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return {{swapWords(PACK_RGBv4_TO_R10KLE::step(in)[0])}};
+    }
+};
+
+template<>
+struct Twin<UNPACK_R10KLE_TO_RGBv4> {
+    using type = details::UNPACK_RGB10_TO_RGBv8<2, false>;
+};
+template<>
+struct Twin<UNPACK_R10KBE_TO_RGBv4> {
+    using type = details::UNPACK_RGB10_TO_RGBv8<2, true>;
+};
+template<>
+struct Twin<PACK_RGBv4_TO_R10KLE> {
+    using type = details::PACK_RGBv8_TO_RGB10<2, false>;
+};
+template<>
+struct Twin<PACK_RGBv4_TO_R10KBE> {
+    using type = details::PACK_RGBv8_TO_RGB10<2, true>;
+};
+
+namespace details {
+
+inline constexpr __m128i v4i_r10kpaddingbe = v4i(0x03000000);
+
+} // namespace details
+
+/// Sets the spare bits of packed big-endian R10K, which makes it R10A: alpha 3, opaque. 4 pixels a
+/// step: 16 bytes in, 16 bytes out.
+class PAD_R10KBE_WITH_1 : public Kernel<4, 4> {
+public:
+    using Input = Packed<4>;
+    using Output = Packed<4>;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return {{_mm_or_si128(in[0], details::v4i_r10kpaddingbe)}};
+    }
+};
+
+// --- Merged forms --------------------------------------------------------------------------------
+
+namespace details {
+
+/// From bytes straight to words of 10-bit RGB with zeros below. 4 pixels a step: 16 bytes in, 16
+/// bytes out. R and B are shifted by a multiplication, each in its half of the word, and G as it
+/// lies across the middle.
+template<class UNPACK, class PACK>
+class BYTES_TO_RGB10 : public Kernel<4, 4> {
+    static constexpr int B = PACK::kLowestBit;
+
+public:
+    using Input = Packed<4>;
+    using Output = Packed<4>;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        constexpr int kR = UNPACK::kBytes[0], kG = UNPACK::kBytes[1], kB = UNPACK::kBytes[2];
+        const __m128i outer = _mm_setr_epi8(kB, -1, kR, -1, kB + 4, -1, kR + 4, -1, //
+                                            kB + 8, -1, kR + 8, -1, kB + 12, -1, kR + 12, -1);
+        const __m128i inner = _mm_setr_epi8(-1, kG, -1, -1, -1, kG + 4, -1, -1, //
+                                            -1, kG + 8, -1, -1, -1, kG + 12, -1, -1);
+        constexpr __m128i factors = v4i((64 << B) << 16 | 4 << B);
+        const __m128i words = _mm_or_si128(_mm_mullo_epi16(_mm_shuffle_epi8(in[0], outer), factors),
+                                           _mm_slli_epi32(_mm_shuffle_epi8(in[0], inner), B + 4));
+        return {{PACK::kSwapped ? swapWords(words) : words}};
+    }
+};
+
+/// From words of 10-bit RGB straight to opaque bytes, rounded. 4 pixels a step: 16 bytes in, 16
+/// bytes out.
+///
+/// Two components of a pixel at the top of a lane each, with half of an 8-bit code added: what that
+/// carries over the top saturates there. One vector has those that end up in the lower bytes of
+/// lanes, the other those of the upper ones, alpha among them.
+template<class UNPACK, class PACK>
+class RGB10_TO_BYTES : public Kernel<4, 4> {
+    static constexpr int kNone = -1;
+
+public:
+    using Input = Packed<4>;
+    using Output = Packed<4>;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        const __m128i lower = rounded<at(0), at(2)>(in[0]);
+        const __m128i upper = rounded<at(1), at(3)>(in[0]);
+        return {{_mm_or_si128(_mm_srli_epi16(lower, 8), _mm_and_si128(upper, v8i(0xff00)))}};
+    }
+
+private:
+    /// The lowest bit of the component that goes to `byte` of a pixel.
+    static constexpr int at(int byte)
+    {
+        for (int c = 0; c < 3; ++c)
+            if (PACK::kBytes[c] == byte)
+                return UNPACK::kLowestBit + 20 - 10 * c;
+        return kNone;
+    }
+
+    static constexpr char byte(int bit, int i, int pixel)
+    {
+        const int in = bit / 8 + i;
+        return static_cast<char>(bit == kNone ? -1 : 4 * pixel + (UNPACK::kSwapped ? 3 - in : in));
+    }
+
+    static constexpr std::int16_t factor(int bit)
+    {
+        return static_cast<std::int16_t>(bit == kNone ? 0 : 64 >> bit % 8);
+    }
+
+    /// What rounds a component, and makes 255 of none.
+    static constexpr std::int16_t half(int bit) { return bit == kNone ? -256 : 128; }
+
+    template<int LOW, int HIGH>
+    KSX_INLINE static __m128i rounded(__m128i words)
+    {
+        const __m128i lanes =
+            _mm_setr_epi8(byte(LOW, 0, 0), byte(LOW, 1, 0), byte(HIGH, 0, 0), byte(HIGH, 1, 0), //
+                          byte(LOW, 0, 1), byte(LOW, 1, 1), byte(HIGH, 0, 1), byte(HIGH, 1, 1), //
+                          byte(LOW, 0, 2), byte(LOW, 1, 2), byte(HIGH, 0, 2), byte(HIGH, 1, 2), //
+                          byte(LOW, 0, 3), byte(LOW, 1, 3), byte(HIGH, 0, 3), byte(HIGH, 1, 3));
+        constexpr __m128i factors = v8i(factor(LOW), factor(HIGH), factor(LOW), factor(HIGH),
+                                        factor(LOW), factor(HIGH), factor(LOW), factor(HIGH));
+        constexpr __m128i halves = v8i(half(LOW), half(HIGH), half(LOW), half(HIGH), half(LOW),
+                                       half(HIGH), half(LOW), half(HIGH));
+        return _mm_adds_epu16(_mm_mullo_epi16(_mm_shuffle_epi8(words, lanes), factors), halves);
+    }
+};
+
+} // namespace details
+
+template<class UNPACK, class PACK>
+requires(UNPACK::kUnpacksBytesToRGBv4&&
+             PACK::kPacksRGB10) struct MergedForm<UNPACK, RGBv4_BITDEPTH<2, 16>, PACK> {
+    using type = StageList<details::BYTES_TO_RGB10<UNPACK, PACK>>;
+};
+template<>
+struct MergedForm<UNPACK_BGRA_TO_RGBv8, RGBv8_BITDEPTH<2, 16>, PACK_RGBv8_TO_R210> {
+    using type = StageList<details::BYTES_TO_RGB10<UNPACK_BGRA_TO_RGBv4, PACK_RGBv4_TO_R210>>;
+};
+
+template<class UNPACK, class PACK>
+requires(UNPACK::kUnpacksRGB10&&
+             PACK::kPacksRGBv4ToBytes) struct MergedForm<UNPACK, RGBv4_BITDEPTH<-2, 16>, PACK> {
+    using type = StageList<details::RGB10_TO_BYTES<UNPACK, PACK>>;
+};
+template<>
+struct MergedForm<UNPACK_R210_TO_RGBv8, RGBv8_BITDEPTH<-2, 16>, PACK_RGBv8_TO_BGRA> {
+    using type = StageList<details::RGB10_TO_BYTES<UNPACK_R210_TO_RGBv4, PACK_RGBv4_TO_BGRA>>;
+};
+
+} // namespace KSX::PixelConversion

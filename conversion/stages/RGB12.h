@@ -1,0 +1,206 @@
+/// Stages of packed 12-bit RGB, 8 pixels in 36 bytes, and of S12L.
+///
+/// Samples in the order R0 G0 B0 R1 ... fill a stream of bits from the least significant one up:
+/// sample k of a group has bits 12 k to 12 k + 11. The stream is nine words of 32 bits,
+/// little-endian in R12L and R12l (12RGB_LE_FULL, 12RGB_LE_SMPTE) and big-endian in R12B
+/// (12RGB_BE_FULL). So 2 pixels are 9 bytes of it:
+///
+///     byte    0   1       2   3   4       5   6   7       8
+///             R0  R0 G0   G0  B0  B0 R1   R1  G1  G1 B1   B1      low nibble first
+///
+/// A row is whole groups; pixels of the last one that lie behind the row's width have no defined
+/// value. S12L is `BGRAv8` of 12 bits with 0 in the place of alpha. All stages are plain.
+///
+/// 32 pixels are the least that is a whole number of both groups and vectors, and so what a step
+/// is. Stages take them in parts of a group, in vectors of its bytes 0 to 15, 16 to 31 and 20
+/// to 35.
+#pragma once
+
+#include "conversion/ByteOrder.h"
+#include "conversion/Pipeline.h"
+#include "conversion/VectorConstants.h"
+#include "conversion/colour/BitDepth.h"
+
+#include <tmmintrin.h>
+
+namespace KSX::PixelConversion {
+
+/// The order of components in the stream. There is one.
+struct R12KComponentOrderRGB {};
+struct R12KPackingOrderRGB {};
+
+// --- Unpack --------------------------------------------------------------------------------------
+
+/// Unpacks R12L or R12l to BGRAv8, with `ALPHA` in the alpha lanes. 32 pixels a step: 144 bytes in,
+/// 16 vectors out.
+template<class ORDER, std::uint16_t ALPHA>
+class UNPACK_R12L_TO_BGRAv8_SSSE3_T : public Kernel<32, 32> {
+public:
+    static constexpr unsigned kPart = 8;
+    using Input = Packed<36, 8>;
+    using Output = BGRAv8;
+
+    KSX_INLINE Pixels<Output, kPart> step(const Pixels<Input, kPart>& in) const
+    {
+        constexpr __m128i alpha = v8i(0, 0, 0, ALPHA, 0, 0, 0, ALPHA);
+        auto pairs = pairsAtTop(in);
+        for (__m128i& lanes : pairs.v)
+            lanes = _mm_or_si128(_mm_srli_epi16(lanes, 4), alpha);
+        return pairs;
+    }
+
+protected:
+    /// Two pixels from the 9 bytes that begin at byte `B`, samples at the top of their lanes. A
+    /// sample begins at bit 0 or 4 of two bytes; the multiplication brings both to bit 4 and drops
+    /// what stood above.
+    template<int B>
+    KSX_INLINE static __m128i pairAtTop(__m128i stream)
+    {
+        const __m128i bytes = _mm_setr_epi8(B + 3, B + 4, B + 1, B + 2, B + 0, B + 1, -1, -1, //
+                                            B + 7, B + 8, B + 6, B + 7, B + 4, B + 5, -1, -1);
+        constexpr __m128i factors = v8i(16, 1, 16, 0, 1, 16, 1, 0);
+        return _mm_mullo_epi16(_mm_shuffle_epi8(stream, bytes), factors);
+    }
+
+    KSX_INLINE static Pixels<Output, kPart> pairsAtTop(const Pixels<Input, kPart>& in)
+    {
+        return {{pairAtTop<0>(in[0]), pairAtTop<0>(_mm_alignr_epi8(in[1], in[0], 9)),
+                 pairAtTop<2>(in[1]), pairAtTop<7>(in[2])}};
+    }
+};
+
+/// Unpacks R12B to BGRAv8, with `ALPHA` in the alpha lanes. 32 pixels a step: 144 bytes in, 16
+/// vectors out.
+template<class ORDER, std::uint16_t ALPHA>
+class UNPACK_R12B_TO_BGRAv8_SSSE3_T : public UNPACK_R12L_TO_BGRAv8_SSSE3_T<ORDER, ALPHA> {
+    using Base = UNPACK_R12L_TO_BGRAv8_SSSE3_T<ORDER, ALPHA>;
+
+public:
+    KSX_INLINE Pixels<BGRAv8, 8> step(const Pixels<Packed<36, 8>, 8>& in) const
+    {
+        return Base::step({{swapWords(in[0]), swapWords(in[1]), swapWords(in[2])}});
+    }
+};
+
+// --- Pack ----------------------------------------------------------------------------------------
+
+/// Packs BGRAv8 to R12L or R12l. 32 pixels a step: 16 vectors in, 144 bytes out. Of each lane the
+/// low 12 bits go into the stream: nothing is limited, so 4096 becomes 0. Alpha is dropped.
+template<class ORDER>
+class PACK_BGRAv8_TO_R12L_SSSE3_T : public Kernel<32, 32> {
+public:
+    static constexpr unsigned kPart = 8;
+    using Input = BGRAv8;
+    using Output = Packed<36, 8>;
+
+    KSX_INLINE Pixels<Output, kPart> step(const Pixels<Input, kPart>& in) const
+    {
+        const __m128i q0 = joined(in[0]);
+        const __m128i q1 = joined(in[1]);
+        const __m128i q2 = joined(in[2]);
+        const __m128i q3 = joined(in[3]);
+        const __m128i third = placed<11>(q3);
+        return {{_mm_or_si128(placed<0>(q0), placed<9>(q1)),
+                 _mm_or_si128(_mm_or_si128(placed<-7>(q1), placed<2>(q2)), third),
+                 _mm_or_si128(placed<-2>(q2), placed<7>(q3))}};
+    }
+
+private:
+    /// Two samples in the low 24 bits of each of three lanes: R0 G0, B0 R1, G1 B1.
+    KSX_INLINE static __m128i joined(__m128i bgra)
+    {
+        const __m128i order = _mm_setr_epi8(4, 5, 2, 3, 0, 1, 12, 13, 10, 11, 8, 9, -1, -1, -1, -1);
+        constexpr __m128i weights = v4i(4096 << 16 | 1);
+        return _mm_madd_epi16(_mm_shuffle_epi8(_mm_and_si128(bgra, v8i_0xfff), order), weights);
+    }
+
+    /// The 9 bytes of two pixels from byte `AT` of a vector on, those that lie in it.
+    template<int AT>
+    KSX_INLINE static __m128i placed(__m128i joined)
+    {
+        constexpr auto byte = [](int i) {
+            const int from = i - AT;
+            return static_cast<char>(from < 0 || from >= 9 ? -1 : from / 3 * 4 + from % 3);
+        };
+        return _mm_shuffle_epi8(joined,
+                                _mm_setr_epi8(byte(0), byte(1), byte(2), byte(3), byte(4), byte(5),
+                                              byte(6), byte(7), byte(8), byte(9), byte(10),
+                                              byte(11), byte(12), byte(13), byte(14), byte(15)));
+    }
+};
+
+/// Packs BGRAv8 to R12B. 32 pixels a step: 16 vectors in, 144 bytes out.
+template<class ORDER>
+class PACK_BGRAv8_TO_R12B_SSSE3_T : public PACK_BGRAv8_TO_R12L_SSSE3_T<ORDER> {
+public:
+    KSX_INLINE Pixels<Packed<36, 8>, 8> step(const Pixels<BGRAv8, 8>& in) const
+    {
+        const auto words = PACK_BGRAv8_TO_R12L_SSSE3_T<ORDER>::step(in);
+        return {{swapWords(words[0]), swapWords(words[1]), swapWords(words[2])}};
+    }
+};
+
+/// Packs BGRAv8 to S12L, which is its colour lanes as they are. 4 pixels a step: 2 vectors in, 32
+/// bytes out.
+template<bool>
+class PACK_BGRAv8_TO_S12L : public Kernel<4, 4> {
+public:
+    using Input = BGRAv8;
+    using Output = BGRAv8;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return {{_mm_and_si128(in[0], v8i_mask_x654x210), _mm_and_si128(in[1], v8i_mask_x654x210)}};
+    }
+};
+
+// --- Merged forms --------------------------------------------------------------------------------
+
+namespace details {
+
+/// Rounds samples at the top of their lanes to 8 bits, alpha to 255. What the rounding carries over
+/// the top saturates there, as the pack would have it.
+KSX_INLINE __m128i roundTo8Bits(__m128i lanes)
+{
+    constexpr __m128i half = v8i(128, 128, 128, -256, 128, 128, 128, -256);
+    return _mm_srli_epi16(_mm_adds_epu16(lanes, half), 8);
+}
+
+/// Unpacks R12L to BGRAv8 of 8 bits, opaque.
+template<class ORDER, std::uint16_t ALPHA>
+class UNPACK_R12L_TO_8BIT_BGRAv8 : public UNPACK_R12L_TO_BGRAv8_SSSE3_T<ORDER, ALPHA> {
+public:
+    KSX_INLINE Pixels<BGRAv8, 8> step(const Pixels<Packed<36, 8>, 8>& in) const
+    {
+        auto pairs = this->pairsAtTop(in);
+        for (__m128i& lanes : pairs.v)
+            lanes = roundTo8Bits(lanes);
+        return pairs;
+    }
+};
+
+/// Unpacks R12B to BGRAv8 of 8 bits, opaque.
+template<class ORDER, std::uint16_t ALPHA>
+class UNPACK_R12B_TO_8BIT_BGRAv8 : public UNPACK_R12L_TO_8BIT_BGRAv8<ORDER, ALPHA> {
+public:
+    KSX_INLINE Pixels<BGRAv8, 8> step(const Pixels<Packed<36, 8>, 8>& in) const
+    {
+        return UNPACK_R12L_TO_8BIT_BGRAv8<ORDER, ALPHA>::step(
+            {{swapWords(in[0]), swapWords(in[1]), swapWords(in[2])}});
+    }
+};
+
+} // namespace details
+
+template<class ORDER, class PACK>
+requires(PACK::kSaturatesTo8Bits) struct MergedForm<UNPACK_R12L_TO_BGRAv8_SSSE3_T<ORDER, 4095>,
+                                                    BGRAv8_BITDEPTH<-4, 16>, PACK> {
+    using type = StageList<details::UNPACK_R12L_TO_8BIT_BGRAv8<ORDER, 4095>, PACK>;
+};
+template<class ORDER, class PACK>
+requires(PACK::kSaturatesTo8Bits) struct MergedForm<UNPACK_R12B_TO_BGRAv8_SSSE3_T<ORDER, 4095>,
+                                                    BGRAv8_BITDEPTH<-4, 16>, PACK> {
+    using type = StageList<details::UNPACK_R12B_TO_8BIT_BGRAv8<ORDER, 4095>, PACK>;
+};
+
+} // namespace KSX::PixelConversion

@@ -1,0 +1,112 @@
+/// Stages of 10-bit 4:2:2 with a key: ay10 (10YUVA422_BE_SMPTE), whose alpha has video levels, and
+/// Ay10 (10YUVA422_BE_SMPTE_FullA), whose alpha is full range. A pixel is one big-endian word.
+///
+///     bits    31 30   29..20   19..10   9..0
+///             spare   alpha    chroma   Y
+///
+/// Chroma is Cb on even pixels and Cr on odd ones, of the pair that they share. Spare bits are
+/// ignored when read and 0 when written. A row is written in whole groups of 4 pixels.
+#pragma once
+
+#include "conversion/ByteOrder.h"
+#include "conversion/Pipeline.h"
+#include "conversion/VectorConstants.h"
+#include "conversion/colour/ChromaReconstruction.h"
+#include "conversion/colour/Flags.h"
+#include "conversion/stages/V210.h"
+
+namespace KSX::PixelConversion {
+
+namespace details {
+
+/// The samples of 4 words as `UYVYv8`, without alpha.
+KSX_INLINE __m128i yuvOf(__m128i words)
+{
+    return _mm_or_si128(_mm_and_si128(_mm_srli_epi32(words, 10), v4i_0x3ff),
+                        _mm_and_si128(_mm_slli_epi32(words, 16), v4i_0x3ff0000));
+}
+
+} // namespace details
+
+/// Unpacks ay10 or Ay10 to UYVYv8, dropping alpha. 4 pixels a step: 16 bytes in, 1 vector out.
+/// Plain.
+class UNPACK_YUVA_TO_UYVYv8 : public Kernel<4, 4> {
+public:
+    using Input = Packed<4>;
+    using Output = UYVYv8;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return {{details::yuvOf(swapWords(in[0]))}};
+    }
+};
+
+/// Unpacks ay10 or Ay10 to 4:4:4 with alpha. 4 pixels a step: 16 bytes in, 3 vectors out. Looks
+/// ahead, and reads whole steps: where a row ends inside one, its last odd pixel averages with the
+/// pair that stands behind it in memory.
+template<PixelCenterFlag C>
+class UNPACK_YUVA : public Kernel<4, 4> {
+    static_assert(C == kCoSited);
+
+public:
+    using Input = Packed<16, 4>;
+    using Output = UYVY444Av8;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in, __m128i next) const
+    {
+        const __m128i words = swapWords(in[0]);
+        return unpack(words, details::yuvOf(words), details::yuvOf(swapWords(next)));
+    }
+
+    KSX_INLINE Pixels<Output, 4> lastStep(const Pixels<Input, 4>& in) const
+    {
+        const __m128i words = swapWords(in[0]);
+        const __m128i yuv = details::yuvOf(words);
+        return unpack(words, yuv, repeatLastPair(yuv));
+    }
+
+private:
+    KSX_INLINE static Pixels<Output, 4> unpack(__m128i words, __m128i yuv, __m128i next)
+    {
+        const auto pixels = rebuildChroma(yuv, next);
+        return {{pixels[0], pixels[1], _mm_and_si128(_mm_srli_epi32(words, 20), v4i_0x3ff)}};
+    }
+};
+
+/// Adds an alpha of 1023 to UYVYv8: opaque in Ay10, and in ay10 above the 940 that is opaque there,
+/// to which its readers limit it. 4 pixels a step: 1 vector in, 2 out. Plain.
+class UYVYv8_TO_YUVA : public Kernel<4, 4> {
+public:
+    using Input = UYVYv8;
+    using Output = UYVYAv8;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return {{in[0], v4i_0x3ff}};
+    }
+};
+
+/// Packs 10-bit 4:2:2 with alpha to ay10 or Ay10, each sample limited to 0 and 1023 as a signed
+/// value. 4 pixels a step: 2 vectors in, 16 bytes out. Plain.
+class PACK_YUVA : public Kernel<4, 4> {
+public:
+    using Input = UYVYAv8;
+    using Output = Packed<16, 4>;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        const __m128i yuv = _mm_max_epi16(_mm_min_epi16(in[0], v8i_0x3ff), v0);
+        const __m128i alpha = _mm_max_epi16(_mm_min_epi16(in[1], v4i_0x3ff), v0);
+        // Chroma from the lower half of a lane, Y from the upper one.
+        constexpr __m128i weights = v4i(1 << 16 | 1024);
+        return {{swapWords(_mm_or_si128(_mm_madd_epi16(yuv, weights), _mm_slli_epi32(alpha, 20)))}};
+    }
+};
+
+/// Samples of 10 bits lie inside the limits of v210.
+template<>
+struct MergedForm<UNPACK_YUVA_TO_UYVYv8, PACK_UYVYv8_TO_V210> {
+    using type = StageList<UNPACK_YUVA_TO_UYVYv8, details::PACK_LIMITED_UYVYv8_TO_V210>;
+};
+
+} // namespace KSX::PixelConversion

@@ -1,0 +1,81 @@
+/// What the colour tables hold. R, G and B of an entry are a pixel of the float layouts, at a
+/// working depth of 10 bits; A stays 1.
+#include "preview/ScreenPreviewLutFill.h"
+
+#include "conversion/Transform.h"
+#include "conversion/colour/ColourspaceConversion.h"
+#include "conversion/colour/Rescale.h"
+#include "conversion/colour/YUVToRGB.h"
+#include "conversion/stages/Deep.h"
+#include "conversion/stages/RGB8.h"
+
+using namespace KSX::PixelConversion;
+
+namespace {
+
+constexpr unsigned kFloatsPerEntry = 4;
+
+using Fill = void (*)(float* table);
+
+/// From the primaries of the table to those of Rec. 709.
+template<class MATRIX>
+using ToRec709 = COLOURSPACE_CONV_RGBv4<Rec709OETF<10u, V1>, MATRIX, Rec709OETF<10u, V1>>;
+
+using StudioToFull = RGBv4_RESCALE<10, false, 10, true, P1>;
+
+/// Runs stages over every entry: a picture that is one pixel wide, with the rows an entry apart.
+template<class... STAGES>
+void convert(float* table)
+{
+    constexpr int kEntryBytes = kFloatsPerEntry * sizeof(float);
+    Transform<BindAll<STAGES...>, kAnyWidth, kPrefetchBlocks>::apply(
+        table, kEntryBytes, table, kEntryBytes, 1, ScreenPreviewLut::kEntries, nullptr);
+}
+
+template<class RANGE, class... GAMUT>
+constexpr Fill kFromYCbCr = convert<UNPACK_YUV44432F_TO_UYVY444v8<10>, //
+                                    UYVY444v8_TO_RGBv4<RANGE, 10, 10, P1>, StudioToFull, GAMUT...,
+                                    PACK_RGBv4_TO_RGB32F<10>>;
+
+template<class... STAGES>
+constexpr Fill kFromRGB =
+    convert<UNPACK_RGB32F_TO_BGRAv8<10>, BGRAv8_TO_RGBv4, STAGES..., PACK_RGBv4_TO_RGB32F<10>>;
+
+void leaveIdentity(float*) {}
+
+template<unsigned COMPONENT>
+void keepOnly(float* table)
+{
+    for (unsigned entry = 0; entry < ScreenPreviewLut::kEntries; ++entry)
+        for (unsigned c = 0; c < 3; ++c)
+            if (c != COMPONENT)
+                table[kFloatsPerEntry * entry + c] = 0;
+}
+
+constexpr Fill kFills[ScreenPreviewLut::kTables] = {
+    kFromYCbCr<StudioRange601, ToRec709<RGB_601NTSC_TO_709>>,
+    kFromYCbCr<StudioRange601, ToRec709<RGB_601PAL_TO_709>>,
+    kFromYCbCr<StudioRange709>,
+    kFromYCbCr<StudioRange2020, ToRec709<RGB_2020_TO_709>>,
+
+    kFromRGB<ToRec709<RGB_601NTSC_TO_709>>,
+    kFromRGB<ToRec709<RGB_601PAL_TO_709>>,
+    leaveIdentity,
+    kFromRGB<ToRec709<RGB_2020_TO_709>>,
+
+    kFromRGB<StudioToFull, ToRec709<RGB_601NTSC_TO_709>>,
+    kFromRGB<StudioToFull, ToRec709<RGB_601PAL_TO_709>>,
+    kFromRGB<StudioToFull>,
+    kFromRGB<StudioToFull, ToRec709<RGB_2020_TO_709>>,
+
+    keepOnly<0>,
+    keepOnly<1>,
+    keepOnly<2>,
+};
+
+} // namespace
+
+void fillScreenPreviewLut(LutID id, float* table)
+{
+    kFills[id](table);
+}
