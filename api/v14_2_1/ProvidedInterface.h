@@ -76,7 +76,8 @@ protected:
     }
     ~CProvidedInterfaceBase() override = default;
 
-    /// Answers for `ownID` and for the old frame, and hands all else on to the current one.
+    /// Answers for `ownID` and for the old frame, and hands all else on to the current one: `out`
+    /// as it is, for it may point to a probe that the frame knows.
     HRESULT answerOrForward(REFIID ownID, REFIID id, void** out)
     {
         if (!out)
@@ -85,8 +86,10 @@ protected:
             return ProbeReply;
         if (id == ownID || id == IID_IKestrixVideoFrame_v14_2_1)
             return AnswerWith<Old>(this, out);
+        if (m_frame)
+            return m_frame->QueryInterface(id, out);
         *out = nullptr;
-        return m_frame ? m_frame->QueryInterface(id, out) : E_NOINTERFACE;
+        return E_NOINTERFACE;
     }
 
     /// Calls an operation of the frame. Where there is no frame, statuses are `E_FAIL` and numbers

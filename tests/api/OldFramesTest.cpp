@@ -460,6 +460,19 @@ TEST(CurrentFrame, TakesNoAdapterWithoutTheInterfacesForIt)
     EXPECT_EQ(frame->references(), 1U);
 }
 
+TEST(CurrentFrame, IsUnwrappedThroughItsAdapterWhereItAnswersTheProbe)
+{
+    for (const bool answers : {false, true}) {
+        const auto frame = TestFrame::create(capturedOptions());
+        frame->answersProbe = answers;
+        IKestrixVideoFrame_v14_2_1* old = nullptr;
+        ASSERT_EQ(attachInput(frame.get(), &old), S_OK);
+        EXPECT_EQ(wrap(old).get() == frame.get(), answers);
+        old->Release();
+        EXPECT_EQ(frame->references(), 1U);
+    }
+}
+
 TEST(CurrentFrame, WithoutABufferHasAnAdapterWithoutBytes)
 {
     for (const HRESULT startAccessStatus : {S_OK, E_FAIL}) {

@@ -1,6 +1,7 @@
 /// Frames in memory that fail where a test wants it to, and tell what was done with them.
 #pragma once
 
+#include "api/KestrixPreviewAPI_v14_2_1.h"
 #include "host/MutableMemoryFrame.h"
 
 #include <algorithm>
@@ -20,6 +21,8 @@ public:
 
     /// Interfaces that `QueryInterface` has not to give.
     std::vector<REFIID> lacks;
+    /// Queries for `IUnknown` are answered as the probe, the place for the answer left as it is.
+    bool answersProbe = false;
     /// So many registrations of providers are taken, and the next refused with this status.
     int registrationsTaken = std::numeric_limits<int>::max();
     static constexpr HRESULT kRegistrationRefused = E_NOTIMPL;
@@ -40,6 +43,8 @@ public:
             *out = nullptr;
             return E_NOINTERFACE;
         }
+        if (answersProbe && id == IID_IUnknown)
+            return ProbeReply;
         return FRAME::QueryInterface(id, out);
     }
 
