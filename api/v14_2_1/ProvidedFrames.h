@@ -27,6 +27,7 @@ public:
 };
 
 /// A mutable frame: attached as a plain old frame as well, in the place of one that was before.
+/// That one ends, whatever references were taken to it, so callers attach the richer adapter first.
 class CKestrixMutableVideoFrame_v14_2_1 final
     : public CProvidedInterfaceBase<IKestrixMutableVideoFrame, IKestrixMutableVideoFrame_v14_2_1,
                                     CKestrixMutableVideoFrame_v14_2_1> {
@@ -53,7 +54,8 @@ public:
 };
 
 /// A captured frame, which takes registrations by its `IKestrixFrameProviderRegistry`: attached as
-/// a plain old frame and for the old 3D extensions as well. Extensions are made for every query.
+/// a plain old frame and for the old 3D extensions as well, in the place of those that were before,
+/// with the same consequence. Extensions are made for every query.
 ///
 /// A frame with the registry that is no `IKestrixVideoInputFrame` gets an adapter that has nothing
 /// to give: it counts no references, and what is asked of it fails.
