@@ -9,8 +9,8 @@
 
 namespace kestrix::host {
 
-/// The providers that are registered with a frame. Any thread; no provider is called under the
-/// lock.
+/// The providers that are registered with a frame. Any thread; no provider is queried or ends under
+/// the lock.
 class InterfaceProviders {
 public:
     /// Answers queries for `id` by `provider` from now on, to which it holds a reference, in the
