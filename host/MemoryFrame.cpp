@@ -1,50 +1,7 @@
 /// The interfaces of a frame in memory.
 #include "host/MemoryFrame.h"
 
-#include "conversion/PixelFormats.h"
-
-#include <cstring>
-#include <new>
-#include <stdexcept>
-
 namespace kestrix::host {
-namespace {
-
-constexpr std::align_val_t kAlignment{16};
-
-std::int64_t rowBytesOf(const MemoryFrameOptions& options)
-{
-    if (options.width < 0 || options.height < 0)
-        throw std::invalid_argument("a frame can't have a negative size");
-    if (options.rowBytes)
-        return *options.rowBytes;
-    const auto* format = KSX::PixelConversion::findPixelFormat(options.format);
-    if (!format)
-        throw std::invalid_argument("a frame of an unknown format needs its row bytes");
-    return static_cast<std::int64_t>(
-        KSX::PixelConversion::rowBytes(*format, static_cast<std::size_t>(options.width)));
-}
-
-std::uint8_t* allocate(std::int64_t rowBytes, std::int64_t height)
-{
-    if (rowBytes < 0)
-        throw std::invalid_argument("a frame with its own bytes can't have negative row bytes");
-    std::int64_t lines = 0;
-    std::int64_t size = 0;
-    if (__builtin_mul_overflow(rowBytes, height, &lines) ||
-        __builtin_add_overflow(lines, MemoryFrame::kReadableBehind, &size))
-        throw std::bad_alloc();
-    void* bytes = ::operator new(static_cast<std::size_t>(size), kAlignment);
-    std::memset(bytes, 0, static_cast<std::size_t>(size));
-    return static_cast<std::uint8_t*>(bytes);
-}
-
-} // namespace
-
-void MemoryFrame::FreeBytes::operator()(std::uint8_t* bytes) const
-{
-    ::operator delete(bytes, kAlignment);
-}
 
 Owned<MemoryFrame> MemoryFrame::create(const MemoryFrameOptions& options)
 {
@@ -53,9 +10,9 @@ Owned<MemoryFrame> MemoryFrame::create(const MemoryFrameOptions& options)
 
 MemoryFrame::MemoryFrame(const MemoryFrameOptions& options)
     : m_options(options),
-      m_rowBytes(rowBytesOf(options)),
+      m_rowBytes(frameRowBytes(options.width, options.height, options.format, options.rowBytes)),
       m_rightEye(share(options.rightEye)),
-      m_ownBytes(options.bytes ? nullptr : allocate(m_rowBytes, options.height)),
+      m_ownBytes(options.bytes ? nullptr : allocateFrameBytes(m_rowBytes, options.height)),
       m_bytes(options.bytes ? static_cast<std::uint8_t*>(options.bytes) : m_ownBytes.get())
 {
 }
@@ -77,10 +34,10 @@ HRESULT MemoryFrame::QueryInterface(REFIID id, void** out)
         *out = static_cast<IKestrixVideoFrame3DExtensions*>(this);
     else if (id == IID_IKestrixVideoInputFrame && m_options.captured)
         *out = static_cast<IKestrixVideoInputFrame*>(this);
-    else {
-        *out = nullptr;
-        return E_NOINTERFACE;
-    }
+    else if (id == IID_IKestrixFrameProviderRegistry && m_options.captured)
+        *out = static_cast<IKestrixFrameProviderRegistry*>(this);
+    else
+        return m_providers.query(id, out);
     AddRef();
     return S_OK;
 }
@@ -183,6 +140,11 @@ HRESULT MemoryFrame::GetFrameForRightEye(IKestrixVideoFrame** out)
         return E_INVALIDARG;
     *out = share(m_rightEye.get()).release();
     return *out ? S_OK : E_FAIL;
+}
+
+HRESULT MemoryFrame::RegisterInterfaceProvider(REFIID id, IUnknown* provider)
+{
+    return m_providers.add(id, provider);
 }
 
 } // namespace kestrix::host

@@ -2,12 +2,13 @@
 #pragma once
 
 #include "api/KestrixPreviewAPI.h"
+#include "host/FrameBytes.h"
+#include "host/InterfaceProviders.h"
 #include "host/Owned.h"
 
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <optional>
 
 namespace kestrix::host {
@@ -26,7 +27,7 @@ struct MemoryFrameOptions {
     /// What `GetInt` answers for `MetadataColorspace`, a `KestrixColorspaceCode` or anything else.
     /// Left out: the frame has no metadata interface.
     std::optional<std::int64_t> colorspace{};
-    /// The frame answers for `IID_IKestrixVideoInputFrame`.
+    /// The frame answers for `IID_IKestrixVideoInputFrame`, and has a registry of providers.
     bool captured = false;
     /// What `Get3DPackingFormat` answers, a `Kestrix3DPackingFormat` or anything else. Left out:
     /// the frame has no 3D interface.
@@ -47,12 +48,9 @@ struct MemoryFrameOptions {
 class MemoryFrame : public IKestrixVideoInputFrame,
                     public IKestrixVideoBuffer,
                     public IKestrixVideoFrameMetadata,
-                    public IKestrixVideoFrame3DExtensions {
+                    public IKestrixVideoFrame3DExtensions,
+                    public IKestrixFrameProviderRegistry {
 public:
-    /// Own memory goes on this many zeroed bytes behind the last line: conversions that rebuild
-    /// chroma look at the pixels to the right of a line's last ones.
-    static constexpr std::size_t kReadableBehind = 64;
-
     /// Makes a frame with one reference. Throws `std::invalid_argument` for a negative size or a
     /// format with no default row size where none is given, `std::bad_alloc` where memory is short.
     static Owned<MemoryFrame> create(const MemoryFrameOptions& options);
@@ -103,22 +101,24 @@ public:
     std::uint32_t Get3DPackingFormat() override;
     HRESULT GetFrameForRightEye(IKestrixVideoFrame** out) override;
 
+    // IKestrixFrameProviderRegistry
+    HRESULT Reserved1() override { return E_NOTIMPL; }
+    HRESULT Reserved2() override { return E_NOTIMPL; }
+    HRESULT RegisterInterfaceProvider(REFIID id, IUnknown* provider) override;
+
 protected:
     explicit MemoryFrame(const MemoryFrameOptions& options);
     ~MemoryFrame() override;
 
 private:
-    struct FreeBytes {
-        void operator()(std::uint8_t* bytes) const;
-    };
-
     std::atomic<int>* openAccessesWith(std::uint32_t flags);
 
     const MemoryFrameOptions m_options;
     const std::int64_t m_rowBytes;
     const Owned<IKestrixVideoFrame> m_rightEye;
-    const std::unique_ptr<std::uint8_t, FreeBytes> m_ownBytes;
+    const FrameBytes m_ownBytes;
     std::uint8_t* const m_bytes;
+    InterfaceProviders m_providers;
     std::atomic<std::uint32_t> m_references{1};
     std::atomic<int> m_openReads{0};
     std::atomic<int> m_openReadWrites{0};

@@ -1,7 +1,7 @@
-/// The chief header by itself, twice, in the oldest C++ that hosts build with: it has to compile,
+/// The headers by themselves, twice, in the oldest C++ that hosts build with: they have to compile,
 /// and the values that cross the boundary have to be these.
-#include <KestrixPreviewAPI.h>
-#include <KestrixPreviewAPI.h> // NOLINT(readability-duplicate-include): guarded against that
+#include <KestrixPreviewAPI_v14_2_1.h>
+#include <KestrixPreviewAPI_v14_2_1.h> // NOLINT(readability-duplicate-include): guarded
 
 static_assert(sizeof(REFIID) == 16, "an id is 16 bytes");
 static_assert(sizeof(HRESULT) == 4, "a status is 32 bits");
@@ -15,3 +15,4 @@ static_assert(static_cast<unsigned>(E_FAIL) == 0x80000008u, "status");
 static_assert(static_cast<unsigned>(E_UNEXPECTED) == 0x8000FFFFu, "status");
 static_assert(FrameFlagFlipVertical == 1, "flag");
 static_assert(BufferAccessRead == 1 && BufferAccessReadWrite == 3, "flags");
+static_assert(ProbeSentinel == 0xBEEF && ProbeReply == 0x0FEE1BAD, "probe");

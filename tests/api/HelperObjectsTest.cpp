@@ -1,4 +1,5 @@
 /// The helpers as reference-counted objects, and the factories that make them.
+#include "api/KestrixPreviewAPI_v14_2_1.h"
 #include "tests/support/AllocationFaults.h"
 #include "tests/support/CaseName.h"
 #include "tests/support/PreviewFixture.h"
@@ -11,6 +12,7 @@ namespace {
 struct Factory {
     const char* name;
     CreateScreenPreviewHelperFunction create;
+    CreateScreenPreviewHelperFunction_v14_2_1 createOld;
 };
 
 class HelperObject : public FakeGLTest, public testing::WithParamInterface<Factory> {
@@ -83,29 +85,55 @@ TEST_P(HelperObject, IsNullWhereMemoryIsShort)
     // What a process keeps for good, such as colour tables, is made first.
     make().reset();
 
-    for (int number = 0;; ++number) {
-        const long before = liveAllocations();
-        int failed = 0;
-        Helper helper;
-        {
-            const auto faults = AllocationFaults::number(number);
-            helper.reset(GetParam().create());
-            failed = faults.failed();
+    const auto check = [this](auto create, int leastAllocations) {
+        for (int number = 0;; ++number) {
+            gl.clear(); // what was written down of the one before
+            const long before = liveAllocations();
+            int failed = 0;
+            host::Owned<std::remove_pointer_t<decltype(create())>> helper;
+            {
+                const auto faults = AllocationFaults::number(number);
+                helper.reset(create());
+                failed = faults.failed();
+            }
+            if (!failed) {
+                EXPECT_GE(number, leastAllocations);
+                ASSERT_NE(helper, nullptr);
+                EXPECT_EQ(helper->InitializeGL(), S_OK);
+                break;
+            }
+            EXPECT_EQ(helper, nullptr) << "allocation " << number;
+            gl.clear();
+            EXPECT_EQ(liveAllocations(), before) << "allocation " << number;
         }
-        if (!failed) {
-            EXPECT_GE(number, 1);
-            ASSERT_NE(helper, nullptr);
-            EXPECT_EQ(helper->InitializeGL(), S_OK);
-            break;
-        }
-        EXPECT_EQ(helper, nullptr) << "allocation " << number;
-        EXPECT_EQ(liveAllocations(), before) << "allocation " << number;
-    }
+    };
+    check(GetParam().create, 1);
+    check(GetParam().createOld, 2);
+}
+
+TEST_P(HelperObject, IsInsideTheOldOneAndOwnedByIt)
+{
+    const host::Owned<IKestrixGLScreenPreviewHelper_v14_2_1> old(GetParam().createOld());
+    ASSERT_NE(old, nullptr);
+    EXPECT_EQ(host::query<IUnknown>(old.get(), IID_IKestrixGLScreenPreviewHelper_v14_2_1).get(),
+              old.get());
+    const auto current =
+        host::query<IKestrixGLScreenPreviewHelper>(old.get(), IID_IKestrixGLScreenPreviewHelper);
+    ASSERT_NE(current, nullptr);
+    EXPECT_EQ(host::query<IUnknown>(old.get(), IID_IUnknown).get(), current.get());
+    EXPECT_EQ(current->AddRef(), 3u) << "the old one's, the query's and this";
+    EXPECT_EQ(current->Release(), 2u);
+    EXPECT_EQ(old->InitializeGL(), S_OK);
+    EXPECT_EQ(old->Set3DPreviewFormat(Preview3DSideBySide), S_OK);
+    EXPECT_EQ(old->SetFrame(nullptr), S_OK);
+    EXPECT_EQ(old->PaintGL(), S_OK);
 }
 
 INSTANTIATE_TEST_SUITE_P(Api, HelperObject,
-                         testing::Values(Factory{"Legacy", CreateOpenGLScreenPreviewHelper_0002},
-                                         Factory{"OpenGL3", CreateOpenGL3ScreenPreviewHelper_0002}),
+                         testing::Values(Factory{"Legacy", CreateOpenGLScreenPreviewHelper_0002,
+                                                 CreateOpenGLScreenPreviewHelper_0001},
+                                         Factory{"OpenGL3", CreateOpenGL3ScreenPreviewHelper_0002,
+                                                 CreateOpenGL3ScreenPreviewHelper_0001}),
                          caseName);
 
 } // namespace

@@ -1,7 +1,9 @@
 # Fails unless LIBRARY shows the factories and nothing else, under its lasting name.
 # Takes LIBRARY, SONAME, NM and READELF.
 set(expected
+  CreateOpenGL3ScreenPreviewHelper_0001
   CreateOpenGL3ScreenPreviewHelper_0002
+  CreateOpenGLScreenPreviewHelper_0001
   CreateOpenGLScreenPreviewHelper_0002)
 
 execute_process(COMMAND ${NM} -D --defined-only --format=posix ${LIBRARY}

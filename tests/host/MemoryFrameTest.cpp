@@ -20,7 +20,8 @@ const std::array kAllIds = {IID_IUnknown,
                             IID_IKestrixVideoBuffer,
                             IID_IKestrixVideoFrameMetadata,
                             IID_IKestrixVideoFrame3DExtensions,
-                            IID_IKestrixVideoInputFrame};
+                            IID_IKestrixVideoInputFrame,
+                            IID_IKestrixFrameProviderRegistry};
 
 MemoryFrameOptions smallFrame()
 {
@@ -66,7 +67,8 @@ TEST(MemoryFrame, HasOnlyTheInterfacesAskedFor)
 {
     const auto frame = MemoryFrame::create(smallFrame());
     for (const REFIID& id : {IID_IKestrixVideoFrameMetadata, IID_IKestrixVideoFrame3DExtensions,
-                             IID_IKestrixVideoInputFrame, IID_IKestrixMutableVideoFrame}) {
+                             IID_IKestrixVideoInputFrame, IID_IKestrixMutableVideoFrame,
+                             IID_IKestrixFrameProviderRegistry}) {
         void* pointer = this;
         EXPECT_EQ(frame->QueryInterface(id, &pointer), E_NOINTERFACE);
         EXPECT_EQ(pointer, nullptr);
@@ -123,7 +125,7 @@ TEST(MemoryFrame, HasAlignedZeroedMemoryOfWholeGroups)
     EXPECT_EQ(frame->GetRowBytes(), 32); // 7 pixels are two groups of 6
     EXPECT_EQ(frame->size(), 96U);
     EXPECT_EQ(reinterpret_cast<std::uintptr_t>(frame->bytes()) % 16, 0U);
-    for (std::size_t i = 0; i < frame->size() + MemoryFrame::kReadableBehind; ++i)
+    for (std::size_t i = 0; i < frame->size() + kReadableBehind; ++i)
         ASSERT_EQ(frame->bytes()[i], 0) << i;
 }
 

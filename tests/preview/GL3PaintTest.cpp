@@ -241,7 +241,7 @@ TEST_F(GL3Paint, ExchangesTheTableOnlyWhereAnotherIsNeeded)
 TEST_F(GL3Paint, UploadsNothingOfAFrameWithoutBytes)
 {
     for (const auto& fail : {
-             +[](TestFrame& frame) { frame.hasBuffer = false; },
+             +[](TestFrame& frame) { frame.lacks = {IID_IKestrixVideoBuffer}; },
              +[](TestFrame& frame) { frame.startAccessStatus = E_FAIL; },
              +[](TestFrame& frame) { frame.getBytesStatus = E_FAIL; },
          }) {

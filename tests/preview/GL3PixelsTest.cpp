@@ -322,7 +322,7 @@ TEST_F(GL3Pixels, LeaveTheStateAsPromised)
     const Frame right = noise(v210, 1);
     const Frame left = noise(stereo(v210, right), 2);
     const Frame without = noise({.width = 16, .height = 16, .format = code("BGRA")}, 3);
-    without->hasBuffer = false;
+    without->lacks = {IID_IKestrixVideoBuffer};
     // A frame of two eyes, none, and one that changes the table and has no bytes.
     for (TestFrame* const frame : {left.get(), static_cast<TestFrame*>(nullptr), without.get()}) {
         helper->SetFrame(frame);

@@ -391,7 +391,7 @@ TEST_F(GLPreview, ShowsOldContentsForAFrameWithoutBytes)
     frame->startAccessStatus = E_FAIL;
     for (const int expected : {5, 6}) // one slot after the other
         expectPart(show(frame), {.tag = expected});
-    frame->hasBuffer = false;
+    frame->lacks = {IID_IKestrixVideoBuffer};
     expectPart(show(frame), {.tag = 5});
 }
 

@@ -1,22 +1,31 @@
-/// A frame in memory that fails where a test wants it to, and tells what was done with its memory.
+/// Frames in memory that fail where a test wants it to, and tell what was done with them.
 #pragma once
 
-#include "host/MemoryFrame.h"
+#include "api/KestrixPreviewAPI_v14_2_1.h"
+#include "host/MutableMemoryFrame.h"
 
+#include <algorithm>
+#include <limits>
 #include <string>
 #include <vector>
 
 namespace kestrix::test {
 
-class TestFrame : public host::MemoryFrame {
+template<class FRAME>
+class BasicTestFrame : public FRAME {
 public:
-    static host::Owned<TestFrame> create(const host::MemoryFrameOptions& options)
+    static host::Owned<BasicTestFrame> create(const host::MemoryFrameOptions& options)
     {
-        return host::Owned<TestFrame>(new TestFrame(options));
+        return host::Owned<BasicTestFrame>(new BasicTestFrame(options));
     }
 
-    /// Where there is no buffer, `QueryInterface` has none to give.
-    bool hasBuffer = true;
+    /// Interfaces that `QueryInterface` has not to give.
+    std::vector<REFIID> lacks;
+    /// Queries for `IUnknown` are answered as the probe, the place for the answer left as it is.
+    bool answersProbe = false;
+    /// So many registrations of providers are taken, and the next refused with this status.
+    int registrationsTaken = std::numeric_limits<int>::max();
+    static constexpr HRESULT kRegistrationRefused = E_NOTIMPL;
     HRESULT startAccessStatus = S_OK;
     HRESULT getBytesStatus = S_OK;
     HRESULT rightEyeStatus = S_OK;
@@ -30,47 +39,49 @@ public:
 
     HRESULT QueryInterface(REFIID id, void** out) override
     {
-        if (out && id == IID_IKestrixVideoBuffer && !hasBuffer) {
+        if (out && std::find(lacks.begin(), lacks.end(), id) != lacks.end()) {
             *out = nullptr;
             return E_NOINTERFACE;
         }
-        return MemoryFrame::QueryInterface(id, out);
+        if (answersProbe && id == IID_IUnknown)
+            return ProbeReply;
+        return FRAME::QueryInterface(id, out);
     }
 
     std::uint32_t AddRef() override
     {
         note("AddRef");
-        return MemoryFrame::AddRef();
+        return FRAME::AddRef();
     }
 
     std::uint32_t Release() override
     {
         note("Release");
-        return MemoryFrame::Release();
+        return FRAME::Release();
     }
 
     HRESULT StartAccess(std::uint32_t flags) override
     {
         note("StartAccess " + std::to_string(flags));
-        return startAccessStatus < 0 ? startAccessStatus : MemoryFrame::StartAccess(flags);
+        return startAccessStatus < 0 ? startAccessStatus : FRAME::StartAccess(flags);
     }
 
     HRESULT GetBytes(void** out) override
     {
         note("GetBytes");
-        const HRESULT status = MemoryFrame::GetBytes(out);
+        const HRESULT status = FRAME::GetBytes(out);
         return getBytesStatus < 0 ? getBytesStatus : status;
     }
 
     HRESULT EndAccess(std::uint32_t flags) override
     {
         note("EndAccess " + std::to_string(flags));
-        return MemoryFrame::EndAccess(flags);
+        return FRAME::EndAccess(flags);
     }
 
     HRESULT GetInt(std::uint32_t id, std::int64_t* out) override
     {
-        const HRESULT status = MemoryFrame::GetInt(id, out);
+        const HRESULT status = FRAME::GetInt(id, out);
         return status < 0 ? status : getIntStatus;
     }
 
@@ -80,11 +91,18 @@ public:
             *out = nullptr;
             return rightEyeStatus;
         }
-        return MemoryFrame::GetFrameForRightEye(out);
+        return FRAME::GetFrameForRightEye(out);
+    }
+
+    HRESULT RegisterInterfaceProvider(REFIID id, IUnknown* provider) override
+    {
+        if (provider && registrationsTaken-- <= 0)
+            return kRegistrationRefused;
+        return FRAME::RegisterInterfaceProvider(id, provider);
     }
 
 protected:
-    using MemoryFrame::MemoryFrame;
+    using FRAME::FRAME;
 
 private:
     void note(const std::string& operation)
@@ -93,5 +111,8 @@ private:
             log->push_back(name + operation);
     }
 };
+
+using TestFrame = BasicTestFrame<host::MemoryFrame>;
+using MutableTestFrame = BasicTestFrame<host::MutableMemoryFrame>;
 
 } // namespace kestrix::test
