@@ -163,7 +163,8 @@ private:
     };
 
     /// By Horner's rule, from the highest power down. All lanes go side by side, since each step
-    /// has to wait for the one before.
+    /// has to wait for the one before; sums that are left to the compiler come out one behind the
+    /// other, and fill the processor's queue with instructions that wait.
     template<std::size_t N, unsigned TERMS>
     KSX_INLINE static Pairs<N> evaluate(const double (&polynomial)[TERMS], const Pairs<N>& x)
     {
@@ -175,8 +176,19 @@ private:
                 sums.v[I] = _mm_add_pd(_mm_mul_pd(sums.v[I], x.v[I]),
                                        _mm_set1_pd(polynomial[TERMS - FROM_END]));
             });
+            keepTogether(sums.v);
         });
         return sums;
+    }
+
+    /// Lets the compiler begin nothing behind it before all sums are there. No instruction.
+    KSX_INLINE static void keepTogether(__m128d (&v)[4])
+    {
+        asm("" : "+x"(v[0]), "+x"(v[1]), "+x"(v[2]), "+x"(v[3]));
+    }
+    KSX_INLINE static void keepTogether(__m128d (&v)[6])
+    {
+        asm("" : "+x"(v[0]), "+x"(v[1]), "+x"(v[2]), "+x"(v[3]), "+x"(v[4]), "+x"(v[5]));
     }
 
     KSX_INLINE static __m128i encode(__m128d l, __m128d power)

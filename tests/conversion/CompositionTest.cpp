@@ -28,15 +28,15 @@ namespace KSX::PixelConversion {
 
 template<>
 struct MergedForm<kestrix::test::A, kestrix::test::B> {
-    using type = kestrix::test::AThenB;
+    using type = StageList<kestrix::test::AThenB>;
 };
 template<>
 struct MergedForm<kestrix::test::A, kestrix::test::B, kestrix::test::C> {
-    using type = kestrix::test::AThenBThenC;
+    using type = StageList<kestrix::test::AThenBThenC>;
 };
 template<>
 struct MergedForm<kestrix::test::Single> {
-    using type = kestrix::test::SingleOnEights;
+    using type = StageList<kestrix::test::SingleOnEights>;
 };
 
 } // namespace KSX::PixelConversion

@@ -176,7 +176,8 @@ inline WrittenRow writeYUV(const Layout& layout, const PixelLanes& lanes, std::s
     };
     const auto unknown = [&](std::size_t i) {
         // Only a neighbour outside its range makes chroma negative.
-        return i % 2 == 0 || matrix.studio || anythingBehind ? chromaUnknown(i / 2) : lanes.anyUnknown(i / 2);
+        return i % 2 == 0 || matrix.studio || anythingBehind ? chromaUnknown(i / 2)
+                                                             : lanes.anyUnknown(i / 2);
     };
     const auto alpha = [&](std::size_t x) {
         const int a = lanes.bgra[4 * x + 3];
