@@ -67,8 +67,9 @@ void expectCurve(float (*decoded)(int), double (*encoded)(float))
 {
     using Curve = Rec709OETF<BITS, V>;
     for (int i = 0; i < 1 << BITS; ++i) {
-        const Light<1> light = Curve::template inverse<4, 1>({{_mm_set1_epi32(i)}});
-        for (const float got : std::bit_cast<std::array<float, 4>>(light.v[0]))
+        const __m128i code = _mm_set1_epi32(i);
+        const Light<2> light = Curve::template inverse<4, 2>({{code, code}});
+        for (const float got : std::bit_cast<std::array<float, 8>>(light))
             ASSERT_EQ(got, decoded(i)) << i;
     }
     std::vector<float> lights{-1.0f, -0.0f, 0.0181f, 1.0f, 1.05f, 1.47f, 1.5f, 2.0f};
@@ -77,11 +78,11 @@ void expectCurve(float (*decoded)(int), double (*encoded)(float))
     // Lanes that take the straight part of the curve stand beside lanes that do not.
     for (std::size_t i = 0; i < lights.size(); ++i) {
         const std::array<float, 4> in{lights[i], 1.0f, lights[lights.size() - 1 - i], -0.1f};
-        const Codes<1> codes =
-            Curve::template forward<4, 1>({{_mm_setr_ps(in[0], in[1], in[2], in[3])}});
-        const auto got = std::bit_cast<std::array<int, 4>>(codes.v[0]);
-        for (std::size_t lane = 0; lane < 4; ++lane)
-            ASSERT_EQ(got[lane], reference::roundedCode(encoded(in[lane]))) << in[lane];
+        const __m128 light = _mm_setr_ps(in[0], in[1], in[2], in[3]);
+        const Codes<2> codes = Curve::template forward<4, 2>({{light, light}});
+        const auto got = std::bit_cast<std::array<int, 8>>(codes);
+        for (std::size_t lane = 0; lane < 8; ++lane)
+            ASSERT_EQ(got[lane], reference::roundedCode(encoded(in[lane % 4]))) << in[lane % 4];
     }
 }
 
