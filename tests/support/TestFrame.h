@@ -5,8 +5,10 @@
 #include "host/MutableMemoryFrame.h"
 
 #include <algorithm>
+#include <chrono>
 #include <limits>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace kestrix::test {
@@ -25,6 +27,8 @@ public:
     bool answersProbe = false;
     /// So many registrations of providers are taken, and the next refused with this status.
     int registrationsTaken = std::numeric_limits<int>::max();
+    /// How long a registration takes, for other threads to come in between.
+    std::chrono::microseconds registrationTime{0};
     static constexpr HRESULT kRegistrationRefused = E_NOTIMPL;
     HRESULT startAccessStatus = S_OK;
     HRESULT getBytesStatus = S_OK;
@@ -98,6 +102,7 @@ public:
     {
         if (provider && registrationsTaken-- <= 0)
             return kRegistrationRefused;
+        std::this_thread::sleep_for(registrationTime);
         return FRAME::RegisterInterfaceProvider(id, provider);
     }
 
