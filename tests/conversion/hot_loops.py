@@ -19,7 +19,7 @@ import sys
 
 LOOP = re.compile(r"^void KSX::PixelConversion::runBlocks<false, 0u, \d+u, (.*?)>\(")
 SPILLS_ALLOWED = 0.025
-SPILLS_ALLOWED_WITH_CURVES = 0.04
+SPILLS_ALLOWED_WITH_CURVES = 0.06
 
 HEADER = re.compile(r"^[0-9a-f]+ <(.*)>:$")
 INSTRUCTION = re.compile(r"^\s*([0-9a-f]+):\t(\S+)\s*(.*?)\s*(?:#.*)?$")
