@@ -5,10 +5,11 @@
 /// `Rec709OETF`, `MATRIX` one of the matrices between RGB of two colourspaces.
 #pragma once
 
-#include "conversion/Kernel.h"
+#include "conversion/Pipeline.h"
 #include "conversion/VectorConstants.h"
 #include "conversion/colour/GamutMatrices.h"
 #include "conversion/colour/TransferCharacteristicRec709OETF.h"
+#include "conversion/stages/RGB8.h"
 
 namespace KSX::PixelConversion {
 
@@ -29,13 +30,40 @@ inline constexpr bool kLimitsLight<RGB_709_TO_601NTSC> = true;
 
 namespace details {
 
-template<class MATRIX>
+/// Light behind a matrix, on its way to `CURVE`.
+template<class MATRIX, class CURVE>
 KSX_INLINE __m128 limitLight(__m128 light)
 {
-    if constexpr (kLimitsLight<MATRIX>)
+    if constexpr (kLimitsLight<MATRIX> && !CURVE::kLimitsLight)
         return _mm_max_ps(_mm_min_ps(light, _mm_set1_ps(1)), _mm_setzero_ps());
     else
         return light;
+}
+
+/// Output component `ROW` of four pixels. Of the input, vectors of components lie `STRIDE` apart.
+/// Products are added in the order of components `A`, `B` and `C`.
+template<class MATRIX, class CURVE, int ROW, int A, int B, int C, std::size_t STRIDE>
+KSX_INLINE __m128 component(const __m128* rgb)
+{
+    constexpr const float* row = MATRIX::get() + 3 * ROW;
+    return limitLight<MATRIX, CURVE>(
+        _mm_add_ps(_mm_add_ps(_mm_mul_ps(rgb[A * STRIDE], _mm_set1_ps(row[A])),
+                              _mm_mul_ps(rgb[B * STRIDE], _mm_set1_ps(row[B]))),
+                   _mm_mul_ps(rgb[C * STRIDE], _mm_set1_ps(row[C]))));
+}
+
+/// Converts `N` vectors, R of all pixels, then G, then B. They go side by side, for a table's
+/// entry takes long to come, and there is more to do meanwhile.
+template<class IN, class MATRIX, class OUT, int A, int B, int C, std::size_t N>
+KSX_INLINE Codes<N> convertPlanes(const Codes<N>& rgb)
+{
+    constexpr std::size_t kStride = N / 3;
+    const Light<N> in = IN::template inverse<4, N>(rgb);
+    Light<N> out;
+    unrolled<0, N>([&]<unsigned I>() KSX_INLINE_LAMBDA {
+        out.v[I] = component<MATRIX, OUT, I / kStride, A, B, C, kStride>(in.v + I % kStride);
+    });
+    return OUT::template forward<4, N>(out);
 }
 
 } // namespace details
@@ -78,7 +106,7 @@ private:
         const __m128 b = _mm_shuffle_ps(bgra, bgra, _MM_SHUFFLE(0, 0, 0, 0));
         const __m128 g = _mm_shuffle_ps(bgra, bgra, _MM_SHUFFLE(1, 1, 1, 1));
         const __m128 r = _mm_shuffle_ps(bgra, bgra, _MM_SHUFFLE(2, 2, 2, 2));
-        return details::limitLight<MATRIX>(
+        return details::limitLight<MATRIX, OUT>(
             _mm_add_ps(_mm_add_ps(_mm_mul_ps(g, mG), _mm_mul_ps(r, mR)), _mm_mul_ps(b, mB)));
     }
 };
@@ -96,22 +124,52 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        const Light<3> rgb = IN::template inverse<4, 3>({in[0], in[1], in[2]});
         const Codes<3> out =
-            OUT::template forward<4, 3>({component<0>(rgb), component<1>(rgb), component<2>(rgb)});
+            details::convertPlanes<IN, MATRIX, OUT, 2, 1, 0, 3>({in[0], in[1], in[2]});
         return {{out.v[0], out.v[1], out.v[2]}};
     }
+};
 
-private:
-    template<int ROW>
-    KSX_INLINE static __m128 component(const Light<3>& rgb)
+// --- On planes of 16-bit lanes -------------------------------------------------------------------
+
+namespace details {
+
+/// Converts planes of 8-bit codes. 8 pixels a step. Alpha passes where there is one.
+template<class PLANES, class MATRIX, VectorTypeFlag V, int A, int B, int C>
+class COLOURSPACE_CONV_PLANES : public Kernel<8, 8> {
+    using Curve = Rec709OETF<8, V>;
+
+public:
+    using Input = PLANES;
+    using Output = PLANES;
+
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
     {
-        constexpr const float* row = MATRIX::get() + 3 * ROW;
-        return details::limitLight<MATRIX>(
-            _mm_add_ps(_mm_add_ps(_mm_mul_ps(rgb.v[2], _mm_set1_ps(row[2])),
-                                  _mm_mul_ps(rgb.v[1], _mm_set1_ps(row[1]))),
-                       _mm_mul_ps(rgb.v[0], _mm_set1_ps(row[0]))));
+        const Codes<6> codes = convertPlanes<Curve, MATRIX, Curve, A, B, C, 6>(
+            {_mm_unpacklo_epi16(in[0], v0), _mm_unpackhi_epi16(in[0], v0),
+             _mm_unpacklo_epi16(in[1], v0), _mm_unpackhi_epi16(in[1], v0),
+             _mm_unpacklo_epi16(in[2], v0), _mm_unpackhi_epi16(in[2], v0)});
+        Pixels<Output, 8> out = in;
+        for (unsigned c = 0; c < 3; ++c)
+            out[c] = _mm_packs_epi32(codes.v[2 * c], codes.v[2 * c + 1]);
+        return out;
     }
+};
+
+} // namespace details
+
+template<VectorTypeFlag V, class MATRIX>
+struct Twin<COLOURSPACE_CONV_RGBv4<Rec709OETF<8, V>, MATRIX, Rec709OETF<8, V>>> {
+    using type = details::COLOURSPACE_CONV_PLANES<RGBv8, MATRIX, V, 2, 1, 0>;
+};
+
+/// Lanes of one pixel leave a fourth of each vector empty, and every component of the input has to
+/// be spread over three.
+template<VectorTypeFlag V, class MATRIX>
+struct MergedForm<COLOURSPACE_CONV_BGRAv8<Rec709OETF<8, V>, MATRIX, Rec709OETF<8, V>>> {
+    using type =
+        StageList<BGRAv8_TO_RGBAv8, details::COLOURSPACE_CONV_PLANES<RGBAv8, MATRIX, V, 1, 0, 2>,
+                  RGBAv8_TO_BGRAv8>;
 };
 
 } // namespace KSX::PixelConversion

@@ -2,11 +2,13 @@
 #include "conversion/colour/TransferCharacteristicPQ.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
-#include <cstdio>
+#include <cstdint>
 #include <fstream>
 #include <iomanip>
 #include <iostream>
+#include <sstream>
 #include <vector>
 
 namespace {
@@ -25,6 +27,31 @@ double rec709ToLinear(double v)
 double rec709FromLinear(double l)
 {
     return l < kBeta ? 4.5 * l : kAlpha * std::pow(l, 0.45) - (kAlpha - 1);
+}
+
+/// The 8-bit code of light in steps of 1/1279, as `Rec709OETF<8, V>::forward` states it.
+int encode8(const std::vector<float>& table, float f)
+{
+    const auto at = [&](float i) {
+        return table[std::min(static_cast<std::size_t>(i), table.size() - 1)];
+    };
+    const float fraction = f - std::trunc(f);
+    const float upper = fraction * at(std::nearbyint(f));
+    const float lower = (1 - fraction) * at(std::trunc(f));
+    return static_cast<int>(std::nearbyint(upper + lower));
+}
+
+/// The first float between `begin` and `end` that has a higher code than `begin`; `end` if none.
+float findRise(const std::vector<float>& table, float begin, float end)
+{
+    const int code = encode8(table, begin);
+    auto low = std::bit_cast<std::int32_t>(begin);
+    auto high = std::bit_cast<std::int32_t>(end);
+    while (high - low > 1) {
+        const std::int32_t middle = low + (high - low) / 2;
+        (encode8(table, std::bit_cast<float>(middle)) > code ? high : low) = middle;
+    }
+    return std::bit_cast<float>(high);
 }
 
 // SMPTE ST 2084, 5.
@@ -80,8 +107,17 @@ int main(int argc, char** argv)
     write(out, "float", "kRec709OETFToLinear8", 256, [](std::size_t i) {
         return static_cast<float>(rec709ToLinear(static_cast<double>(i) / 255));
     });
-    write(out, "float", "kRec709OETFFromLinear8", 1280, [](std::size_t i) {
-        return static_cast<float>(255 * rec709FromLinear(static_cast<double>(i) / 1279));
+    std::vector<float> fromLinear(1280);
+    for (std::size_t i = 0; i < fromLinear.size(); ++i)
+        fromLinear[i] = static_cast<float>(255 * rec709FromLinear(static_cast<double>(i) / 1279));
+    write(out, "float", "kRec709OETFFromLinear8", fromLinear.size(),
+          [&](std::size_t i) { return fromLinear[i]; });
+    write(out, "Rec709Rise", "kRec709OETFRises8", fromLinear.size(), [&](std::size_t i) {
+        const auto begin = static_cast<float>(i);
+        std::ostringstream rise;
+        rise << std::hexfloat << '{' << findRise(fromLinear, begin, begin + 1) << ", "
+             << encode8(fromLinear, begin) << '}';
+        return rise.str();
     });
 
     std::vector<double> toLinear(4096);

@@ -15,6 +15,8 @@
 #include "conversion/Kernel.h"
 #include "conversion/colour/Flags.h"
 
+#include <cstdint>
+
 namespace KSX::PixelConversion {
 
 template<std::size_t N>
@@ -30,9 +32,18 @@ struct Light {
 extern const float kRec709OETFToLinear8[256];
 
 /// 8-bit codes with their fraction, of linear light in steps of 1/1279: steps of 1/255 would each
-/// span many codes near black, where the curve is steep.
+/// span many codes near black, where the curve is steep. No stage reads them; what they come to
+/// stands in the table below.
 extern const float kRec709OETFFromLinear8[1280];
 constexpr int kRec709OETFFromLinear8IdxMax = 1279;
+
+/// The code at one entry of `kRec709OETFFromLinear8`, and where on the way to the next entry it
+/// rises, by one.
+struct Rec709Rise {
+    float from;
+    std::int32_t code;
+};
+extern const Rec709Rise kRec709OETFRises8[1280];
 
 template<unsigned BITS, VectorTypeFlag V>
 class Rec709OETF;
@@ -51,14 +62,19 @@ public:
         return light;
     }
 
+    static constexpr bool kLimitsLight = true;
+
     /// Linear light below 0 gives 0, above 1 gives 255.
     ///
     ///     f = max(min(1279 L, 1279), 0)      i0 = f cut off      i1 = f rounded
     ///     code = (f - i0) T[i1] + (1 - (f - i0)) T[i0], rounded
     ///
     /// Rounding is to nearest, ties to even. The upper index is not i0 + 1: in the lower half of a
-    /// step the result is T[i0] itself, in the upper half it is interpolated, and f = 1279 stays
-    /// inside the table without a test.
+    /// step the result is T[i0] itself, in the upper half it is interpolated.
+    ///
+    /// From entry to entry T rises by less than one code, so a code rises at most once there, and
+    /// one comparison tells whether f is past the place. Those are in a table, found by the
+    /// formula.
     template<int LANES, std::size_t N>
     KSX_INLINE static Codes<N> forward(const Light<N>& light)
     {
@@ -76,23 +92,51 @@ private:
         const __m128 scaled = _mm_mul_ps(linear, last);
         const __m128 f = _mm_max_ps(_mm_min_ps(scaled, last), _mm_setzero_ps());
         const __m128i i0 = _mm_cvttps_epi32(f);
-        const __m128i i1 = _mm_cvtps_epi32(f);
-        const __m128 fraction = _mm_sub_ps(f, _mm_cvtepi32_ps(i0));
-        const __m128 upper = _mm_mul_ps(fraction, lookUp<LANES>(kRec709OETFFromLinear8, i1));
-        const __m128 lower = _mm_mul_ps(_mm_sub_ps(_mm_set1_ps(1), fraction),
-                                        lookUp<LANES>(kRec709OETFFromLinear8, i0));
-        return _mm_cvtps_epi32(_mm_add_ps(upper, lower));
+        const Indices i(i0);
+        const __m128 first = twoRises(i.a, i.b);
+        const __m128 second = LANES == 3 ? oneRise(i.c) : twoRises(i.c, i.d);
+        const __m128 from = _mm_shuffle_ps(first, second, _MM_SHUFFLE(2, 0, 2, 0));
+        const __m128i code =
+            _mm_castps_si128(_mm_shuffle_ps(first, second, _MM_SHUFFLE(3, 1, 3, 1)));
+        return _mm_sub_epi32(code, _mm_castps_si128(_mm_cmple_ps(from, f)));
+    }
+
+    /// Four lanes that are at least 0. Two at once on their way to where addresses are made: the
+    /// way is narrow.
+    struct Indices {
+        KSX_INLINE explicit Indices(__m128i lanes)
+        {
+            const auto low = static_cast<std::uint64_t>(_mm_cvtsi128_si64(lanes));
+            const auto high =
+                static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(lanes, lanes)));
+            a = static_cast<std::uint32_t>(low);
+            b = low >> 32;
+            c = static_cast<std::uint32_t>(high);
+            d = high >> 32;
+        }
+        std::uint64_t a, b, c, d;
+    };
+
+    KSX_INLINE static __m128 oneRise(std::uint64_t i)
+    {
+        return _mm_castsi128_ps(
+            _mm_loadl_epi64(reinterpret_cast<const __m128i*>(kRec709OETFRises8 + i)));
+    }
+    KSX_INLINE static __m128 twoRises(std::uint64_t i, std::uint64_t j)
+    {
+        return _mm_loadh_pi(oneRise(i), reinterpret_cast<const __m64*>(kRec709OETFRises8 + j));
     }
 
     template<int LANES>
     KSX_INLINE static __m128 lookUp(const float* table, __m128i index)
     {
-        const __m128 a = _mm_load_ss(table + _mm_extract_epi16(index, 0));
-        const __m128 b = _mm_load_ss(table + _mm_extract_epi16(index, 2));
-        const __m128 c = _mm_load_ss(table + _mm_extract_epi16(index, 4));
+        const Indices i(index);
+        const __m128 a = _mm_load_ss(table + i.a);
+        const __m128 b = _mm_load_ss(table + i.b);
+        const __m128 c = _mm_load_ss(table + i.c);
         if constexpr (LANES == 3)
             return _mm_movelh_ps(_mm_unpacklo_ps(a, b), c);
-        const __m128 d = _mm_load_ss(table + _mm_extract_epi16(index, 6));
+        const __m128 d = _mm_load_ss(table + i.d);
         return _mm_movelh_ps(_mm_unpacklo_ps(a, b), _mm_unpacklo_ps(c, d));
     }
 };
@@ -103,6 +147,8 @@ private:
 template<>
 class Rec709OETF<10, V1> {
 public:
+    static constexpr bool kLimitsLight = false;
+
     /// Within 5e-5.
     template<int LANES, std::size_t N>
     KSX_INLINE static Light<N> inverse(const Codes<N>& codes)

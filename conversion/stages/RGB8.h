@@ -199,6 +199,44 @@ public:
     }
 };
 
+/// Regroups BGRAv8 to RGBAv8. 8 pixels a step: 4 vectors in, 4 out.
+class BGRAv8_TO_RGBAv8 : public Kernel<8, 8> {
+public:
+    using Input = BGRAv8;
+    using Output = RGBAv8;
+
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
+    {
+        const __m128i even0 = _mm_unpacklo_epi16(in[0], in[1]); // B0 B2 G0 G2 R0 R2 A0 A2
+        const __m128i odd0 = _mm_unpackhi_epi16(in[0], in[1]);  // B1 B3 G1 G3 R1 R3 A1 A3
+        const __m128i even4 = _mm_unpacklo_epi16(in[2], in[3]);
+        const __m128i odd4 = _mm_unpackhi_epi16(in[2], in[3]);
+        const __m128i bg0 = _mm_unpacklo_epi16(even0, odd0); // B0..B3 G0..G3
+        const __m128i bg4 = _mm_unpacklo_epi16(even4, odd4);
+        const __m128i ra0 = _mm_unpackhi_epi16(even0, odd0); // R0..R3 A0..A3
+        const __m128i ra4 = _mm_unpackhi_epi16(even4, odd4);
+        return {{_mm_unpacklo_epi64(ra0, ra4), _mm_unpackhi_epi64(bg0, bg4),
+                 _mm_unpacklo_epi64(bg0, bg4), _mm_unpackhi_epi64(ra0, ra4)}};
+    }
+};
+
+/// Regroups RGBAv8 to BGRAv8. 8 pixels a step: 4 vectors in, 4 out.
+class RGBAv8_TO_BGRAv8 : public Kernel<8, 8> {
+public:
+    using Input = RGBAv8;
+    using Output = BGRAv8;
+
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
+    {
+        const __m128i bgLow = _mm_unpacklo_epi16(in[2], in[1]);
+        const __m128i bgHigh = _mm_unpackhi_epi16(in[2], in[1]);
+        const __m128i raLow = _mm_unpacklo_epi16(in[0], in[3]);
+        const __m128i raHigh = _mm_unpackhi_epi16(in[0], in[3]);
+        return {{_mm_unpacklo_epi32(bgLow, raLow), _mm_unpackhi_epi32(bgLow, raLow),
+                 _mm_unpacklo_epi32(bgHigh, raHigh), _mm_unpackhi_epi32(bgHigh, raHigh)}};
+    }
+};
+
 /// Regroups RGBv8 to BGRAv8. 8 pixels a step: 3 vectors in, 4 out. The alpha lane is 65535.
 class RGBv8_TO_BGRAv8 : public Kernel<8, 8> {
 public:
@@ -207,12 +245,7 @@ public:
 
     KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
     {
-        const __m128i bgLow = _mm_unpacklo_epi16(in[2], in[1]);
-        const __m128i bgHigh = _mm_unpackhi_epi16(in[2], in[1]);
-        const __m128i raLow = _mm_unpacklo_epi16(in[0], vAllSet);
-        const __m128i raHigh = _mm_unpackhi_epi16(in[0], vAllSet);
-        return {{_mm_unpacklo_epi32(bgLow, raLow), _mm_unpackhi_epi32(bgLow, raLow),
-                 _mm_unpacklo_epi32(bgHigh, raHigh), _mm_unpackhi_epi32(bgHigh, raHigh)}};
+        return RGBAv8_TO_BGRAv8().step({{in[0], in[1], in[2], vAllSet}});
     }
 };
 
@@ -443,6 +476,48 @@ public:
 };
 
 // --- Merged forms --------------------------------------------------------------------------------
+
+namespace details {
+
+/// Unpacks 4-byte pixels straight to planes with alpha. Components lie in a pixel as in BGRA, or in
+/// ARGB, which is the `REVERSED` order. 8 pixels a step: 32 bytes in, 4 vectors out.
+template<bool REVERSED>
+class UNPACK_BYTES_TO_RGBAv8 : public Kernel<8, 8> {
+public:
+    using Input = Packed<4>;
+    using Output = RGBAv8;
+
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
+    {
+        constexpr int R = REVERSED ? 1 : 2, G = 3 - R, B = REVERSED ? 3 : 0, A = 3 - B;
+        const __m128i redBlue = _mm_setr_epi8(R, -1, R + 4, -1, R + 8, -1, R + 12, -1, //
+                                              B, -1, B + 4, -1, B + 8, -1, B + 12, -1);
+        const __m128i greenAlpha = _mm_setr_epi8(G, -1, G + 4, -1, G + 8, -1, G + 12, -1, //
+                                                 A, -1, A + 4, -1, A + 8, -1, A + 12, -1);
+        const __m128i rb0 = _mm_shuffle_epi8(in[0], redBlue);
+        const __m128i rb4 = _mm_shuffle_epi8(in[1], redBlue);
+        const __m128i ga0 = _mm_shuffle_epi8(in[0], greenAlpha);
+        const __m128i ga4 = _mm_shuffle_epi8(in[1], greenAlpha);
+        return {{_mm_unpacklo_epi64(rb0, rb4), _mm_unpacklo_epi64(ga0, ga4),
+                 _mm_unpackhi_epi64(rb0, rb4), _mm_unpackhi_epi64(ga0, ga4)}};
+    }
+};
+
+} // namespace details
+
+template<>
+struct MergedForm<UNPACK_BGRA_TO_BGRAv8, BGRAv8_TO_RGBAv8> {
+    using type = StageList<details::UNPACK_BYTES_TO_RGBAv8<false>>;
+};
+template<>
+struct MergedForm<UNPACK_ARGB_TO_BGRAv8, BGRAv8_TO_RGBAv8> {
+    using type = StageList<details::UNPACK_BYTES_TO_RGBAv8<true>>;
+};
+template<class PACK>
+requires(std::same_as<typename Twin<PACK>::type::Input, RGBAv8>) struct MergedForm<RGBAv8_TO_BGRAv8,
+                                                                                   PACK> {
+    using type = StageList<typename Twin<PACK>::type>;
+};
 
 /// From one order of bytes straight to another, with an alpha of 255. A byte can't saturate, so one
 /// byte shuffle and an OR stand for the cut and the join. 4 pixels a step: 16 bytes in, 16 bytes

@@ -95,6 +95,29 @@ TEST(Rec709OETF, TakesCodesToLightAndBack)
                         [](float light) { return reference::encoded10(light); });
 }
 
+/// A quarter of all floats from 0 to 1, which are all that the comparison with a table's entry can
+/// go wrong for.
+class Rec709OETFForward : public testing::TestWithParam<std::int32_t> {};
+
+TEST_P(Rec709OETFForward, IsThatOfTheFormulaForEveryFloat)
+{
+    constexpr auto kOne = std::bit_cast<std::int32_t>(1.0f);
+    constexpr std::int32_t kQuarter = kOne / 4;
+    for (std::int32_t bits = GetParam() * kQuarter; bits < (GetParam() + 1) * kQuarter; bits += 4) {
+        const __m128i lanes = _mm_add_epi32(_mm_set1_epi32(bits), _mm_setr_epi32(0, 1, 2, 3));
+        const Codes<1> codes = Rec709OETF<8, V1>::forward<4, 1>({{_mm_castsi128_ps(lanes)}});
+        const auto got = std::bit_cast<std::array<int, 4>>(codes);
+        for (std::int32_t i = 0; i < 4; ++i) {
+            const auto light = std::bit_cast<float>(bits + i);
+            ASSERT_EQ(got[static_cast<std::size_t>(i)],
+                      reference::roundedCode(reference::encoded8(light)))
+                << light;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Quarters, Rec709OETFForward, testing::Range(0, 4));
+
 TEST(PQ, TablesHoldTheCurve)
 {
     std::array<double, 4096> luminance;
