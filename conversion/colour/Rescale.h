@@ -84,11 +84,17 @@ protected:
                 x = _mm_min_epi16(x, lanes(k.white));
             x = _mm_subs_epu16(x, lanes(k.black));
         }
-        const __m128i z = _mm_slli_epi16(x, k.shift);
-        __m128i y = _mm_mulhi_epu16(z, lanes(k.gain));
-        // Bit 15 of the product is what half of a unit carries into bit 16.
-        if constexpr (P == kExact)
-            y = _mm_add_epi16(y, _mm_srli_epi16(_mm_mullo_epi16(z, lanes(k.gain)), 15));
+        __m128i y;
+        if constexpr (P == kExact && k.shift == 0 && k.gain < 32768) {
+            // One bit more of the product, and an average that rounds it off again.
+            y = _mm_avg_epu16(_mm_mulhi_epu16(x, lanes(2 * k.gain)), v0);
+        } else {
+            const __m128i z = _mm_slli_epi16(x, k.shift);
+            y = _mm_mulhi_epu16(z, lanes(k.gain));
+            // Bit 15 of the product is what half of a unit carries into bit 16.
+            if constexpr (P == kExact)
+                y = _mm_add_epi16(y, _mm_srli_epi16(_mm_mullo_epi16(z, lanes(k.gain)), 15));
+        }
         if constexpr (!OUT_FULL)
             y = _mm_adds_epu16(y, lanes(k.outBlack));
         return y;
@@ -182,10 +188,16 @@ public:
     static constexpr bool kFits = s >= 0 && m < 32768 && (255u << s) < 32768;
 
 protected:
+    static constexpr int kBlack = k.outBlack;
+
+    /// Without the black of video levels.
+    KSX_INLINE static __m128i scaled(__m128i x)
+    {
+        return _mm_mulhrs_epi16(_mm_slli_epi16(x, s), v8i(m));
+    }
     KSX_INLINE static __m128i apply(__m128i x)
     {
-        const __m128i y = _mm_mulhrs_epi16(_mm_slli_epi16(x, s), v8i(m));
-        return OUT_FULL ? y : _mm_add_epi16(y, v8i(k.outBlack));
+        return OUT_FULL ? scaled(x) : _mm_add_epi16(scaled(x), v8i(kBlack));
     }
 };
 

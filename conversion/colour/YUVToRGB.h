@@ -271,10 +271,10 @@ public:
 
         const __m128i red =
             evenLanes(_mm_add_epi16(part(y, r.at[0]), part(cr, r.at[2])),
-                      _mm_slli_epi32(jointPart<kShift>(oddCrY, r.at[2], r.at[0]), 16));
+                      _mm_slli_epi32(jointSums<kShift>(oddCrY, r.at[2], r.at[0]), 16 - kShift));
         const __m128i green = _mm_add_epi16(
             evenLanes(jointPart<kShift>(evenCbY, g.at[1], g.at[0]),
-                      _mm_slli_epi32(jointPart<kShift>(oddCrY, g.at[2], g.at[0]), 16)),
+                      _mm_slli_epi32(jointSums<kShift>(oddCrY, g.at[2], g.at[0]), 16 - kShift)),
             evenLanes(part(cr, g.at[2]), part(cb, g.at[1])));
         // Blue's row is at half the scale, and its coefficient of Cb leaves no bit to double it.
         // Its sums can leave 16 bits, where they saturate, far beyond what the pack lets through.
@@ -299,14 +299,19 @@ private:
         return P == kExact ? _mm_mulhrs_epi16(_mm_slli_epi16(x, 5), c) : _mm_mulhi_epi16(x, c);
     }
 
+    /// To be cut off at bit `SHIFT`.
+    template<int SHIFT>
+    KSX_INLINE static __m128i jointSums(__m128i x, int low, int high)
+    {
+        const __m128i sums = _mm_madd_epi16(x, v4i(static_cast<std::uint32_t>(high) << 16 |
+                                                   (static_cast<std::uint32_t>(low) & 0xffff)));
+        return P == kExact ? _mm_add_epi32(sums, v4i(1 << (SHIFT - 1))) : sums;
+    }
+
     template<int SHIFT>
     KSX_INLINE static __m128i jointPart(__m128i x, int low, int high)
     {
-        __m128i sums = _mm_madd_epi16(x, v4i(static_cast<std::uint32_t>(high) << 16 |
-                                             (static_cast<std::uint32_t>(low) & 0xffff)));
-        if constexpr (P == kExact)
-            sums = _mm_add_epi32(sums, v4i(1 << (SHIFT - 1)));
-        return _mm_srai_epi32(sums, SHIFT);
+        return _mm_srai_epi32(jointSums<SHIFT>(x, low, high), SHIFT);
     }
 
     KSX_INLINE static __m128i scaled(__m128i x)

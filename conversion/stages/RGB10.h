@@ -17,6 +17,7 @@
 #include "conversion/Pipeline.h"
 #include "conversion/VectorConstants.h"
 #include "conversion/colour/BitDepth.h"
+#include "conversion/colour/Rescale.h"
 #include "conversion/stages/RGB8.h"
 
 #include <tmmintrin.h>
@@ -81,6 +82,16 @@ public:
             _mm_or_si128(_mm_shuffle_epi8(in[0], greenLow), _mm_shuffle_epi8(in[1], greenHigh));
         return {{aligned<kR>(_mm_unpacklo_epi64(first, second)), aligned<kG>(green),
                  aligned<B>(_mm_unpackhi_epi64(first, second))}};
+    }
+
+    /// G of 4 words, in the lower half.
+    KSX_INLINE static __m128i greenOf(__m128i words)
+    {
+        constexpr int kG = B + 10;
+        const __m128i lanes =
+            _mm_setr_epi8(low(kG), high(kG), low(kG, 1), high(kG, 1), low(kG, 2), high(kG, 2),
+                          low(kG, 3), high(kG, 3), -1, -1, -1, -1, -1, -1, -1, -1);
+        return aligned<kG>(_mm_shuffle_epi8(words, lanes));
     }
 
 private:
@@ -301,6 +312,47 @@ public:
     }
 };
 
+/// From bytes in full range straight to words of 10-bit RGB with video levels. 4 pixels a step: 16
+/// bytes in, 16 bytes out. Black is added to all three components at once, when they are in place.
+template<class UNPACK, class PACK>
+class BYTES_TO_STUDIO_RGB10 : public Kernel<4, 4>, RescaleBytes<10, false> {
+    static constexpr int B = PACK::kLowestBit;
+
+public:
+    using Input = Packed<4>;
+    using Output = Packed<4>;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        constexpr int kR = UNPACK::kBytes[0], kG = UNPACK::kBytes[1], kB = UNPACK::kBytes[2];
+        const __m128i outer = _mm_setr_epi8(kB, -1, kR, -1, kB + 4, -1, kR + 4, -1, //
+                                            kB + 8, -1, kR + 8, -1, kB + 12, -1, kR + 12, -1);
+        const __m128i inner = _mm_setr_epi8(kG, -1, -1, -1, kG + 4, -1, -1, -1, //
+                                            kG + 8, -1, -1, -1, kG + 12, -1, -1, -1);
+        constexpr __m128i factors = v4i((16 << B) << 16 | 1 << B);
+        constexpr __m128i black = v4i((kBlack << 20 | kBlack << 10 | kBlack) << B);
+        const __m128i redBlue = _mm_mullo_epi16(scaled(_mm_shuffle_epi8(in[0], outer)), factors);
+        const __m128i green = _mm_slli_epi32(scaled(_mm_shuffle_epi8(in[0], inner)), B + 10);
+        const __m128i words = _mm_add_epi32(_mm_or_si128(redBlue, green), black);
+        return {{PACK::kSwapped ? swapWords(words) : words}};
+    }
+};
+
+/// A shuffle of 4 words: the two bytes that have the component which begins at bit `EVEN` into each
+/// even lane, and those for `ODD` into each odd one. No byte for -1.
+template<class UNPACK, int EVEN, int ODD>
+KSX_INLINE __m128i lanesOf()
+{
+    constexpr auto byte = [](int bit, int i, int pixel) {
+        const int in = bit / 8 + i;
+        return static_cast<char>(bit < 0 ? -1 : 4 * pixel + (UNPACK::kSwapped ? 3 - in : in));
+    };
+    return _mm_setr_epi8(byte(EVEN, 0, 0), byte(EVEN, 1, 0), byte(ODD, 0, 0), byte(ODD, 1, 0), //
+                         byte(EVEN, 0, 1), byte(EVEN, 1, 1), byte(ODD, 0, 1), byte(ODD, 1, 1), //
+                         byte(EVEN, 0, 2), byte(EVEN, 1, 2), byte(ODD, 0, 2), byte(ODD, 1, 2), //
+                         byte(EVEN, 0, 3), byte(EVEN, 1, 3), byte(ODD, 0, 3), byte(ODD, 1, 3));
+}
+
 /// From words of 10-bit RGB straight to opaque bytes, rounded. 4 pixels a step: 16 bytes in, 16
 /// bytes out.
 ///
@@ -332,12 +384,6 @@ private:
         return kNone;
     }
 
-    static constexpr char byte(int bit, int i, int pixel)
-    {
-        const int in = bit / 8 + i;
-        return static_cast<char>(bit == kNone ? -1 : 4 * pixel + (UNPACK::kSwapped ? 3 - in : in));
-    }
-
     static constexpr std::int16_t factor(int bit)
     {
         return static_cast<std::int16_t>(bit == kNone ? 0 : 64 >> bit % 8);
@@ -349,16 +395,57 @@ private:
     template<int LOW, int HIGH>
     KSX_INLINE static __m128i rounded(__m128i words)
     {
-        const __m128i lanes =
-            _mm_setr_epi8(byte(LOW, 0, 0), byte(LOW, 1, 0), byte(HIGH, 0, 0), byte(HIGH, 1, 0), //
-                          byte(LOW, 0, 1), byte(LOW, 1, 1), byte(HIGH, 0, 1), byte(HIGH, 1, 1), //
-                          byte(LOW, 0, 2), byte(LOW, 1, 2), byte(HIGH, 0, 2), byte(HIGH, 1, 2), //
-                          byte(LOW, 0, 3), byte(LOW, 1, 3), byte(HIGH, 0, 3), byte(HIGH, 1, 3));
         constexpr __m128i factors = v8i(factor(LOW), factor(HIGH), factor(LOW), factor(HIGH),
                                         factor(LOW), factor(HIGH), factor(LOW), factor(HIGH));
         constexpr __m128i halves = v8i(half(LOW), half(HIGH), half(LOW), half(HIGH), half(LOW),
                                        half(HIGH), half(LOW), half(HIGH));
-        return _mm_adds_epu16(_mm_mullo_epi16(_mm_shuffle_epi8(words, lanes), factors), halves);
+        return _mm_adds_epu16(
+            _mm_mullo_epi16(_mm_shuffle_epi8(words, lanesOf<UNPACK, LOW, HIGH>()), factors),
+            halves);
+    }
+};
+
+/// From words of 10-bit RGB with video levels straight to opaque bytes in full range, rounded. 4
+/// pixels a step: 16 bytes in, 16 bytes out. What lies above white saturates in the narrowing.
+template<class UNPACK, class PACK>
+class STUDIO_RGB10_TO_BYTES : public Kernel<4, 4> {
+    static constexpr int kR = UNPACK::kLowestBit + 20, kG = UNPACK::kLowestBit + 10,
+                         kB = UNPACK::kLowestBit;
+
+public:
+    using Input = Packed<4>;
+    using Output = Packed<4>;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        const __m128i bytes =
+            _mm_packus_epi16(scaled<kR, kB, 0>(in[0]), scaled<kG, -1, 255>(in[0]));
+        constexpr auto from = [](int byte) {
+            const auto& at = PACK::kBytes;
+            return static_cast<char>(byte == at[0] ? 0 : byte == at[1] ? 8 : byte == at[2] ? 1 : 9);
+        };
+        constexpr char k0 = from(0), k1 = from(1), k2 = from(2), k3 = from(3);
+        const __m128i order =
+            _mm_setr_epi8(k0, k1, k2, k3, k0 + 2, k1 + 2, k2 + 2, k3 + 2, //
+                          k0 + 4, k1 + 4, k2 + 4, k3 + 4, k0 + 6, k1 + 6, k2 + 6, k3 + 6);
+        return {{_mm_shuffle_epi8(bytes, order)}};
+    }
+
+private:
+    /// The components that begin at bits `EVEN` and `ODD`, in even and odd lanes. In the place of
+    /// one that begins at -1 stands `FILL`.
+    template<int EVEN, int ODD, int FILL>
+    KSX_INLINE static __m128i scaled(__m128i words)
+    {
+        constexpr auto k = rescaleConstants(10, false, 8, true);
+        constexpr auto pairs = [](int even, int odd) {
+            return v4i(static_cast<int>(static_cast<unsigned>(odd) << 16 | unsigned(even)));
+        };
+        constexpr auto lane = [](int bit) { return bit < 0 ? 0 : 64 >> bit % 8; };
+        const __m128i fields = _mm_mullo_epi16(
+            _mm_shuffle_epi8(words, lanesOf<UNPACK, EVEN, ODD>()), pairs(lane(EVEN), lane(ODD)));
+        const __m128i codes = _mm_subs_epu16(_mm_srli_epi16(fields, 6), v8i(k.black));
+        return _mm_avg_epu16(_mm_mulhi_epu16(codes, v8i(2 * k.gain)), pairs(0, 2 * FILL));
     }
 };
 
@@ -382,6 +469,28 @@ requires(UNPACK::kUnpacksRGB10&&
 template<>
 struct MergedForm<UNPACK_R210_TO_RGBv8, RGBv8_BITDEPTH<-2, 16>, PACK_RGBv8_TO_BGRA> {
     using type = StageList<details::RGB10_TO_BYTES<UNPACK_R210_TO_RGBv4, PACK_RGBv4_TO_BGRA>>;
+};
+
+// The same with video levels on the side of 10 bits.
+template<class UNPACK, class PACK>
+requires(UNPACK::kUnpacksBytesToRGBv4&& PACK::kPacksRGB10) struct MergedForm<
+    UNPACK, RGBv4_RESCALE<8, true, 10, false, P1>, PACK> {
+    using type = StageList<details::BYTES_TO_STUDIO_RGB10<UNPACK, PACK>>;
+};
+template<>
+struct MergedForm<UNPACK_BGRA_TO_RGBv8, RGBv8_RESCALE<8, true, 10, false, P1>, PACK_RGBv8_TO_R210> {
+    using type =
+        StageList<details::BYTES_TO_STUDIO_RGB10<UNPACK_BGRA_TO_RGBv4, PACK_RGBv4_TO_R210>>;
+};
+template<class UNPACK, class PACK>
+requires(UNPACK::kUnpacksRGB10&& PACK::kPacksRGBv4ToBytes) struct MergedForm<
+    UNPACK, RGBv4_RESCALE<10, false, 8, true, P1>, PACK> {
+    using type = StageList<details::STUDIO_RGB10_TO_BYTES<UNPACK, PACK>>;
+};
+template<>
+struct MergedForm<UNPACK_R210_TO_RGBv8, RGBv8_RESCALE<10, false, 8, true, P1>, PACK_RGBv8_TO_BGRA> {
+    using type =
+        StageList<details::STUDIO_RGB10_TO_BYTES<UNPACK_R210_TO_RGBv4, PACK_RGBv4_TO_BGRA>>;
 };
 
 } // namespace KSX::PixelConversion

@@ -20,6 +20,7 @@
 #include "conversion/Pipeline.h"
 #include "conversion/VectorConstants.h"
 #include "conversion/colour/BitDepth.h"
+#include "conversion/stages/RGB8.h"
 
 #include <tmmintrin.h>
 
@@ -84,6 +85,33 @@ public:
 
 // --- Pack ----------------------------------------------------------------------------------------
 
+namespace details {
+
+/// The 9 bytes of two pixels, whose samples lie two by two in the low 24 bits of three lanes, from
+/// byte `AT` of a vector on: those that lie in it.
+template<int AT>
+KSX_INLINE __m128i placed(__m128i joined)
+{
+    constexpr auto byte = [](int i) {
+        const int from = i - AT;
+        return static_cast<char>(from < 0 || from >= 9 ? -1 : from / 3 * 4 + from % 3);
+    };
+    return _mm_shuffle_epi8(joined,
+                            _mm_setr_epi8(byte(0), byte(1), byte(2), byte(3), byte(4), byte(5),
+                                          byte(6), byte(7), byte(8), byte(9), byte(10), byte(11),
+                                          byte(12), byte(13), byte(14), byte(15)));
+}
+
+/// The group of four pixel pairs.
+KSX_INLINE Pixels<Packed<36, 8>, 8> groupOf(__m128i q0, __m128i q1, __m128i q2, __m128i q3)
+{
+    return {{_mm_or_si128(placed<0>(q0), placed<9>(q1)),
+             _mm_or_si128(_mm_or_si128(placed<-7>(q1), placed<2>(q2)), placed<11>(q3)),
+             _mm_or_si128(placed<-2>(q2), placed<7>(q3))}};
+}
+
+} // namespace details
+
 /// Packs BGRAv8 to R12L or R12l. 32 pixels a step: 16 vectors in, 144 bytes out. Of each lane the
 /// low 12 bits go into the stream: nothing is limited, so 4096 becomes 0. Alpha is dropped.
 template<class ORDER>
@@ -95,14 +123,7 @@ public:
 
     KSX_INLINE Pixels<Output, kPart> step(const Pixels<Input, kPart>& in) const
     {
-        const __m128i q0 = joined(in[0]);
-        const __m128i q1 = joined(in[1]);
-        const __m128i q2 = joined(in[2]);
-        const __m128i q3 = joined(in[3]);
-        const __m128i third = placed<11>(q3);
-        return {{_mm_or_si128(placed<0>(q0), placed<9>(q1)),
-                 _mm_or_si128(_mm_or_si128(placed<-7>(q1), placed<2>(q2)), third),
-                 _mm_or_si128(placed<-2>(q2), placed<7>(q3))}};
+        return details::groupOf(joined(in[0]), joined(in[1]), joined(in[2]), joined(in[3]));
     }
 
 private:
@@ -112,20 +133,6 @@ private:
         const __m128i order = _mm_setr_epi8(4, 5, 2, 3, 0, 1, 12, 13, 10, 11, 8, 9, -1, -1, -1, -1);
         constexpr __m128i weights = v4i(4096 << 16 | 1);
         return _mm_madd_epi16(_mm_shuffle_epi8(_mm_and_si128(bgra, v8i_0xfff), order), weights);
-    }
-
-    /// The 9 bytes of two pixels from byte `AT` of a vector on, those that lie in it.
-    template<int AT>
-    KSX_INLINE static __m128i placed(__m128i joined)
-    {
-        constexpr auto byte = [](int i) {
-            const int from = i - AT;
-            return static_cast<char>(from < 0 || from >= 9 ? -1 : from / 3 * 4 + from % 3);
-        };
-        return _mm_shuffle_epi8(joined,
-                                _mm_setr_epi8(byte(0), byte(1), byte(2), byte(3), byte(4), byte(5),
-                                              byte(6), byte(7), byte(8), byte(9), byte(10),
-                                              byte(11), byte(12), byte(13), byte(14), byte(15)));
     }
 };
 
@@ -166,6 +173,40 @@ KSX_INLINE __m128i roundTo8Bits(__m128i lanes)
     return _mm_srli_epi16(_mm_adds_epu16(lanes, half), 8);
 }
 
+/// From BGRA straight to R12L, zeros below. The second sample of a lane falls on whole bytes, the
+/// first one is multiplied into its place. 32 pixels a step.
+class BGRA_TO_R12L : public Kernel<32, 32> {
+public:
+    static constexpr unsigned kPart = 8;
+    using Input = Packed<4>;
+    using Output = Packed<36, 8>;
+
+    KSX_INLINE Pixels<Output, kPart> step(const Pixels<Input, kPart>& in) const
+    {
+        return groupOf(joined<0>(in[0]), joined<8>(in[0]), joined<0>(in[1]), joined<8>(in[1]));
+    }
+
+private:
+    /// Two pixels from byte `B` on.
+    template<int B>
+    KSX_INLINE static __m128i joined(__m128i bgra)
+    {
+        const __m128i order = _mm_setr_epi8(B + 2, -1, B + 1, -1, B + 0, -1, B + 6, -1, //
+                                            B + 5, -1, B + 4, -1, -1, -1, -1, -1);
+        return _mm_mullo_epi16(_mm_shuffle_epi8(bgra, order), v4i(1 << 16 | 16));
+    }
+};
+
+/// From BGRA straight to R12B.
+class BGRA_TO_R12B : public BGRA_TO_R12L {
+public:
+    KSX_INLINE Pixels<Output, kPart> step(const Pixels<Input, kPart>& in) const
+    {
+        const auto words = BGRA_TO_R12L::step(in);
+        return {{swapWords(words[0]), swapWords(words[1]), swapWords(words[2])}};
+    }
+};
+
 /// Unpacks R12L to BGRAv8 of 8 bits, opaque.
 template<class ORDER, std::uint16_t ALPHA>
 class UNPACK_R12L_TO_8BIT_BGRAv8 : public UNPACK_R12L_TO_BGRAv8_SSSE3_T<ORDER, ALPHA> {
@@ -192,6 +233,16 @@ public:
 
 } // namespace details
 
+template<class ORDER>
+struct MergedForm<UNPACK_BGRA_TO_BGRAv8, BGRAv8_BITDEPTH<4, 16>,
+                  PACK_BGRAv8_TO_R12L_SSSE3_T<ORDER>> {
+    using type = StageList<details::BGRA_TO_R12L>;
+};
+template<class ORDER>
+struct MergedForm<UNPACK_BGRA_TO_BGRAv8, BGRAv8_BITDEPTH<4, 16>,
+                  PACK_BGRAv8_TO_R12B_SSSE3_T<ORDER>> {
+    using type = StageList<details::BGRA_TO_R12B>;
+};
 template<class ORDER, class PACK>
 requires(PACK::kSaturatesTo8Bits) struct MergedForm<UNPACK_R12L_TO_BGRAv8_SSSE3_T<ORDER, 4095>,
                                                     BGRAv8_BITDEPTH<-4, 16>, PACK> {

@@ -13,6 +13,7 @@
 #include "conversion/VectorConstants.h"
 #include "conversion/colour/ChromaReconstruction.h"
 #include "conversion/colour/Flags.h"
+#include "conversion/stages/RGB10.h"
 #include "conversion/stages/V210.h"
 
 namespace KSX::PixelConversion {
@@ -75,47 +76,35 @@ private:
 
 namespace details {
 
-/// The same to planes. 8 pixels a step: 32 bytes in, 4 vectors out. Looks ahead.
+/// The same to planes. 8 pixels a step: 32 bytes in, 4 vectors out. Looks ahead. Fields lie in a
+/// word as those of R210 do: alpha as R, chroma as G, Y as B.
 class UNPACK_YUVA_TO_YUVAv8 : public Kernel<8, 8> {
+    using Fields = UNPACK_RGB10_TO_RGBv8<0, true>;
+
 public:
     using Input = Packed<16, 4>;
     using Output = YUVAv8;
 
     KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in, __m128i next) const
     {
-        return unpack(swapWords(in[0]), swapWords(in[1]), chromaOf(swapWords(next), v0));
+        return unpack(Fields().step({{in[0], in[1]}}), Fields::greenOf(next));
     }
 
     KSX_INLINE Pixels<Output, 8> lastStep(const Pixels<Input, 8>& in) const
     {
-        const __m128i second = swapWords(in[1]);
-        return unpack(swapWords(in[0]), second, _mm_srli_si128(chromaOf(second, v0), 4));
+        const auto fields = Fields().step({{in[0], in[1]}});
+        return unpack(fields, _mm_srli_si128(fields[1], 12));
     }
 
 private:
-    /// Bits `BIT` to `BIT` + 9 of 8 words.
-    template<int BIT>
-    KSX_INLINE static __m128i field(__m128i first, __m128i second)
-    {
-        return _mm_packs_epi32(_mm_and_si128(_mm_srli_epi32(first, BIT), v4i_0x3ff),
-                               _mm_and_si128(_mm_srli_epi32(second, BIT), v4i_0x3ff));
-    }
-
-    /// Cb Cr of each pair.
-    KSX_INLINE static __m128i chromaOf(__m128i first, __m128i second)
-    {
-        return field<10>(first, second);
-    }
-
     /// `next` begins with the chroma pair behind the pixels.
-    KSX_INLINE static Pixels<Output, 8> unpack(__m128i first, __m128i second, __m128i next)
+    KSX_INLINE static Pixels<Output, 8> unpack(const Pixels<RGBv8, 8>& fields, __m128i next)
     {
-        const __m128i even = chromaOf(first, second);
+        const __m128i even = fields[1]; // Cb Cr of each pair
         const __m128i odd = _mm_avg_epu16(even, _mm_alignr_epi8(next, even, 4));
-        return {{field<0>(first, second),
-                 _mm_or_si128(_mm_and_si128(even, v4i_0xffff), _mm_slli_epi32(odd, 16)),
+        return {{fields[2], _mm_or_si128(_mm_and_si128(even, v4i_0xffff), _mm_slli_epi32(odd, 16)),
                  _mm_or_si128(_mm_srli_epi32(even, 16), _mm_andnot_si128(v4i_0xffff, odd)),
-                 field<20>(first, second)}};
+                 fields[0]}};
     }
 };
 
