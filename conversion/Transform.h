@@ -48,8 +48,8 @@ private:
 /// Runs `count` blocks that follow each other, at least one; `FIRST` and `END` are as in
 /// `Composition`. `PREFETCH` counts blocks.
 ///
-/// A function of its own, so that both walkers of a pipeline, their tails and its copies for lines
-/// of one width share one loop. It works on a copy of the stages: what has no name outside stays in
+/// A function of its own, so that both walkers of a pipeline and its copies for lines of one width
+/// share one loop. It works on a copy of the stages: what has no name outside stays in
 /// registers.
 template<bool FIRST, unsigned END, unsigned PREFETCH, class COMPOSITION>
 [[gnu::noinline]] void runBlocks(COMPOSITION& stages, const std::byte* src, std::byte* dst,
@@ -67,6 +67,39 @@ template<bool FIRST, unsigned END, unsigned PREFETCH, class COMPOSITION>
     if constexpr (COMPOSITION::kLooksBack)
         stages = copy;
 }
+
+/// Runs blocks that are few in a row. Where the first stage looks ahead they go in two halves with
+/// memory between: that stage, whose forms for the end of a row all pipelines share that begin with
+/// it, and the stages behind it, which have no such forms.
+template<class COMPOSITION>
+struct FewBlocks {
+    template<unsigned END, unsigned PREFETCH>
+    static void run(COMPOSITION& stages, const std::byte* src, std::byte* dst, unsigned count)
+    {
+        if (count != 0)
+            runBlocks<false, END, PREFETCH>(stages, src, dst, count);
+    }
+};
+
+template<unsigned BLOCK, class FIRST, class... REST>
+requires(LooksAhead<FIRST> && sizeof...(REST) != 0 &&
+         !(LooksBack<REST> ||
+           ...)) struct FewBlocks<Composition<BLOCK, StageList<FIRST, REST...>>> {
+    template<unsigned END, unsigned PREFETCH>
+    static void run(Composition<BLOCK, StageList<FIRST, REST...>>& /*stages*/, const std::byte* src,
+                    std::byte* dst, unsigned count)
+    {
+        Composition<BLOCK, StageList<FIRST>> first;
+        Composition<BLOCK, StageList<REST...>> rest;
+        for (; count != 0; --count) {
+            alignas(16) std::byte between[first.kOutBytes];
+            runBlocks<false, END, PREFETCH>(first, src, between, 1);
+            runBlocks<false, 0, PREFETCH>(rest, between, dst, 1);
+            src += first.kInBytes;
+            dst += rest.kOutBytes;
+        }
+    }
+};
 
 /// Runs `PIPELINE` over a picture. `FLAGS` is one of `WalkerFlags`; `PREFETCH` counts blocks.
 ///
@@ -139,15 +172,16 @@ private:
                 dst += std::size_t{wideSteps} * wideStages.kOutBytes;
                 steps -= wideSteps * kBlocksInWide;
             }
-        }
-        if (steps != 0)
+            FewBlocks<Stages>::template run<0, PREFETCH>(stages, src, dst, steps);
+        } else if (steps != 0) {
             runBlocks<false, 0, PREFETCH>(stages, src, dst, steps);
+        }
         src += std::size_t{steps} * Stages::kInBytes;
         dst += std::size_t{steps} * Stages::kOutBytes;
         if (partial)
             tailBlock(stages, tail, src, dst);
         else if constexpr (P::kLooksAhead)
-            runBlocks<false, kEnd, PREFETCH>(stages, src, dst, 1);
+            FewBlocks<Stages>::template run<kEnd, PREFETCH>(stages, src, dst, 1);
     }
 
     static void tailBlock(Stages& stages, Tail<Stages>& tail, const std::byte* src, std::byte* dst)
@@ -158,7 +192,7 @@ private:
             in = tail.in;
         }
         std::byte* const out = tail.outBytes != 0 ? tail.out : dst;
-        runBlocks<false, P::kLooksAhead ? kEnd : 0, PREFETCH>(stages, in, out, 1);
+        FewBlocks<Stages>::template run<P::kLooksAhead ? kEnd : 0, PREFETCH>(stages, in, out, 1);
         if (tail.outBytes != 0)
             std::memcpy(dst, tail.out, tail.outBytes);
     }

@@ -103,6 +103,13 @@ TEST(MergedForms, From8BitRGB)
     expectFromRGB8<UNPACK_BGRA_TO_RGBv4>();
     expectFromRGB8<UNPACK_RGBA_TO_RGBv4>();
     expectFromBytes<UNPACK_BGRA_TO_RGBv8, RGBv8_BITDEPTH<2, 16>, PACK_RGBv8_TO_R210>();
+    expectFromBytes<UNPACK_BGRA_TO_RGBv8, RGBv8_RESCALE<8, true, 10, false, P1>,
+                    PACK_RGBv8_TO_R210>();
+    using Order = R12KPackingOrderRGB;
+    expectFromBytes<UNPACK_BGRA_TO_BGRAv8, BGRAv8_BITDEPTH<4, 16>,
+                    PACK_BGRAv8_TO_R12L_SSSE3_T<Order>>();
+    expectFromBytes<UNPACK_BGRA_TO_BGRAv8, BGRAv8_BITDEPTH<4, 16>,
+                    PACK_BGRAv8_TO_R12B_SSSE3_T<Order>>();
     expectFromBytes<UNPACK_BGRA_TO_BGRAv8, BGRAv8_RESCALE<8, true, 10, true, P1>>();
     expectFromBytes<UNPACK_BGRX_TO_BGRAv8, BGRAv8_RESCALE<8, true, 12, true, P1>>();
     expectFromBytes<UNPACK_ARGB_TO_BGRAv8, BGRAv8_RESCALE<8, true, 12, false, P1>>();
@@ -117,6 +124,8 @@ void expectFromRGB10()
     expectFromWords<UNPACK, RGBv4_BITDEPTH<-2, 16>, PACK_RGBv4_TO_BGRA>();
     expectFromWords<UNPACK, RGBv4_BITDEPTH<-2, 16>, PACK_RGBv4_TO_RGBA>();
     expectFromWords<UNPACK, RGBv4_RESCALE<10, false, 8, true, P1>, PACK_RGBv4_TO_ARGB>();
+    expectFromWords<UNPACK, RGBv4_RESCALE<10, false, 8, true, P1>, PACK_RGBv4_TO_BGRA>();
+    expectFromWords<UNPACK, RGBv4_RESCALE<10, false, 8, true, P1>, PACK_RGBv4_TO_RGBA>();
     expectFromWords<UNPACK, RGBv4_STUDIO_TO_COMPUTER<10, P0>, PACK_RGBv4_TO_R10KBE>();
     expectFromWords<UNPACK, RGBv4_COMPUTER_TO_STUDIO<10, P0>, PACK_RGBv4_TO_R210>();
     expectFromWords<UNPACK, PACK_RGBv4_TO_R10KLE>();
@@ -130,6 +139,24 @@ TEST(MergedForms, From10BitRGB)
     expectFromRGB10<UNPACK_R10KLE_TO_RGBv4>();
     expectFromRGB10<UNPACK_R10KBE_TO_RGBv4>();
     expectFromWords<UNPACK_R210_TO_RGBv8, RGBv8_BITDEPTH<-2, 16>, PACK_RGBv8_TO_BGRA>();
+}
+
+/// Planes and pixels, with the sums of each in its own order.
+template<class MATRIX>
+void expectGamut()
+{
+    using Planes = COLOURSPACE_CONV_RGBv4<Rec709OETF<8, V0>, MATRIX, Rec709OETF<8, V0>>;
+    using Pixels = COLOURSPACE_CONV_BGRAv8<Rec709OETF<8, V1>, MATRIX, Rec709OETF<8, V1>>;
+    expectFromWords<UNPACK_R210_TO_RGBv4, RGBv4_BITDEPTH<-2, 10>, Planes, PACK_RGBv4_TO_RGBA>();
+    expectFromBytes<UNPACK_BGRA_TO_BGRAv8, Pixels, PACK_BGRAv8_TO_BGRA>();
+    expectFromBytes<UNPACK_ARGB_TO_BGRAv8, Pixels, PACK_BGRAv8_TO_RGBA>();
+    expectFromBytes<UNPACK_BGRA_TO_BGRAv8, Pixels, PACK_BGRAv8_TO_ARGB>();
+}
+
+TEST(MergedForms, OtherPrimaries)
+{
+    expectGamut<RGB_2020_TO_709>();
+    expectGamut<RGB_601NTSC_TO_709>();
 }
 
 TEST(MergedForms, FromDeepFormats)
