@@ -24,7 +24,7 @@ struct PeerJob {
 };
 
 struct Peer {
-    std::string row;     ///< the entry it stands beside, as "8YUV422_HD_To_8BGRA_FULL"
+    std::string row;     ///< the conversion it stands beside, as "2vuy:709/BGRA:709"
     std::string library; ///< "libyuv", "swscale", "avcodec", "zimg"
     std::string differs; ///< what it does differently, empty if nothing
     /// Of an even width. One thread. Levels are told apart for the whole process, so jobs of one

@@ -1,121 +1,111 @@
-/// Times every live conversion of the table at 1920 by 1080, each beside a memcpy that moves as
-/// many bytes in the same run.
+/// Times every live conversion of the table, beside a memcpy that moves as many bytes and beside
+/// what other libraries have for it: kestrix_bench [ROWS [SIZE]] takes the rows whose names fit the
+/// regular expression ROWS, and the sizes whose names begin with SIZE.
 ///
-/// "hot" works on one pair of pictures, "cold" on a rotating set that no cache holds. The counters
-/// are the time a pixel takes and bytes a second, in and out together.
-#include "conversion/KSXPixelConversion.h"
-#include "conversion/PixelFormats.h"
+/// Names are ROW/SIZE/TEMPERATURE/WHO, as "row41/2vuy:709/BGRA:709/1920x1080/hot/kestrix";
+/// "memcpy/BYTES/TEMPERATURE" moves BYTES in all, half of them read and half written. Counters are
+/// the seconds a pixel takes and bytes a second, in and out together.
+#include "benchmarks/Peers.h"
+#include "benchmarks/Pictures.h"
+#include "benchmarks/Rows.h"
 
 #include <benchmark/benchmark.h>
 
+#include <cstdio>
 #include <cstring>
+#include <regex>
+#include <set>
 #include <string>
-#include <vector>
 
 namespace {
 
-using namespace KSX::PixelConversion;
+using namespace kestrix::bench;
+using KSX::PixelConversion::conversions;
+using KSX::PixelConversion::kConversionCount;
 
-constexpr unsigned kWidth = 1920;
-constexpr unsigned kHeight = 1080;
-constexpr std::size_t kColdBytes = std::size_t{512} << 20;
+constexpr Size kSizes[] = {{1920, 1080}, {3840, 2160}};
+constexpr Temperature kTemperatures[] = {Temperature::Hot, Temperature::Cold};
 
-/// Pairs of pictures that a benchmark goes round.
-class Pictures {
-public:
-    Pictures(std::size_t srcBytes, std::size_t dstBytes, bool cold)
-        : m_src(srcBytes),
-          m_dst(dstBytes),
-          m_count(cold ? kColdBytes / (srcBytes + dstBytes) : 1),
-          m_memory(m_count * (srcBytes + dstBytes) + kReadableBehind)
-    {
-        for (std::size_t i = 0; i < m_memory.size(); ++i)
-            m_memory[i] = static_cast<unsigned char>(i * 2654435761u >> 13);
-    }
-
-    unsigned char* next()
-    {
-        m_at = (m_at + 1) % m_count;
-        return m_memory.data() + m_at * (m_src + m_dst);
-    }
-
-private:
-    static constexpr std::size_t kReadableBehind = 64;
-    std::size_t m_src;
-    std::size_t m_dst;
-    std::size_t m_count;
-    std::size_t m_at = 0;
-    std::vector<unsigned char> m_memory;
-};
-
-/// Runs `work` on source and destination of pair after pair.
-template<class WORK>
-void timePictures(benchmark::State& state, std::size_t srcBytes, std::size_t dstBytes, bool cold,
-                  WORK work)
+std::string nameOf(Size size)
 {
-    Pictures pictures(srcBytes, dstBytes, cold);
+    return std::to_string(size.width) + "x" + std::to_string(size.height);
+}
+
+std::string nameOf(Temperature temperature)
+{
+    return temperature == Temperature::Hot ? "hot" : "cold";
+}
+
+std::string nameOf(Level level)
+{
+    return level == Level::Ssse3 ? "ssse3" : "free";
+}
+
+/// Calls `work` with pair after pair. Memory that a benchmark is the first to touch is touched
+/// before the clock runs.
+template<class WORK>
+void timePictures(benchmark::State& state, std::size_t srcBytes, std::size_t dstBytes,
+                  Temperature temperature, std::size_t pixels, WORK work)
+{
+    Pictures pictures(srcBytes, dstBytes, temperature);
+    work(pictures.next());
     for (auto _ : state) {
-        unsigned char* const src = pictures.next();
-        work(src + srcBytes, src);
+        work(pictures.next());
         benchmark::ClobberMemory();
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(srcBytes + dstBytes));
+    if (pixels == 0)
+        return;
     state.counters["per_pixel"] =
-        benchmark::Counter(static_cast<double>(state.iterations()) * kWidth * kHeight,
+        benchmark::Counter(static_cast<double>(state.iterations()) * static_cast<double>(pixels),
                            benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    state.counters["bytes"] = static_cast<double>(srcBytes + dstBytes);
 }
 
-std::string name(PixelFormat format)
+void registerRow(unsigned index, Size size, Temperature temperature, std::set<std::string>& copies)
 {
-    if (format == PixelFormat_ARGB)
-        return "ARGB";
-    std::string code;
-    for (int shift = 24; shift >= 0; shift -= 8)
-        code += static_cast<char>(format >> shift & 0xff);
-    return code;
-}
+    const auto& row = conversions[index];
+    const std::size_t srcRow = rowBytes(row.srcFormat, size.width);
+    const std::size_t dstRow = rowBytes(row.dstFormat, size.width);
+    const std::size_t srcBytes = srcRow * size.height;
+    const std::size_t dstBytes = dstRow * size.height;
+    const std::string where = nameOf(size) + "/" + nameOf(temperature) + "/";
 
-const char* name(Colorspace colorspace)
-{
-    switch (colorspace) {
-    case Colorspace601:
-        return ":601";
-    case Colorspace709:
-        return ":709";
-    case Colorspace2020:
-        return ":2020";
-    default:
-        return "";
-    }
-}
-
-void registerRow(unsigned index)
-{
-    const ConversionEntry& row = conversions[index];
-    const auto srcRow = rowBytes(*findPixelFormat(row.srcFormat), kWidth);
-    const auto dstRow = rowBytes(*findPixelFormat(row.dstFormat), kWidth);
-    const std::string title = "row" + std::to_string(index) + "/" + name(row.srcFormat) +
-                              name(row.srcColorspace) + "/" + name(row.dstFormat) +
-                              name(row.dstColorspace);
-
-    for (const bool cold : {false, true}) {
-        const std::string suffix = cold ? "/cold" : "/hot";
-        benchmark::RegisterBenchmark((title + suffix).c_str(), [=](benchmark::State& state) {
-            timePictures(state, srcRow * kHeight, dstRow * kHeight, cold,
-                         [&](unsigned char* dst, unsigned char* src) {
-                             row.function(kWidth, kHeight, dst, static_cast<unsigned>(dstRow), src,
-                                          static_cast<unsigned>(srcRow));
-                         });
-        });
-        // As many bytes in all: a copy reads half of them and writes half.
-        const std::size_t half = (srcRow + dstRow) * kHeight / 2;
-        benchmark::RegisterBenchmark(
-            (title + suffix + "/memcpy").c_str(), [=](benchmark::State& state) {
-                timePictures(state, half, half, cold, [=](unsigned char* dst, unsigned char* src) {
-                    std::memcpy(dst, src, half);
+    benchmark::RegisterBenchmark(
+        (rowName(index) + "/" + where + "kestrix").c_str(), [=](benchmark::State& state) {
+            timePictures(
+                state, srcBytes, dstBytes, temperature, size.pixels(), [&](Pictures::Pair pair) {
+                    row.function(size.width, size.height, pair.dst, static_cast<unsigned>(dstRow),
+                                 pair.src, static_cast<unsigned>(srcRow));
                 });
-            });
+        });
+
+    for (const Peer& peer : peers()) {
+        if (peer.row != shortName(index))
+            continue;
+        for (const Level level : {Level::Ssse3, Level::Free})
+            benchmark::RegisterBenchmark(
+                (rowName(index) + "/" + where + peer.library + "-" + nameOf(level)).c_str(),
+                [=](benchmark::State& state) {
+                    const PeerJob job = peer.make(level, size.width, size.height);
+                    if (!job.convert) {
+                        state.SkipWithError("the peer has no such conversion here");
+                        return;
+                    }
+                    state.SetLabel(peer.differs);
+                    timePictures(state, job.srcBytes, job.dstBytes, temperature, size.pixels(),
+                                 [&](Pictures::Pair pair) { job.convert(pair.src, pair.dst); });
+                });
     }
+
+    const std::string copy =
+        "memcpy/" + std::to_string(srcBytes + dstBytes) + "/" + nameOf(temperature);
+    if (copies.insert(copy).second)
+        benchmark::RegisterBenchmark(copy.c_str(), [=](benchmark::State& state) {
+            const std::size_t half = (srcBytes + dstBytes) / 2;
+            timePictures(state, half, half, temperature, 0,
+                         [=](Pictures::Pair pair) { std::memcpy(pair.dst, pair.src, half); });
+        });
 }
 
 } // namespace
@@ -123,11 +113,23 @@ void registerRow(unsigned index)
 int main(int argc, char** argv)
 {
     benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+    if (argc > 3 || (argc > 1 && argv[1][0] == '-')) {
+        std::fprintf(stderr, "usage: kestrix_bench [--benchmark_...] [ROWS [SIZE]]\n");
         return 1;
-    for (unsigned i = 0; i < kConversionCount; ++i)
-        if (conversions[i].function != nullptr)
-            registerRow(i);
+    }
+    const std::regex rows(argc > 1 ? argv[1] : "");
+    const std::string sizes = argc > 2 ? argv[2] : "";
+
+    benchmark::AddCustomContext("last_cache_bytes", std::to_string(lastCacheBytes()));
+    for (const std::string& version : peerVersions())
+        benchmark::AddCustomContext("peer " + version.substr(0, version.find(' ')), version);
+
+    std::set<std::string> copies;
+    for (const Size size : kSizes)
+        for (const Temperature temperature : kTemperatures)
+            for (unsigned i = 0; i < kConversionCount; ++i)
+                if (nameOf(size).starts_with(sizes) && std::regex_search(rowName(i), rows))
+                    registerRow(i, size, temperature, copies);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
 }

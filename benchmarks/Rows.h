@@ -1,0 +1,68 @@
+/// The rows of the table as the benchmarks name and size them.
+#pragma once
+
+#include "conversion/KSXPixelConversion.h"
+#include "conversion/PixelFormats.h"
+
+#include <cstddef>
+#include <string>
+
+namespace kestrix::bench {
+
+/// Pixels a row and rows.
+struct Size {
+    unsigned width;
+    unsigned height;
+
+    std::size_t pixels() const { return std::size_t{width} * height; }
+};
+
+inline std::size_t rowBytes(KSX::PixelConversion::PixelFormat format, unsigned width)
+{
+    return KSX::PixelConversion::rowBytes(*KSX::PixelConversion::findPixelFormat(format), width);
+}
+
+inline std::string formatName(KSX::PixelConversion::PixelFormat format)
+{
+    if (format == KSX::PixelConversion::PixelFormat_ARGB)
+        return "ARGB";
+    std::string code;
+    for (int shift = 24; shift >= 0; shift -= 8)
+        code += static_cast<char>(format >> shift & 0xff);
+    return code;
+}
+
+/// "709", or nothing for an unspecified colourspace.
+inline std::string colourspaceName(KSX::PixelConversion::Colorspace colorspace)
+{
+    switch (colorspace) {
+    case KSX::PixelConversion::Colorspace601:
+        return "601";
+    case KSX::PixelConversion::Colorspace709:
+        return "709";
+    case KSX::PixelConversion::Colorspace2020:
+        return "2020";
+    default:
+        return "";
+    }
+}
+
+/// As in "2vuy:709/BGRA:709".
+inline std::string shortName(unsigned index)
+{
+    const auto end = [](KSX::PixelConversion::PixelFormat format,
+                        KSX::PixelConversion::Colorspace colorspace) {
+        const std::string suffix = colourspaceName(colorspace);
+        return formatName(format) + (suffix.empty() ? "" : ":" + suffix);
+    };
+    const auto& row = KSX::PixelConversion::conversions[index];
+    return end(row.srcFormat, row.srcColorspace) + "/" + end(row.dstFormat, row.dstColorspace);
+}
+
+/// As in "row17/2vuy:709/BGRA:709".
+inline std::string rowName(unsigned index)
+{
+    return "row" + std::to_string(index) + "/" + shortName(index);
+}
+
+} // namespace kestrix::bench
