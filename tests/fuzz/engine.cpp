@@ -71,12 +71,13 @@ void checkConversion(const Conversion& conversion, FuzzInput& input)
     const unsigned least = std::max(1u, reference.leastWidth);
     // Narrow rows have all ends that there are, so most are narrow: they are many times faster.
     const unsigned code = input.word();
-    const unsigned width = least + (code % 16 == 0 ? code / 16 : code / 16 % 200);
+    const bool wide = code % 16 == 0;
+    const unsigned width = least + (wide ? code / 16 : code / 16 % 200);
     const unsigned shape = input.byte();
-    const unsigned height =
-        conversion.changes601() && shape % 16 == 0 ? Picture::kPALHeight : 1 + shape % 3;
+    const bool tall = conversion.changes601() && !wide && shape % 16 == 0;
+    const unsigned height = tall ? Picture::kPALHeight : 1 + shape % 3;
     // A copy takes as many bytes as the rows of the destination lie apart.
-    const bool apart = !conversion.copies() && height != Picture::kPALHeight;
+    const bool apart = !conversion.copies() && !tall;
 
     Picture src(input, reference.bytesRead(width), height, apart);
     Picture dst(input, rowBytes(conversion.dst(), width), height, apart);
