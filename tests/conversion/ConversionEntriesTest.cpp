@@ -1,8 +1,7 @@
 /// Whole conversions against the scalar reference: every row of the table that has a function, and
 /// the entries that no row leads to.
-#include "conversion/ConversionEntries.h"
-#include "conversion/PixelFormats.h"
 #include "tests/reference/Conversions.h"
+#include "tests/support/AllConversions.h"
 #include "tests/support/CaseName.h"
 #include "tests/support/Difference.h"
 #include "tests/support/GuardedPicture.h"
@@ -10,8 +9,6 @@
 
 #include <algorithm>
 #include <numeric>
-#include <ostream>
-#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -20,73 +17,6 @@ namespace kestrix::test {
 namespace {
 
 using namespace KSX::PixelConversion;
-
-struct Conversion {
-    std::string name;
-    ConversionEntry entry;
-    /// Of an entry for one line standard, a height of which the entry for all does the same.
-    unsigned standsForHeight = 0;
-
-    const PixelFormatInfo& src() const { return *findPixelFormat(entry.srcFormat); }
-    const PixelFormatInfo& dst() const { return *findPixelFormat(entry.dstFormat); }
-    bool copies() const { return entry.function == CopyWithoutConversion; }
-};
-
-void PrintTo(const Conversion& conversion, std::ostream* out)
-{
-    *out << conversion.name;
-}
-
-std::vector<Conversion> allConversions()
-{
-    std::vector<Conversion> all;
-    for (std::size_t i = 0; i < std::size(conversions); ++i) {
-        const Conversion row{{}, conversions[i]};
-        if (row.entry.function != nullptr)
-            all.push_back({"Row" + std::to_string(i) + "_" + row.src().engineName + "_To_" +
-                               row.dst().engineName,
-                           row.entry});
-    }
-    const auto add = [&](const std::string& name, PixelFormat src, PixelFormat dst,
-                         ConversionFunction function, Colorspace from = ColorspaceUnspecified,
-                         Colorspace to = ColorspaceUnspecified, unsigned height = 0) {
-        all.push_back({name, {src, from, dst, to, function}, height});
-    };
-    add("ARGBToBGRA_Scalar", PixelFormat_ARGB, PixelFormat_BGRA,
-        Convert_8ARGB_FULL_To_8BGRA_FULL_Scalar);
-    add("BGRAToARGB_Scalar", PixelFormat_BGRA, PixelFormat_ARGB,
-        Convert_8BGRA_FULL_To_8ARGB_FULL_Scalar);
-    add("ARGBToRGB3", PixelFormat_ARGB, PixelFormat_RGB3, Convert_8ARGB_FULL_To_8RGB_FULL);
-    add("BGRAToRGB3", PixelFormat_BGRA, PixelFormat_RGB3, Convert_8BGRA_FULL_To_8RGB_FULL);
-    add("R210ToBGRA_2020To709", PixelFormat_R210, PixelFormat_BGRA,
-        Convert_10XRGB_BE_FULL_2020_To_8BGRA_FULL_709, Colorspace2020, Colorspace709);
-    add("R210ToRGBA_2020To709", PixelFormat_R210, PixelFormat_RGBA,
-        Convert_10XRGB_BE_FULL_2020_To_8RGBA_FULL_709, Colorspace2020, Colorspace709);
-    const auto addLines = [&](const std::string& name, PixelFormat format,
-                              ConversionFunction fromPAL, ConversionFunction fromNTSC,
-                              ConversionFunction toPAL, ConversionFunction toNTSC) {
-        add(name + "_PALTo709", format, format, fromPAL, Colorspace601, Colorspace709, 576);
-        add(name + "_NTSCTo709", format, format, fromNTSC, Colorspace601, Colorspace709, 486);
-        add(name + "_709ToPAL", format, format, toPAL, Colorspace709, Colorspace601, 576);
-        add(name + "_709ToNTSC", format, format, toNTSC, Colorspace709, Colorspace601, 486);
-    };
-    addLines("2vuy", PixelFormat_2vuy, Convert_8YUV422_PAL601_To_8YUV422_709,
-             Convert_8YUV422_NTSC601_To_8YUV422_709, Convert_8YUV422_709_To_8YUV422_PAL601,
-             Convert_8YUV422_709_To_8YUV422_NTSC601);
-    addLines("v210", PixelFormat_v210, Convert_10YUV422_LE_PAL601_To_10YUV422_LE_709,
-             Convert_10YUV422_LE_NTSC601_To_10YUV422_LE_709,
-             Convert_10YUV422_LE_709_To_10YUV422_LE_PAL601,
-             Convert_10YUV422_LE_709_To_10YUV422_LE_NTSC601);
-    return all;
-}
-
-/// Leaves something on the stack for the tails of rows to find, where there could be zeros.
-[[gnu::noinline]] void soilStack(unsigned seed)
-{
-    volatile std::uint8_t stack[8192];
-    for (volatile std::uint8_t& byte : stack)
-        byte = static_cast<std::uint8_t>((seed = seed * 1664525 + 1013904223) >> 24);
-}
 
 class ConversionEntries : public testing::TestWithParam<Conversion> {
 protected:
@@ -110,24 +40,21 @@ protected:
         Random random(seed);
         for (unsigned y = 0; y < picture.height(); ++y) {
             random.fill(picture.row(y), content);
-            limit(picture.row(y));
+            conversion().limit(picture.row(y));
         }
     }
 
-    /// 10 bits in words of 16 have nothing above.
-    void limit(std::span<std::uint8_t> row) const
+    /// Bytes that are read behind the row that is last in memory.
+    std::size_t slack(unsigned width) const
     {
-        if (conversion().src().code == PixelFormat_A04l ||
-            conversion().src().code == PixelFormat_A04L)
-            for (std::size_t i = 1; i < row.size(); i += 2)
-                row[i] &= 3;
+        const std::size_t row = rowBytes(conversion().src(), width);
+        return std::max(row, reference.bytesRead(width)) - row;
     }
 
     /// The rows that `src` should become.
     std::vector<reference::WrittenRow> expectedRows(GuardedPicture& src, unsigned width) const
     {
-        const unsigned height =
-            conversion().standsForHeight != 0 ? conversion().standsForHeight : src.height();
+        const unsigned height = conversion().heightForPrimaries(src.height());
         std::vector<reference::WrittenRow> rows;
         for (unsigned y = 0; y < src.height(); ++y)
             rows.push_back(reference.convert(src.row(y).data(), width, height));
@@ -136,7 +63,6 @@ protected:
 
     void convert(GuardedPicture& src, GuardedPicture& dst, unsigned width) const
     {
-        soilStack(width);
         conversion().entry.function(width, src.height(), dst.top(), dst.rowStep(), src.top(),
                                     src.rowStep());
     }
@@ -167,8 +93,7 @@ protected:
                     .bottomUp = apart && random.upTo(1) == 1,
                     .slack = slack};
         };
-        GuardedPicture src(height, rowBytes(conversion().src(), width),
-                           layout(reference.readsBehind(width)));
+        GuardedPicture src(height, rowBytes(conversion().src(), width), layout(slack(width)));
         GuardedPicture dst(height, rowBytes(conversion().dst(), width), layout(0));
         fill(src, content, seed);
         const auto expected = expectedRows(src, width);
@@ -200,8 +125,7 @@ TEST_P(ConversionEntries, ConvertEveryCodeOfEachSample)
     const unsigned width = 2 * (layout.maximum() + 1) + 6;
     const std::size_t samples = layout.is422() ? 2 : 4;
     for (std::size_t i = 0; i < samples + (layout.alphaAt < 0 ? 0 : 1); ++i) {
-        GuardedPicture src(1, rowBytes(conversion().src(), width),
-                           {.slack = reference.readsBehind(width)});
+        GuardedPicture src(1, rowBytes(conversion().src(), width), {.slack = slack(width)});
         GuardedPicture dst(1, conversion().copies() ? src.row(0).size()
                                                     : rowBytes(conversion().dst(), width));
         fill(src, Content::Uniform, i);
@@ -224,7 +148,7 @@ TEST_P(ConversionsOfOnePixelSize, ConvertInPlace)
     for (const unsigned width : widths()) {
         SCOPED_TRACE(testing::Message() << "width " << width);
         GuardedPicture picture(3, rowBytes(conversion().src(), width),
-                               {.padding = 6, .slack = reference.readsBehind(width)});
+                               {.padding = 6, .slack = slack(width)});
         fill(picture, Content::Uniform, width);
         const auto expected = expectedRows(picture, width);
         convert(picture, picture, width);
@@ -263,10 +187,7 @@ std::vector<Conversion> conversionsOfOnePixelSize()
 std::vector<Conversion> conversionsOfRec601()
 {
     std::vector<Conversion> all = allConversions();
-    std::erase_if(all, [](const Conversion& conversion) {
-        const auto& [src, from, dst, to, function] = conversion.entry;
-        return from == to || (from != Colorspace601 && to != Colorspace601);
-    });
+    std::erase_if(all, [](const Conversion& conversion) { return !conversion.changes601(); });
     return all;
 }
 

@@ -28,8 +28,8 @@ struct RowConversion {
 
     /// The narrowest row that the conversion takes.
     unsigned leastWidth = 0;
-    /// How far it reads behind a row's last byte.
-    std::function<unsigned(unsigned width)> readsBehind = [](unsigned) { return 0; };
+    /// The bytes that it reads of a row, which can be more than the row has.
+    std::function<std::size_t(unsigned width)> bytesRead;
 };
 
 inline constexpr Levels kFull8{8, true}, kFull10{10, true}, kFull12{12, true};
@@ -189,20 +189,32 @@ inline WrittenRow writeYUV(const Layout& layout, const PixelLanes& lanes, std::s
 
 // --- The classes of conversions ------------------------------------------------------------------
 
-inline RowConversion copies(const Layout& dst)
+/// Of a row's last group in 4:2:2 only the pixels that are there are read, or all of v210.
+inline std::function<std::size_t(unsigned width)> bytesOfPixels(const Layout& src)
 {
-    return {[&](const std::uint8_t* row, unsigned width, unsigned) {
-        WrittenRow copy(dst, width);
-        std::copy_n(row, copy.bytes.size(), copy.bytes.begin());
-        return copy;
-    }};
+    return [&src](unsigned width) {
+        return src.is422() && src.code != PixelFormat_v210
+                   ? 2 * std::size_t{width} / src.at.size() * src.unitBits / 8
+                   : rowBytes(*findPixelFormat(src.code), width);
+    };
+}
+
+inline RowConversion copies(const Layout& src, const Layout& dst)
+{
+    return {.convert =
+                [&](const std::uint8_t* row, unsigned width, unsigned) {
+                    WrittenRow copy(dst, width);
+                    std::copy_n(row, copy.bytes.size(), copy.bytes.begin());
+                    return copy;
+                },
+            .bytesRead = bytesOfPixels(src)};
 }
 
 /// 4:2:2 to 4:2:2 of one colourspace. Alpha that comes new is 1023, of video levels too.
 inline RowConversion staysYUV(const Layout& src, const Layout& dst)
 {
     const int by = dst.levels.bits - src.levels.bits;
-    return {[&src, &dst, by](const std::uint8_t* row, unsigned width, unsigned) {
+    const auto convert = [&src, &dst, by](const std::uint8_t* row, unsigned width, unsigned) {
         const auto sample = [&](std::size_t i) {
             const std::uint16_t x = src.read(row, src.bitOf(i));
             return by == 0 ? x : static_cast<std::uint16_t>(atDepth(x, by, 16));
@@ -210,7 +222,8 @@ inline RowConversion staysYUV(const Layout& src, const Layout& dst)
         return writeYUV(
             dst, width, sample, [](std::size_t) { return false; },
             [](std::size_t) { return std::uint16_t{1023}; });
-    }};
+    };
+    return {.convert = convert, .bytesRead = bytesOfPixels(src)};
 }
 
 /// From RGB to RGB of one colourspace. Between the ranges of 10 bits the result is cut.
@@ -314,6 +327,7 @@ inline RowConversion throughRGB(const ConversionEntry& entry, const Layout& src,
     const unsigned block = std::lcm(stepOf(src.code), stepOf(dst.code));
 
     RowConversion result;
+    result.bytesRead = bytesOfPixels(src);
     result.convert = [=, &src, &dst](const std::uint8_t* row, unsigned width, unsigned height) {
         PixelLanes lanes = fromYUV ? readYUV(src, row, width, decode, block)
                                    : readRGB(src, row, width, alphaSurvives);
@@ -343,10 +357,17 @@ inline RowConversion throughRGB(const ConversionEntry& entry, const Layout& src,
     if (intoYUV)
         result.leastWidth = fromYUV ? block + 1 : block;
     if (fromYUV && src.levels.bits == 8)
-        result.readsBehind = [](unsigned) { return 12; };
-    else if (src.code == PixelFormat_v210)
-        result.readsBehind = [](unsigned width) {
-            return (width + 11) / 12 * 32 - (width + 5) / 6 * 16;
+        // The vector behind a whole block, if there are pixels behind it.
+        result.bytesRead = [=](unsigned width) {
+            const unsigned whole = width / block * block;
+            const bool looks = whole != 0 && whole != width;
+            return std::max<std::size_t>(2 * width, looks ? 2 * whole + 16 : 0);
+        };
+    else if (fromYUV)
+        // Whole steps.
+        result.bytesRead = [=, &src](unsigned width) {
+            const unsigned step = stepOf(src.code);
+            return rowBytes(*findPixelFormat(src.code), (width + step - 1) / step * step);
         };
     return result;
 }
@@ -357,7 +378,7 @@ inline RowConversion rowConversion(const ConversionEntry& entry)
     const Layout& src = layoutOf(entry.srcFormat);
     const Layout& dst = layoutOf(entry.dstFormat);
     if (entry.function == CopyWithoutConversion)
-        return copies(dst);
+        return copies(src, dst);
     if (src.is422() && dst.is422() && entry.srcColorspace == entry.dstColorspace)
         return staysYUV(src, dst);
     return throughRGB(entry, src, dst);

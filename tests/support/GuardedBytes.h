@@ -1,4 +1,4 @@
-/// Memory right behind which nothing can be read or written.
+/// Memory between pages that can't be read or written.
 #pragma once
 
 #include <cstddef>
@@ -10,20 +10,21 @@
 
 namespace kestrix::test {
 
-/// Zeroed bytes that end where an unreadable page begins.
+/// Zeroed bytes that end where an unreadable page begins. Another lies in front of them, at a
+/// distance of less than a page; a whole number of pages begins right behind it.
 class GuardedBytes {
 public:
     explicit GuardedBytes(std::size_t size) : m_size(size)
     {
         const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-        m_mapped = (size + page - 1) / page * page + page;
-        void* memory =
-            mmap(nullptr, m_mapped, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        const std::size_t usable = (size + page - 1) / page * page;
+        m_mapped = page + usable + page;
+        void* memory = mmap(nullptr, m_mapped, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
         if (memory == MAP_FAILED)
             throw std::bad_alloc();
         m_base = static_cast<std::uint8_t*>(memory);
-        mprotect(m_base + m_mapped - page, page, PROT_NONE);
-        m_begin = m_base + m_mapped - page - size;
+        mprotect(m_base + page, usable, PROT_READ | PROT_WRITE);
+        m_begin = m_base + page + usable - size;
     }
 
     ~GuardedBytes() { munmap(m_base, m_mapped); }
