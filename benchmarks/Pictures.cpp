@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 #include <unistd.h>
+#include <vector>
 
 namespace kestrix::bench {
 
@@ -12,6 +13,27 @@ constexpr std::size_t kCacheLine = 64;
 /// Stages that look ahead read behind a row.
 constexpr std::size_t kReadableBehind = 64;
 constexpr std::size_t kLeastColdBytes = std::size_t{512} << 20;
+
+/// A block, and how far cold pictures have got in it.
+struct Ring {
+    std::vector<unsigned char> bytes;
+    unsigned char* begin;
+    std::size_t size;
+    std::size_t at = 0;
+};
+
+Ring makeRing()
+{
+    Ring ring;
+    ring.size = std::max(kLeastColdBytes, 4 * lastCacheBytes());
+    ring.bytes.resize(ring.size + kCacheLine);
+    for (std::size_t i = 0; i < ring.bytes.size(); ++i)
+        ring.bytes[i] = static_cast<unsigned char>(i * 2654435761u >> 13);
+    void* begin = ring.bytes.data();
+    std::size_t space = ring.bytes.size();
+    ring.begin = static_cast<unsigned char*>(std::align(kCacheLine, ring.size, begin, space));
+    return ring;
+}
 
 std::size_t padded(std::size_t bytes)
 {
@@ -26,34 +48,22 @@ std::size_t lastCacheBytes()
     return bytes > 0 ? static_cast<std::size_t>(bytes) : 0;
 }
 
-std::vector<unsigned char>& Pictures::memory()
-{
-    static std::vector<unsigned char> block = [] {
-        std::vector<unsigned char> bytes(std::max(kLeastColdBytes, 4 * lastCacheBytes()) +
-                                         kCacheLine);
-        for (std::size_t i = 0; i < bytes.size(); ++i)
-            bytes[i] = static_cast<unsigned char>(i * 2654435761u >> 13);
-        return bytes;
-    }();
-    return block;
-}
-
 Pictures::Pictures(std::size_t srcBytes, std::size_t dstBytes, Temperature temperature)
     : m_dstOffset(padded(srcBytes)),
       m_pairBytes(m_dstOffset + padded(dstBytes)),
-      m_count(temperature == Temperature::Hot
-                  ? 1
-                  : std::max<std::size_t>((memory().size() - kCacheLine) / m_pairBytes, 1))
+      m_temperature(temperature)
 {
 }
 
 Pictures::Pair Pictures::next()
 {
-    m_at = (m_at + 1) % m_count;
-    void* begin = memory().data();
-    std::size_t space = memory().size();
-    std::align(kCacheLine, m_pairBytes, begin, space);
-    auto* const src = static_cast<unsigned char*>(begin) + m_at * m_pairBytes;
+    static Ring ring = makeRing();
+    if (m_temperature == Temperature::Hot)
+        return {ring.begin, ring.begin + m_dstOffset};
+    if (ring.at + m_pairBytes > ring.size)
+        ring.at = 0;
+    unsigned char* const src = ring.begin + ring.at;
+    ring.at += m_pairBytes;
     return {src, src + m_dstOffset};
 }
 

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <vector>
 
 namespace kestrix::bench {
 
@@ -25,15 +24,13 @@ public:
         unsigned char* src;
         unsigned char* dst;
     };
+    /// Where it is cold, the memory that was left alone for longest.
     Pair next();
 
 private:
-    static std::vector<unsigned char>& memory();
-
     std::size_t m_dstOffset;
     std::size_t m_pairBytes;
-    std::size_t m_count;
-    std::size_t m_at = 0;
+    Temperature m_temperature;
 };
 
 } // namespace kestrix::bench

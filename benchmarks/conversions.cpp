@@ -62,6 +62,23 @@ void timePictures(benchmark::State& state, std::size_t srcBytes, std::size_t dst
     state.counters["bytes"] = static_cast<double>(srcBytes + dstBytes);
 }
 
+/// A peer that stands beside no conversion would never be run, and nobody would know.
+bool allPeersHaveRows()
+{
+    bool all = true;
+    for (const Peer& peer : peers()) {
+        unsigned rows = 0;
+        for (unsigned i = 0; i < kConversionCount; ++i)
+            rows += shortName(i) == peer.row;
+        if (rows == 0)
+            std::fprintf(stderr,
+                         "kestrix_bench: %s is no conversion, but %s has one of that name\n",
+                         peer.row.c_str(), peer.library.c_str());
+        all = all && rows != 0;
+    }
+    return all;
+}
+
 void registerRow(unsigned index, Size size, Temperature temperature, std::set<std::string>& copies)
 {
     const auto& row = conversions[index];
@@ -117,6 +134,8 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "usage: kestrix_bench [--benchmark_...] [ROWS [SIZE]]\n");
         return 1;
     }
+    if (!allPeersHaveRows())
+        return 1;
     const std::regex rows(argc > 1 ? argv[1] : "");
     const std::string sizes = argc > 2 ? argv[2] : "";
 

@@ -98,6 +98,9 @@ def main():
     budgets = read_budgets(arguments.budgets)
     for name, instructions in counts.items():
         print(f"{name:36} {instructions:8.3f}  of {budgets.get(name, 0):8.3f}")
+    for name, instructions in counts.items():
+        if ALLOWED * instructions < budgets.get(name, 0):
+            print(f"{name} has become better than its budget: record it, so that it stays so")
     found = sorted(faults(counts, budgets))
     for fault in found:
         print(f"FAULT: {fault}")

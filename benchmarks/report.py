@@ -46,6 +46,8 @@ def benchmark(program, arguments, repetitions, min_time):
         if done.returncode != 0:
             sys.exit(f"bench: {' '.join(map(str, command))} failed:\n{done.stderr}")
         result = json.load(open(out.name))
+    for name in sorted({b["run_name"] for b in result["benchmarks"] if b.get("error_occurred")}):
+        print(f"bench: {name} did not run", file=sys.stderr)
     return {b["run_name"]: b for b in result["benchmarks"]
             if b.get("aggregate_name") == "median" and not b.get("error_occurred")}, result["context"]
 
@@ -132,7 +134,7 @@ def peer_table(rows, size):
             if all(ratio is None for ratio in ratios):
                 continue
             cells = ["" if ratio is None else f"{ratio:.2f}" for ratio in ratios]
-            lines.append([f"`{row.short}`", peer, *cells, row.labels.get(f"{peer}-free", "")])
+            lines.append([f"`{row.short}`", peer, *cells, row.labels.get(f"{peer}-free") or row.labels.get(f"{peer}-ssse3", "")])
     return table(["conversion", "peer", "hot, SSSE3", "hot, free", "cold, SSSE3", "cold, free",
                   "what it does differently"], lines) if lines else "No peer was found."
 
@@ -141,12 +143,14 @@ def preview_table(medians):
     lines = []
     for name, figures in medians.items():
         scale = {"ns": 1e-6, "us": 1e-3, "ms": 1.0, "s": 1e3}[figures["time_unit"]]
-        lines.append([name.replace("/manual_time", ""), f"{scale * figures['real_time']:.3f}"])
+        lines.append([re.sub(r"/(iterations:\d+|manual_time)", "", name), f"{scale * figures['real_time']:.3f}"])
     return table(["what", "ms"], lines)
 
 
 def binary_lines(medians):
-    load = medians["load/manual_time"]
+    load = medians.get("load/manual_time")
+    if load is None:
+        return "The shared library did not load."
     return (f"The shared library is {load['file_bytes'] / 2**20:.2f} MiB, and has "
             f"{load['private_bytes'] / 2**10:.0f} KiB of memory to itself when it has been loaded.")
 
@@ -184,7 +188,7 @@ def conditions(context):
 
 
 def chart(rows, size):
-    """Bars of time a pixel from memory: this library, and the fastest peer beside it."""
+    """Bars of time a pixel, hot: this library, and the fastest peer beside it."""
     by_name = {row.short: row for row in rows}
     bars = []
     for name in CHART_ROWS:

@@ -1,0 +1,16 @@
+/// The peers of each library, where the build has it.
+#pragma once
+
+#include "benchmarks/Peers.h"
+
+namespace kestrix::bench {
+
+std::vector<Peer> libyuvPeers();
+std::vector<Peer> swscalePeers();
+std::vector<Peer> zimgPeers();
+
+std::string libyuvVersion();
+std::string swscaleVersion();
+std::string zimgVersion();
+
+} // namespace kestrix::bench
