@@ -110,8 +110,16 @@ const std::vector<Call> kFixedFunctionCalls{
 
 // --- The recorder --------------------------------------------------------------------------------
 
-/// Values by place and name.
-using State = std::map<std::pair<std::string, GLenum>, std::vector<double>>;
+/// A place, empty for the context itself, and a name.
+using Key = std::pair<std::string, GLenum>;
+/// What a unit has as the context has it is written down once.
+using State = std::map<Key, std::vector<double>>;
+
+std::vector<double> valueOf(const State& state, const Key& key)
+{
+    const auto found = state.find(key);
+    return found != state.end() ? found->second : state.at({"", key.second});
+}
 
 /// Reads whatever the driver lets be read: names are found by asking for all that there can be.
 class StateRecorder {
@@ -123,7 +131,7 @@ public:
         // What is never twice the same, such as the time.
         const State first = read();
         for (const auto& [key, values] : read())
-            if (first.at(key) != values)
+            if (valueOf(first, key) != values)
                 m_restless.push_back(key);
     }
 
@@ -145,6 +153,10 @@ public:
             for (const GLenum name : m_names[i])
                 state[{m_families[i].place, name}] = value(m_families[i].get, name);
         }
+        std::erase_if(state, [&](const auto& entry) {
+            const auto& [place, name] = entry.first;
+            return place.size() == sizeof("unit 0") && valueOf(state, {"", name}) == entry.second;
+        });
         bindVertexArray(static_cast<GLuint>(array));
         activeTexture(static_cast<GLenum>(unit));
         enable(GL_DEBUG_OUTPUT);
@@ -185,6 +197,13 @@ private:
         KESTRIX_DRIVER(glDisable)(GL_DEBUG_OUTPUT);
         std::vector<GLenum> names;
         for (GLenum name = 0; name < 0x10000; ++name) {
+            // The device's memory and its names on the bus: a software driver has none, and at
+            // times no function that would say so.
+            if ((name >= GL_VBO_FREE_MEMORY_ATI && name <= GL_RENDERBUFFER_FREE_MEMORY_ATI) ||
+                (name >= GL_GPU_MEMORY_INFO_DEDICATED_VIDMEM_NVX &&
+                 name <= GL_GPU_MEMORY_INFO_EVICTED_MEMORY_NVX) ||
+                (name >= GL_NUM_DEVICE_UUIDS_EXT && name <= GL_DEVICE_NODE_MASK_EXT))
+                continue;
             const bool answers = !value(get, name).empty();
             if (getError() == GL_NO_ERROR && answers)
                 names.push_back(name);
@@ -232,7 +251,7 @@ private:
     GLuint m_hostArray;
     const std::vector<Family> m_families = families();
     std::vector<std::vector<GLenum>> m_names;
-    std::vector<std::pair<std::string, GLenum>> m_restless;
+    std::vector<Key> m_restless;
 };
 
 // --- The host ------------------------------------------------------------------------------------
@@ -349,16 +368,18 @@ TEST_P(GLState, IsLeftAsThePageSays)
         for (const Action& action : call.actions) {
             host.setState(GetParam().activeUnit);
             State expected = recorder.read();
-            ASSERT_GT(expected.size(), 1000u);
+            ASSERT_GT(expected.size(), 800u);
             action(helper);
             const State after = recorder.read();
             for (const Left& left : call.left) {
-                const std::pair key{std::string(left.place), left.name};
-                ASSERT_NE(left.values, expected.at(key)) << left.text << " shows nothing";
-                expected[key] = left.values.empty() ? after.at(key) : left.values;
+                const Key key{left.place, left.name};
+                ASSERT_NE(left.values, valueOf(expected, key)) << left.text << " shows nothing";
+                expected[key] = left.values.empty() ? valueOf(after, key) : left.values;
             }
-            for (const auto& [key, values] : expected)
-                EXPECT_EQ(after.at(key), values)
+            State all = expected;
+            all.insert(after.begin(), after.end());
+            for (const auto& [key, values] : all)
+                EXPECT_EQ(valueOf(after, key), valueOf(expected, key))
                     << row << key.first << std::hex << std::showbase << key.second;
         }
     }
