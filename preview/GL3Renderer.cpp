@@ -21,7 +21,8 @@ constexpr GLint kLutUnit = 1;
 
 constexpr auto kLutEdge = static_cast<GLsizei>(ScreenPreviewLut::kEdge);
 
-/// The size of two eyes side by side is still one that the GL can be told.
+// Two eyes side by side, or one above the other, are still of a size that the GL can be told.
+constexpr std::int64_t kMaxHeight = std::numeric_limits<GLsizei>::max();
 constexpr std::int64_t kMaxRowBytes = std::int64_t{4} * (std::numeric_limits<GLsizei>::max() / 2);
 
 struct Vertex {
@@ -253,11 +254,12 @@ void CGL3ScreenPreview::Renderer::update(IKestrixVideoFrame* frame, Preview3DFor
                                          GLsync& fence)
 {
     const std::uint32_t colourspace = colourspaceCode(frame);
+    const std::int64_t height = frame->GetHeight();
     const std::int64_t rowBytes = frame->GetRowBytes();
-    bool changed = adoptProperties(frame, rowBytes);
+    bool changed = adoptProperties(frame, height, rowBytes);
     selectLut(colourspace);
 
-    if (m_height < 0 || rowBytes < 0 || rowBytes > kMaxRowBytes)
+    if (height < 0 || height > kMaxHeight || rowBytes < 0 || rowBytes > kMaxRowBytes)
         return;
     const auto texelsPerRow = static_cast<GLsizei>(rowBytes / 4);
     const std::shared_ptr<void> left = ReadableFrameBytes(frame);
@@ -271,7 +273,7 @@ void CGL3ScreenPreview::Renderer::update(IKestrixVideoFrame* frame, Preview3DFor
         changed |= m_3DFormat != format;
         m_3DFormat = format;
         // Both eyes are uploaded with the left one's size.
-        if (rightFrame->GetHeight() == m_height && rightFrame->GetRowBytes() == rowBytes)
+        if (rightFrame->GetHeight() == height && rightFrame->GetRowBytes() == rowBytes)
             right = ReadableFrameBytes(rightFrame.get());
     }
     // Not a change: storage that was made for two eyes is kept for one.
@@ -284,11 +286,12 @@ void CGL3ScreenPreview::Renderer::update(IKestrixVideoFrame* frame, Preview3DFor
     bindTexture(kFrameUnit, GL_TEXTURE_2D, 0);
 }
 
-bool CGL3ScreenPreview::Renderer::adoptProperties(IKestrixVideoFrame* frame, std::int64_t rowBytes)
+bool CGL3ScreenPreview::Renderer::adoptProperties(IKestrixVideoFrame* frame, std::int64_t height,
+                                                  std::int64_t rowBytes)
 {
     const auto adopt = [](auto& field, auto value) { return std::exchange(field, value) != value; };
     bool changed = adopt(m_width, static_cast<std::int32_t>(frame->GetWidth()));
-    changed |= adopt(m_height, static_cast<std::int32_t>(frame->GetHeight()));
+    changed |= adopt(m_height, static_cast<std::int32_t>(height));
     changed |= adopt(m_pixelFormat, frame->GetPixelFormat());
     changed |= adopt(m_rowBytes, rowBytes);
     return changed;

@@ -47,7 +47,7 @@ private:
     void makeLutTexture();
 
     /// Takes over size and format; true when one of them is new.
-    bool adoptProperties(IKestrixVideoFrame* frame, std::int64_t rowBytes);
+    bool adoptProperties(IKestrixVideoFrame* frame, std::int64_t height, std::int64_t rowBytes);
     /// Brings the table for the frame's properties and colourspace code into the texture.
     void selectLut(std::uint32_t colourspaceCode);
     /// Fills the bound frame texture as `m_3DFormat` says; `right` may be null where it says so.

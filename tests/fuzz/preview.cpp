@@ -1,6 +1,7 @@
 /// Fuzzes both helpers through their factories: an input is a run of calls with invented frames. A
 /// frame's first answers hold; later ones may be anything. Its memory has what the first ones say
 /// and not a byte more than the 64 that may be read behind the last line.
+#include "conversion/KSXPixelConversion.h"
 #include "tests/fuzz/FuzzTarget.h"
 #include "tests/support/GLRecorder.h"
 #include "tests/support/InventedFrame.h"
@@ -8,6 +9,7 @@
 #include <GL/gl.h>
 #include <GL/glext.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
@@ -51,7 +53,9 @@ std::int64_t number(FuzzInput& input)
         return kind;
     if (kind < 224)
         return static_cast<std::int16_t>(input.word());
-    return kEdges[kind % std::size(kEdges)] + static_cast<std::int8_t>(input.byte());
+    const auto distance = static_cast<std::uint64_t>(static_cast<std::int8_t>(input.byte()));
+    return static_cast<std::int64_t>(static_cast<std::uint64_t>(kEdges[kind % std::size(kEdges)]) +
+                                     distance);
 }
 
 std::int64_t format(FuzzInput& input)
@@ -109,9 +113,9 @@ struct Picture {
                 .later = flags & 64 ? number(input) : format(input);
 
         const unsigned fault = input.byte();
-        constexpr REFIID kInterfaces[] = {IID_IKestrixVideoBuffer, IID_IKestrixVideoFrameMetadata,
-                                          IID_IKestrixVideoFrame3DExtensions,
-                                          IID_IKestrixVideoInputFrame};
+        const REFIID kInterfaces[] = {IID_IKestrixVideoBuffer, IID_IKestrixVideoFrameMetadata,
+                                      IID_IKestrixVideoFrame3DExtensions,
+                                      IID_IKestrixVideoInputFrame};
         if (!fits || fault == 1)
             frame->startAccessStatus = E_FAIL;
         if (fault == 2)

@@ -57,7 +57,9 @@ MemoryFrameOptions options(std::uint32_t format)
 void readRows(GLsizei width, GLsizei height, const void* pixels)
 {
     GLRecorder& gl = GLRecorder::get();
-    if (gl.fake.boundBuffers[GL_PIXEL_UNPACK_BUFFER] || width < 0 || height < 0)
+    EXPECT_GE(width, 0);
+    EXPECT_GE(height, 0);
+    if (!pixels || gl.fake.boundBuffers[GL_PIXEL_UNPACK_BUFFER])
         return;
     const GLsizei row = gl.fake.unpackRowLength ? gl.fake.unpackRowLength : width;
     const auto* bytes = static_cast<const volatile std::uint8_t*>(pixels);
@@ -123,6 +125,7 @@ TEST_P(HostValues, SizesThatNoFrameHas)
         {Question::Height, k2To31, E_INVALIDARG},
         {Question::Height, kMost, E_INVALIDARG},
         {Question::Height, kLeast, E_INVALIDARG},
+        {Question::Height, kLeast + 64, E_INVALIDARG}, // 64, in 32 bits
         {Question::RowBytes, 0, E_INVALIDARG},
         {Question::RowBytes, 127, E_INVALIDARG},
         {Question::RowBytes, -127, E_INVALIDARG},
