@@ -74,13 +74,18 @@ std::int64_t format(FuzzInput& input)
 struct Picture {
     Picture(FuzzInput& input, IKestrixVideoFrame* right)
     {
-        const std::int64_t width = number(input), height = number(input);
+        const std::int64_t width = number(input);
+        std::int64_t height = number(input);
+        // Gigabytes would be asked for, and got; more than that is refused.
+        if (const double area = static_cast<double>(width) * static_cast<double>(height);
+            area > 0x1p22 && area < 0x1p36)
+            height = 2;
         // Rows mostly have room for their pixels, and at times run upwards.
         const unsigned shape = input.byte();
         std::int64_t rowBytes = number(input);
         if (shape % 4 != 0 && width >= 0 && width < 10000)
             rowBytes = (width + 47) / 48 * 128 + width * 5 + shape / 16;
-        if (shape % 8 == 7)
+        if (shape % 8 == 7 && rowBytes > -kMostBytes)
             rowBytes = -rowBytes;
 
         const std::int64_t lines = std::max(height, std::int64_t{0});
