@@ -238,20 +238,24 @@ protected:
 /// bound. A host that draws by itself has to expect the following state changed.
 ///
 /// - OpenGL 3 helper: program 0, vertex array 0, `GL_ARRAY_BUFFER` 0, the 2D and 3D bindings of
-///   texture units 0 and 1 zero, unit 0 active. `GL_UNPACK_ROW_LENGTH` is restored. `InitializeGL`,
-///   and the first paint after a null frame, clear the colour buffer and set the clear colour to
-///   (0, 0, 0, 0). `InitializeGL` leaves its own vertex array bound.
-/// - Fixed-function helper: `GL_TEXTURE_2D` disabled, its binding zero; the current colour black
-///   where there was no frame. `GL_TEXTURE_ENV_MODE` is restored. With pixel buffers,
-///   `GL_PIXEL_UNPACK_BUFFER` is 0 after a paint. Matrices must be the identity.
+///   texture unit 0 and the 3D binding of unit 1 zero, unit 0 active. `GL_UNPACK_ROW_LENGTH` is
+///   restored. `InitializeGL`, and the first paint after a null frame, clear the colour buffer and
+///   set the clear colour to (0, 0, 0, 0). `InitializeGL` leaves its own vertex array bound.
+/// - Fixed-function helper, whose unit 0 must be active: `GL_TEXTURE_2D` disabled, its binding
+/// zero,
+///   the current texture coordinate (0, 0, 0, 1); the current colour black where there was no
+///   frame. `GL_TEXTURE_ENV_MODE` is restored. Matrices must be the identity.
 /// - Both: pixel unpack parameters must have their initial values when a helper is called, and
 ///   `GL_PIXEL_UNPACK_BUFFER` must be 0.
+///
+/// docs/embedding.md has it call by call.
 class IKestrixGLScreenPreviewHelper : public IUnknown {
 public:
-    /// Makes the helper's GL objects in the current context. The OpenGL 3 helper's may be made
-    /// again, say in a new context; the fixed-function helper is initialised once. `E_FAIL` where a
-    /// GL entry point is missing or a shader does not build, `E_NOTIMPL` where the context is older
-    /// than OpenGL 3.2; the fixed-function helper always answers `S_OK`.
+    /// Makes the helper's GL objects in the current context. May be called again, say in a new
+    /// context: what was made before is deleted by its names in the context that is current then.
+    /// The fixed-function helper goes on with its picture, the other one with the next frame.
+    /// `E_FAIL` where a GL entry point is missing or a shader does not build, `E_NOTIMPL` where the
+    /// context is older than OpenGL 3.2; the fixed-function helper always answers `S_OK`.
     virtual HRESULT InitializeGL() = 0;
 
     /// Paints the newest frame, or the one before again if there is no newer. `E_FAIL` from the
@@ -263,8 +267,9 @@ public:
     ///
     /// OpenGL 3 helper: keeps a reference until the frame has been painted or replaced, always
     /// `S_OK`. Fixed-function helper: converts at once and keeps no reference; `E_INVALIDARG` for a
-    /// frame that it can't convert, `E_OUTOFMEMORY` where there is no memory or the 3D packing is
-    /// not `Packing3DLeftOnly`. After a failure the picture before stays.
+    /// frame that it can't convert or whose row bytes don't hold a line, `E_OUTOFMEMORY` where
+    /// there is no memory or the 3D packing is not `Packing3DLeftOnly`. After a failure the picture
+    /// before stays.
     virtual HRESULT SetFrame(IKestrixVideoFrame* frame) = 0;
 
     /// Chooses how stereoscopic frames are shown, a `Kestrix3DPreviewFormat`; from the next frame

@@ -6,6 +6,7 @@
 #include "preview/PreviewShaders.h"
 
 #include <cstddef>
+#include <limits>
 #include <memory>
 #include <new>
 #include <utility>
@@ -19,6 +20,10 @@ constexpr GLint kFrameUnit = 0;
 constexpr GLint kLutUnit = 1;
 
 constexpr auto kLutEdge = static_cast<GLsizei>(ScreenPreviewLut::kEdge);
+
+// Two eyes side by side, or one above the other, are still of a size that the GL can be told.
+constexpr std::int64_t kMaxHeight = std::numeric_limits<GLsizei>::max();
+constexpr std::int64_t kMaxRowBytes = std::int64_t{4} * (std::numeric_limits<GLsizei>::max() / 2);
 
 struct Vertex {
     GLfloat position[3];
@@ -118,7 +123,7 @@ std::uint32_t colourspaceCode(IKestrixVideoFrame* frame)
 {
     std::int64_t code = 0;
     InterfaceRef<IKestrixVideoFrameMetadata> metadata;
-    if (metadata.query(frame, IID_IKestrixVideoFrameMetadata) == S_OK &&
+    if (metadata.query(frame, IID_IKestrixVideoFrameMetadata) == S_OK && metadata &&
         metadata->GetInt(MetadataColorspace, &code) != S_OK)
         code = 0;
     return static_cast<std::uint32_t>(code);
@@ -129,7 +134,7 @@ InterfaceRef<IKestrixVideoFrame> rightEye(IKestrixVideoFrame* frame)
 {
     InterfaceRef<IKestrixVideoFrame> right;
     InterfaceRef<IKestrixVideoFrame3DExtensions> extensions;
-    if (extensions.query(frame, IID_IKestrixVideoFrame3DExtensions) == S_OK)
+    if (extensions.query(frame, IID_IKestrixVideoFrame3DExtensions) == S_OK && extensions)
         extensions->GetFrameForRightEye(right.receive());
     return right;
 }
@@ -218,6 +223,7 @@ void CGL3ScreenPreview::Renderer::cleanup()
     m_width = 0;
     m_height = 0;
     m_pixelFormat = 0;
+    m_rowBytes = 0;
     m_lutID = LutID_YCbCr_709;
 
     gl3.DeleteTextures(1, &m_lutTexture);
@@ -248,10 +254,14 @@ void CGL3ScreenPreview::Renderer::update(IKestrixVideoFrame* frame, Preview3DFor
                                          GLsync& fence)
 {
     const std::uint32_t colourspace = colourspaceCode(frame);
-    bool changed = adoptProperties(frame);
+    const std::int64_t height = frame->GetHeight();
+    const std::int64_t rowBytes = frame->GetRowBytes();
+    bool changed = adoptProperties(frame, height, rowBytes);
     selectLut(colourspace);
 
-    const auto texelsPerRow = static_cast<GLsizei>(frame->GetRowBytes() / 4);
+    if (height < 0 || height > kMaxHeight || rowBytes < 0 || rowBytes > kMaxRowBytes)
+        return;
+    const auto texelsPerRow = static_cast<GLsizei>(rowBytes / 4);
     const std::shared_ptr<void> left = ReadableFrameBytes(frame);
     if (!left)
         return;
@@ -262,7 +272,9 @@ void CGL3ScreenPreview::Renderer::update(IKestrixVideoFrame* frame, Preview3DFor
     if (rightFrame) {
         changed |= m_3DFormat != format;
         m_3DFormat = format;
-        right = ReadableFrameBytes(rightFrame.get());
+        // Both eyes are uploaded with the left one's size.
+        if (rightFrame->GetHeight() == height && rightFrame->GetRowBytes() == rowBytes)
+            right = ReadableFrameBytes(rightFrame.get());
     }
     // Not a change: storage that was made for two eyes is kept for one.
     if (!right)
@@ -274,12 +286,14 @@ void CGL3ScreenPreview::Renderer::update(IKestrixVideoFrame* frame, Preview3DFor
     bindTexture(kFrameUnit, GL_TEXTURE_2D, 0);
 }
 
-bool CGL3ScreenPreview::Renderer::adoptProperties(IKestrixVideoFrame* frame)
+bool CGL3ScreenPreview::Renderer::adoptProperties(IKestrixVideoFrame* frame, std::int64_t height,
+                                                  std::int64_t rowBytes)
 {
     const auto adopt = [](auto& field, auto value) { return std::exchange(field, value) != value; };
     bool changed = adopt(m_width, static_cast<std::int32_t>(frame->GetWidth()));
-    changed |= adopt(m_height, static_cast<std::int32_t>(frame->GetHeight()));
+    changed |= adopt(m_height, static_cast<std::int32_t>(height));
     changed |= adopt(m_pixelFormat, frame->GetPixelFormat());
+    changed |= adopt(m_rowBytes, rowBytes);
     return changed;
 }
 

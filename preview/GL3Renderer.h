@@ -14,9 +14,11 @@ class CGL3ScreenPreview::Renderer {
 public:
     /// Makes all objects in the current context, without regard to any that there are. `E_FAIL`
     /// where a shader does not build; what was made until then stays until `cleanup`.
+    /// `hasObjects` tells whether something of an attempt is there.
     ///
     /// Clears the colour buffer. Leaves the vertex array bound, unit 0 active, all else unbound.
     HRESULT init();
+    [[nodiscard]] bool hasObjects() const { return m_vertexArray != 0; }
 
     /// Deletes all objects and forgets the last frame's size and format, so that the next upload
     /// makes its storage anew. Good at any time, also before `init`.
@@ -29,8 +31,9 @@ public:
     /// shown and has no effect on a frame with one.
     ///
     /// `fence` receives a sync object that tells when the frame's bytes have been read; it stays as
-    /// it is where the frame has no bytes to give, and the picture before then stays too. Restores
-    /// `GL_UNPACK_ROW_LENGTH`; leaves no texture bound, and unit 0 active.
+    /// it is where the frame has no bytes to give or is of no size that a texture can have, and the
+    /// picture before then stays too. A right eye counts only if its lines lie as the left one's
+    /// do. Restores `GL_UNPACK_ROW_LENGTH`; leaves no texture bound, and unit 0 active.
     void update(IKestrixVideoFrame* frame, Preview3DFormat format, GLsync& fence);
 
     /// Draws what was uploaded last, black before that. Leaves program, vertex array, both buffers
@@ -44,7 +47,7 @@ private:
     void makeLutTexture();
 
     /// Takes over size and format; true when one of them is new.
-    bool adoptProperties(IKestrixVideoFrame* frame);
+    bool adoptProperties(IKestrixVideoFrame* frame, std::int64_t height, std::int64_t rowBytes);
     /// Brings the table for the frame's properties and colourspace code into the texture.
     void selectLut(std::uint32_t colourspaceCode);
     /// Fills the bound frame texture as `m_3DFormat` says; `right` may be null where it says so.
@@ -70,6 +73,8 @@ private:
     std::int32_t m_width = 0;
     std::int32_t m_height = 0;
     std::uint32_t m_pixelFormat = 0;
+    /// From one of its lines to the next; padding is uploaded too.
+    std::int64_t m_rowBytes = 0;
     /// The table that is in the texture.
     LutID m_lutID = LutID_YCbCr_709;
     /// As the last upload used it.

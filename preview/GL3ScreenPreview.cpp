@@ -60,7 +60,8 @@ std::uint32_t CGL3ScreenPreview::Release()
 HRESULT CGL3ScreenPreview::InitializeGL()
 {
     const std::lock_guard lock(m_mutex);
-    if (m_initialised)
+    // Objects without an initialisation are those of an attempt that failed.
+    if (m_initialised || m_renderer->hasObjects())
         m_renderer->cleanup();
 
     if (!gl3.load())

@@ -4,11 +4,11 @@
 #include "api/InterfaceRef.h"
 #include "api/QueryInterface.h"
 #include "api/ScopedBufferBytes.h"
+#include "conversion/PixelFormats.h"
 #include "preview/GLProcAddress.h"
 
 #include <GL/glext.h>
 
-#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdlib>
@@ -34,7 +34,8 @@ PFNGLGETBUFFERPARAMETERIVPROC s_glGetBufferParameteriv;
 PFNGLMAPBUFFERPROC s_glMapBuffer;
 PFNGLUNMAPBUFFERPROC s_glUnmapBuffer;
 
-/// Looks the entry points up once; true when all are there.
+/// Looks the entry points up once; true when all are there. They are of use together only, so where
+/// one is missing the first is forgotten, and the next call looks again.
 bool wglInitGLExtProcs()
 {
     if (s_glGenBuffers)
@@ -53,6 +54,8 @@ bool wglInitGLExtProcs()
     lookUp(s_glGetBufferParameteriv, "glGetBufferParameteriv");
     lookUp(s_glMapBuffer, "glMapBuffer");
     lookUp(s_glUnmapBuffer, "glUnmapBuffer");
+    if (!found)
+        s_glGenBuffers = nullptr;
     return found;
 }
 
@@ -71,6 +74,21 @@ unsigned lineShiftForWidth(unsigned width)
     if (width > 3839)
         return 2;
     return 1;
+}
+
+/// The widths that the engine's conversion of `format` to RGBA is good for begin here. Chroma
+/// between two samples is rebuilt with what follows, and formats of whole groups follow a step at a
+/// time.
+std::int64_t leastWidth(PixelFormat format)
+{
+    switch (format) {
+    case PixelFormat_v210:
+        return 13;
+    case PixelFormat_Ay10:
+        return 5;
+    default:
+        return 0;
+    }
 }
 
 /// Uploads to the bound texture. `pixels` is an offset where a pixel buffer is bound.
@@ -125,6 +143,34 @@ void drawTexture(const FrameTextureBuffer& slot)
 
 } // namespace
 
+/// Each is asked for once and then held to, as nothing keeps a frame from answering otherwise next.
+struct CGLScreenPreview::FrameLines {
+    explicit FrameLines(IKestrixVideoFrame* frame)
+        : width(frame->GetWidth()),
+          height(frame->GetHeight()),
+          rowBytes(frame->GetRowBytes())
+    {
+    }
+
+    /// Whether every `lineStep`th line can be read as `format`: the engine counts in 32 bits, and
+    /// pixels that lie in a line of the frame's memory.
+    [[nodiscard]] bool holds(PixelFormat format, int lineStep) const
+    {
+        constexpr std::int64_t kMax = std::numeric_limits<std::int32_t>::max();
+        const PixelFormatInfo* const info = findPixelFormat(format);
+        if (!info || width < leastWidth(format) || width < 0 || width > kMax || height < 0 ||
+            height > kMax || rowBytes < -kMax || rowBytes > kMax)
+            return false;
+        const std::int64_t distance = std::abs(rowBytes);
+        return distance * lineStep <= kMax &&
+               distance * info->groupPixels >= width * info->groupBytes;
+    }
+
+    std::int64_t width;
+    std::int64_t height;
+    std::int64_t rowBytes;
+};
+
 CGLScreenPreview::CGLScreenPreview()
 {
     m_slots[0].next = &m_slots[1];
@@ -170,16 +216,24 @@ std::uint32_t CGLScreenPreview::Release()
 HRESULT CGLScreenPreview::InitializeGL()
 {
     const auto* extensions = reinterpret_cast<const char*>(glGetString(GL_EXTENSIONS));
+    if (!extensions)
+        extensions = "";
     if (std::strstr(extensions, "GL_ARB_texture_non_power_of_two"))
         m_nonPowerOfTwo = true;
+    deletePixelBuffers();
     if (std::strstr(extensions, "GL_ARB_pixel_buffer_object"))
         m_pixelBuffers = true;
-    if (!m_pixelBuffers)
-        return S_OK;
+    m_pixelBuffers = m_pixelBuffers && wglInitGLExtProcs();
 
-    wglInitGLExtProcs();
-    for (FrameTextureBuffer& slot : m_slots)
-        s_glGenBuffers(1, &slot.pixelBuffer);
+    for (FrameTextureBuffer& slot : m_slots) {
+        // Not the first time, and maybe another context: pictures are uploaded anew.
+        if (slot.texture)
+            glDeleteTextures(1, &slot.texture);
+        slot.texture = 0;
+        slot.updateTexture = true;
+        if (m_pixelBuffers)
+            s_glGenBuffers(1, &slot.pixelBuffer);
+    }
     return S_OK;
 }
 
@@ -202,16 +256,19 @@ HRESULT CGLScreenPreview::SetFrame(IKestrixVideoFrame* frame)
     InterfaceRef<IKestrixVideoFrame3DExtensions> extensions;
     InterfaceRef<IKestrixVideoFrame> right;
     if (m_3DFormat != Preview3DLeftOnly &&
-        extensions.query(frame, IID_IKestrixVideoFrame3DExtensions) == S_OK) {
+        extensions.query(frame, IID_IKestrixVideoFrame3DExtensions) == S_OK && extensions) {
         if (extensions->Get3DPackingFormat() != Packing3DLeftOnly)
             return E_OUTOFMEMORY;
         extensions->GetFrameForRightEye(right.receive());
     }
 
-    auto pictureWidth = static_cast<unsigned>(frame->GetWidth());
-    auto pictureHeight = static_cast<unsigned>(frame->GetHeight());
-    const unsigned lineShift = lineShiftForWidth(pictureWidth);
+    const FrameLines lines(frame);
+    const auto width = static_cast<unsigned>(lines.width);
+    const auto height = static_cast<unsigned>(lines.height);
+    const unsigned lineShift = lineShiftForWidth(width);
     const bool rightOnly = right && m_3DFormat == Preview3DRightOnly;
+    unsigned pictureWidth = width;
+    unsigned pictureHeight = height;
     if (right && !rightOnly) {
         if (m_3DFormat == Preview3DSideBySide)
             pictureWidth *= 2;
@@ -224,18 +281,26 @@ HRESULT CGLScreenPreview::SetFrame(IKestrixVideoFrame* frame)
     const unsigned textureWidth = m_nonPowerOfTwo ? pictureWidth : ceil_pow2(pictureWidth);
     const unsigned textureHeight = m_nonPowerOfTwo ? pictureHeight : ceil_pow2(pictureHeight);
 
-    if (!setup(frame, PixelFormat_RGBA))
+    const int lineStep = 1 << lineShift;
+    if (!setup(frame, PixelFormat_RGBA) || !lines.holds(previewFormat(), lineStep))
         return E_INVALIDARG;
     // A slot's rows hold pixels only, with no room for the padding that a frame's may have.
-    limitCopiedRowBytes(static_cast<std::uint64_t>(frame->GetWidth()) * kBytesPerPixel);
+    limitCopiedRowBytes(std::uint64_t{width} * kBytesPerPixel);
 
+    if (pictureWidth == 0 || pictureHeight == 0) {
+        makeReady(nullptr);
+        return S_OK;
+    }
     unsigned rowBytes = 0;
     if (!ReAllocTexture(slot, &rowBytes, textureWidth, kBytesPerPixel, textureHeight))
         return E_OUTOFMEMORY;
 
-    DrawFrameToTexture(rightOnly ? right.get() : frame, rightOnly ? nullptr : right.get(),
-                       slot->bytes, pictureWidth, pictureHeight, rowBytes, kBytesPerPixel,
-                       1 << lineShift);
+    if (rightOnly)
+        DrawFrameToTexture(right.get(), FrameLines(right.get()), nullptr, slot->bytes, width,
+                           height, rowBytes, kBytesPerPixel, lineStep);
+    else
+        DrawFrameToTexture(frame, lines, right.get(), slot->bytes, width, height, rowBytes,
+                           kBytesPerPixel, lineStep);
 
     slot->frameWidth = pictureWidth;
     slot->frameHeight = pictureHeight;
@@ -268,57 +333,66 @@ bool CGLScreenPreview::ReAllocTexture(FrameTextureBuffer* slot, unsigned* rowByt
 {
     *rowBytes = width * bytesPerPixel;
     const std::uint64_t size = std::uint64_t{width} * bytesPerPixel * height;
-    if (slot->bytes && slot->size >= size)
+    // A size of 0 is that of a side which has no power of two above it.
+    if (size != 0 && slot->bytes && slot->size >= size)
         return true;
 
     std::free(slot->bytes);
     slot->bytes = nullptr;
     slot->size = 0;
-    if (size > std::numeric_limits<std::uint32_t>::max())
+    if (size == 0 || size > std::numeric_limits<std::uint32_t>::max())
         return false;
     void* bytes = nullptr;
     if (posix_memalign(&bytes, kAlignment, size) != 0)
         return false;
+    // Black, should it be shown before a picture was drawn into all of it.
+    std::memset(bytes, 0, size);
     slot->bytes = bytes;
     slot->size = static_cast<std::uint32_t>(size);
     return true;
 }
 
-void CGLScreenPreview::DrawFrameToTexture(IKestrixVideoFrame* left, IKestrixVideoFrame* right,
-                                          void* destination, unsigned, unsigned,
+void CGLScreenPreview::DrawFrameToTexture(IKestrixVideoFrame* left, const FrameLines& leftLines,
+                                          IKestrixVideoFrame* right, void* destination,
+                                          unsigned width, unsigned height,
                                           unsigned destinationRowBytes, unsigned bytesPerPixel,
                                           int lineStep)
 {
-    const auto width = static_cast<unsigned>(left->GetWidth());
-    const auto height = static_cast<unsigned>(left->GetHeight() / lineStep);
-    drawEye(left, width, height, destination, destinationRowBytes, lineStep);
+    drawEye(left, leftLines, width, height, destination, destinationRowBytes, lineStep);
+    if (!right)
+        return;
 
     // The right eye goes the way that the left one was set up for.
-    if (!right || right->GetPixelFormat() != left->GetPixelFormat() ||
+    const FrameLines rightLines(right);
+    if (right->GetPixelFormat() != previewFormat() ||
         frameColourspace(right) != previewColourspace())
         return;
+    const std::size_t rows = height / static_cast<unsigned>(lineStep);
     const std::size_t offset = m_3DFormat == Preview3DSideBySide
                                    ? std::size_t{width} * bytesPerPixel
-                                   : std::size_t{height} * destinationRowBytes;
-    drawEye(right, width, height, static_cast<std::byte*>(destination) + offset,
+                                   : rows * destinationRowBytes;
+    drawEye(right, rightLines, width, height, static_cast<std::byte*>(destination) + offset,
             destinationRowBytes, lineStep);
 }
 
-void CGLScreenPreview::drawEye(IKestrixVideoFrame* frame, unsigned width, unsigned height,
-                               void* destination, unsigned destinationRowBytes, int lineStep)
+void CGLScreenPreview::drawEye(IKestrixVideoFrame* frame, const FrameLines& lines, unsigned width,
+                               unsigned height, void* destination, unsigned destinationRowBytes,
+                               int lineStep)
 {
+    if (lines.width != width || lines.height != height || !lines.holds(previewFormat(), lineStep))
+        return;
     const std::shared_ptr<void> bytes = ReadableFrameBytes(frame);
     if (!bytes)
         return;
     auto* source = static_cast<std::byte*>(bytes.get());
-    std::int64_t sourceRowBytes = frame->GetRowBytes();
+    std::int64_t sourceRowBytes = lines.rowBytes;
     if (frame->GetFlags() & FrameFlagFlipVertical) {
-        source += (frame->GetHeight() - 1) * sourceRowBytes;
+        source += (lines.height - 1) * sourceRowBytes;
         sourceRowBytes = -sourceRowBytes;
     }
     // A stride of several lines passes over those between.
-    render(width, height, destination, destinationRowBytes, source,
-           static_cast<unsigned>(sourceRowBytes * lineStep));
+    render(width, height / static_cast<unsigned>(lineStep), destination, destinationRowBytes,
+           source, static_cast<unsigned>(sourceRowBytes * lineStep));
 }
 
 HRESULT CGLScreenPreview::PaintGL()
@@ -356,23 +430,25 @@ void CGLScreenPreview::updateTexture(FrameTextureBuffer& slot) const
         glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP);
     }
 
-    if (m_pixelBuffers)
-        uploadThroughPixelBuffer(slot, makeStorage);
-    else
+    if (!m_pixelBuffers)
         upload(slot, makeStorage, slot.bytes);
+    else if (!uploadThroughPixelBuffer(slot, makeStorage) && makeStorage)
+        slot.reallocateTexture = true; // it has no storage yet
 }
 
-void CGLScreenPreview::uploadThroughPixelBuffer(const FrameTextureBuffer& slot, bool makeStorage)
+bool CGLScreenPreview::uploadThroughPixelBuffer(const FrameTextureBuffer& slot, bool makeStorage)
 {
     s_glBindBuffer(GL_PIXEL_UNPACK_BUFFER, slot.pixelBuffer);
     // New storage each time, so that the driver need not wait for an upload that is under way.
     s_glBufferData(GL_PIXEL_UNPACK_BUFFER, slot.size, nullptr, GL_STREAM_DRAW);
-    if (void* const mapped = s_glMapBuffer(GL_PIXEL_UNPACK_BUFFER, GL_WRITE_ONLY)) {
-        // Rows below the picture are left out. A frame of one line has no rows at all.
-        const std::size_t rowBytes = slot.size / std::max(slot.textureHeight, 1U);
+    void* const mapped = s_glMapBuffer(GL_PIXEL_UNPACK_BUFFER, GL_WRITE_ONLY);
+    if (mapped) {
+        // Rows below the picture are left out.
+        const std::size_t rowBytes = slot.size / slot.textureHeight;
         std::memcpy(mapped, slot.bytes, rowBytes * slot.frameHeight);
         s_glUnmapBuffer(GL_PIXEL_UNPACK_BUFFER);
         upload(slot, makeStorage, nullptr);
     }
     s_glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
+    return mapped != nullptr;
 }

@@ -37,8 +37,11 @@ struct FrameTextureBuffer {
 ///
 /// Two slots take turns: one is ready to be painted while the other is free to be filled. There is
 /// no lock: the host sees to it that no two calls run at once. `InitializeGL`, `PaintGL` and the
-/// last `Release` are GL calls; the first asks for a context whose `GL_EXTENSIONS` string is there,
-/// so no core profile.
+/// last `Release` are GL calls. A context without a `GL_EXTENSIONS` string, of a core profile that
+/// is, counts as one without extensions, and shows nothing.
+///
+/// A frame's sizes and row bytes are the host's word. They are asked for once a use and held
+/// against the slot, so that a frame that changes or contradicts itself is refused or left out.
 ///
 /// What each operation answers, and the GL state that it leaves, is told with the interface.
 class CGLScreenPreview final : public IKestrixGLScreenPreviewHelper, private ScreenPreviewBase {
@@ -59,6 +62,7 @@ public:
 
 private:
     /// Deletes the pixel buffers, if there are any: the GL thread then, the context current.
+    /// Textures stay until their context goes.
     ~CGLScreenPreview() override;
 
     /// Makes room in `slot` for `height` rows of `width` pixels, and tells the bytes of a row.
@@ -66,22 +70,28 @@ private:
     static bool ReAllocTexture(FrameTextureBuffer* slot, unsigned* rowBytes, unsigned width,
                                unsigned bytesPerPixel, unsigned height);
 
-    /// Draws one frame, or both eyes as the 3D format says, into `destination`, taking every
-    /// `lineStep`th line. Nothing is drawn of a frame that gives no bytes, nor of a right eye that
-    /// is not of the left's format and colourspace. Both eyes have the left's size.
-    void DrawFrameToTexture(IKestrixVideoFrame* left, IKestrixVideoFrame* right, void* destination,
-                            unsigned /*width*/, unsigned /*height*/, unsigned destinationRowBytes,
-                            unsigned bytesPerPixel, int lineStep);
+    /// A frame's sizes and how its lines lie in memory.
+    struct FrameLines;
 
-    /// Draws `width` pixels by `height` rows of `frame`.
-    void drawEye(IKestrixVideoFrame* frame, unsigned width, unsigned height, void* destination,
-                 unsigned destinationRowBytes, int lineStep);
+    /// Draws one frame, or both eyes as the 3D format says, into `destination`, taking every
+    /// `lineStep`th line. Nothing is drawn of an eye that gives no bytes or is not of `width`
+    /// pixels by `height` lines, nor of a second one that is not of the first's format and
+    /// colourspace.
+    void DrawFrameToTexture(IKestrixVideoFrame* left, const FrameLines& leftLines,
+                            IKestrixVideoFrame* right, void* destination, unsigned width,
+                            unsigned height, unsigned destinationRowBytes, unsigned bytesPerPixel,
+                            int lineStep);
+
+    /// Draws one eye.
+    void drawEye(IKestrixVideoFrame* frame, const FrameLines& lines, unsigned width,
+                 unsigned height, void* destination, unsigned destinationRowBytes, int lineStep);
 
     /// Puts `slot`, or none, in the place of the ready slot, which becomes free.
     void makeReady(FrameTextureBuffer* slot);
 
     void updateTexture(FrameTextureBuffer& slot) const;
-    static void uploadThroughPixelBuffer(const FrameTextureBuffer& slot, bool makeStorage);
+    /// False where the buffer can't be mapped and nothing was uploaded.
+    static bool uploadThroughPixelBuffer(const FrameTextureBuffer& slot, bool makeStorage);
     void deletePixelBuffers();
 
     std::atomic<std::uint64_t> m_referenceCount{1};

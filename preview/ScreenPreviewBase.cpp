@@ -132,6 +132,7 @@ bool ScreenPreviewBase::setup(IKestrixVideoFrame* frame, PixelFormat destination
         return false;
 
     auto format = static_cast<PixelFormat>(frame->GetPixelFormat());
+    m_format = format;
     m_studioRangeRGB = is8BitRGB(format) && isCaptured(frame);
     if (m_studioRangeRGB)
         format = studioRangeForm(format);

@@ -31,6 +31,9 @@ public:
         return m_colourspace;
     }
 
+    /// The format of the frame of the last `setup`, as the frame told it then.
+    [[nodiscard]] KSX::PixelConversion::PixelFormat previewFormat() const { return m_format; }
+
     /// Makes the picture, `width` pixels by `height` rows, as `setup` chose. Row sizes are in bytes
     /// and act as negative strides above 2147483647.
     ///
@@ -47,6 +50,7 @@ protected:
     }
 
 private:
+    KSX::PixelConversion::PixelFormat m_format{};
     /// Null for a plain copy.
     KSX::PixelConversion::ConversionFunction m_conversion = nullptr;
     KSX::PixelConversion::Colorspace m_colourspace = KSX::PixelConversion::ColorspaceUnspecified;

@@ -19,7 +19,7 @@ inline Frame noise(const host::MemoryFrameOptions& options, std::uint64_t seed)
     return frame;
 }
 
-/// A helper in a context of its own, which has to stay free of GL errors.
+/// A helper in a context of its own, of which the driver must have nothing to say.
 class DriverTest : public testing::Test {
 protected:
     explicit DriverTest(GLContext::Kind kind) : context(kind) {}
@@ -36,6 +36,7 @@ protected:
         helper.reset();
         if (context.failure().empty()) {
             EXPECT_EQ(driverGL<decltype(::glGetError)>("glGetError")(), GLenum{GL_NO_ERROR});
+            EXPECT_EQ(context.messages(), "");
         }
     }
 

@@ -120,6 +120,8 @@ TEST_F(GL3Paint, MakesNewStorageWhereSizeOrFormatChange)
     EXPECT_TRUE(makesStorage(changed));
     changed.height = 10;
     EXPECT_TRUE(makesStorage(changed));
+    changed.rowBytes = 96;
+    EXPECT_TRUE(makesStorage(changed));
     changed.format = code("BGRv");
     EXPECT_TRUE(makesStorage(changed));
     EXPECT_FALSE(makesStorage(changed));

@@ -53,12 +53,20 @@ GLContext::GLContext(Kind kind)
         glfwWindowHint(GLFW_OPENGL_PROFILE, GLFW_OPENGL_CORE_PROFILE);
         glfwWindowHint(GLFW_OPENGL_FORWARD_COMPAT, GLFW_TRUE);
     }
+    glfwWindowHint(GLFW_OPENGL_DEBUG_CONTEXT, GLFW_TRUE);
     m_window = glfwCreateWindow(64, 64, "test", nullptr, nullptr);
     if (!m_window) {
         m_failure = "no context: " + lastError();
         return;
     }
     glfwMakeContextCurrent(m_window);
+    KESTRIX_DRIVER(glEnable)(GL_DEBUG_OUTPUT_SYNCHRONOUS);
+    KESTRIX_DRIVER(glDebugMessageCallback)
+    (
+        [](GLenum, GLenum, GLuint, GLenum, GLsizei, const GLchar* message, const void* messages) {
+            *static_cast<std::string*>(const_cast<void*>(messages)) += std::string(message) + '\n';
+        },
+        &m_messages);
 }
 
 GLContext::~GLContext()

@@ -11,7 +11,7 @@ struct GLFWwindow;
 
 namespace kestrix::test {
 
-/// A context that is current on the calling thread for as long as it lives.
+/// A debug context that is current on the calling thread for as long as it lives.
 class GLContext {
 public:
     enum class Kind {
@@ -27,9 +27,13 @@ public:
     /// Why there is no context; empty where there is one.
     const std::string& failure() const { return m_failure; }
 
+    /// What the driver had to say so far, a line each: errors, misuse, slow paths.
+    const std::string& messages() const { return m_messages; }
+
 private:
     GLFWwindow* m_window = nullptr;
     std::string m_failure;
+    std::string m_messages;
 };
 
 /// A framebuffer of floats, bound for drawing with the viewport over all of it. Needs a context for

@@ -1,0 +1,259 @@
+/// Both helpers through the ends that a host can bring about: contexts that fail, that go and that
+/// come again. Every GL object is counted.
+#include "tests/preview/DriverFixture.h"
+#include "tests/support/CaseName.h"
+
+#include <GL/glext.h>
+
+#include <gmock/gmock.h>
+
+#include <array>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kestrix::test {
+namespace {
+
+using testing::IsEmpty;
+
+constexpr const char* kPixelBuffers = "GL_ARB_texture_non_power_of_two GL_ARB_pixel_buffer_object";
+
+Frame pictureOf(int width, int height)
+{
+    return noise({.width = width, .height = height, .format = kARGB}, 5);
+}
+
+// --- Objects -------------------------------------------------------------------------------------
+
+// Look-ups that fail have a test of their own, in processes of their own.
+TEST(GLObjects, AreDeletedAfterAnInitialisationThatFailed)
+{
+    GLRecorder& gl = GLRecorder::get();
+    const std::pair<const char*, HRESULT> failures[] = {{"version", E_NOTIMPL},
+                                                        {"vertex shader", E_FAIL},
+                                                        {"fragment shader", E_FAIL},
+                                                        {"program", E_FAIL}};
+    for (const auto& [step, status] : failures)
+        for (const char* const sequence : {"f", "ff", "fs", "sf", "sfs", "ss", "sfps"}) {
+            gl.useFake();
+            Helper helper(CreateOpenGL3ScreenPreviewHelper_0002());
+            for (const char* action = sequence; *action; ++action) {
+                const bool fails = *action == 'f';
+                gl.fake.majorVersion = fails && status == E_NOTIMPL ? 2 : 4;
+                gl.fake.doesNotBuild = fails ? step : "";
+                if (*action == 'p') {
+                    EXPECT_EQ(helper->SetFrame(pictureOf(16, 8).get()), S_OK);
+                    EXPECT_EQ(helper->PaintGL(), S_OK);
+                } else {
+                    EXPECT_EQ(helper->InitializeGL(), fails ? status : S_OK);
+                }
+            }
+            helper.reset();
+            EXPECT_THAT(gl.fake.live, IsEmpty()) << step << ' ' << sequence;
+        }
+}
+
+TEST(GLObjects, AreNotMadeTwiceByTheFixedFunctionHelper)
+{
+    GLRecorder& gl = GLRecorder::get();
+    gl.useFake();
+    gl.fake.extensions = kPixelBuffers;
+    Helper helper(CreateOpenGLScreenPreviewHelper_0002());
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(helper->InitializeGL(), S_OK);
+        EXPECT_EQ(gl.fake.liveOf("buffer").size(), 2u);
+        EXPECT_THAT(gl.fake.liveOf("texture"), IsEmpty());
+        for (int frame = 0; frame < 3; ++frame) {
+            EXPECT_EQ(helper->SetFrame(pictureOf(16, 8 + 8 * frame).get()), S_OK);
+            EXPECT_EQ(helper->PaintGL(), S_OK);
+        }
+        EXPECT_EQ(gl.fake.live.size(), 4u);
+    }
+    helper.reset();
+    // Those of the two slots go with their context.
+    EXPECT_EQ(gl.fake.live.size(), 2u);
+    EXPECT_EQ(gl.fake.liveOf("texture").size(), 2u);
+}
+
+// In processes of their own: entry points are kept once they are found.
+TEST(GLEntryPointsDeathTest, PixelBuffersAreLeftAloneWhereOneIsMissing)
+{
+    GLRecorder& gl = GLRecorder::get();
+    const auto failAt = [&](int position) {
+        gl.useFake();
+        gl.fake.extensions = kPixelBuffers;
+        gl.failLookup(position);
+        Helper helper(CreateOpenGLScreenPreviewHelper_0002());
+        for (int round = 0; round < 2; ++round) {
+            EXPECT_EQ(helper->InitializeGL(), S_OK);
+            EXPECT_EQ(helper->SetFrame(pictureOf(16, 8).get()), S_OK);
+            EXPECT_EQ(helper->PaintGL(), S_OK);
+            EXPECT_EQ(gl.fake.liveOf("buffer").size(), round == 0 ? 0u : 2u);
+        }
+        helper.reset();
+        EXPECT_THAT(gl.fake.liveOf("buffer"), IsEmpty());
+        exitWithOutcome();
+    };
+    for (int position = 0; position < 8; ++position)
+        EXPECT_EXIT(failAt(position), testing::ExitedWithCode(0), "") << "look-up " << position;
+}
+
+// --- A driver in trouble -------------------------------------------------------------------------
+
+TEST(GLTrouble, NoFenceAndNoEndOfTheWaitDoNoHarm)
+{
+    GLRecorder& gl = GLRecorder::get();
+    gl.useFake();
+    Helper helper(CreateOpenGL3ScreenPreviewHelper_0002());
+    EXPECT_EQ(helper->InitializeGL(), S_OK);
+    const auto paint = [&] {
+        const Frame frame = pictureOf(16, 8);
+        gl.clear();
+        EXPECT_EQ(helper->SetFrame(frame.get()), S_OK);
+        EXPECT_EQ(helper->PaintGL(), S_OK);
+        EXPECT_EQ(frame->references(), 1u);
+        EXPECT_EQ(gl.callsTo({"glDrawElements"}).size(), 1u);
+        EXPECT_THAT(gl.fake.liveOf("fence"), IsEmpty());
+    };
+    for (const auto& wait :
+         {+[] { return GLenum{GL_TIMEOUT_EXPIRED}; }, +[] { return GLenum{GL_WAIT_FAILED}; }}) {
+        gl.replace("glClientWaitSync", wait);
+        paint();
+        EXPECT_EQ(gl.callsTo({"glClientWaitSync", "glDeleteSync"}).size(), 2u) << "waits once";
+    }
+    gl.replace(
+        "glFenceSync", +[] { return static_cast<void*>(nullptr); });
+    paint();
+    EXPECT_THAT(gl.callsTo({"glClientWaitSync", "glDeleteSync"}), IsEmpty());
+}
+
+TEST(GLTrouble, ABufferThatIsNotMappedTheFirstTimeIsMadeUpFor)
+{
+    GLRecorder& gl = GLRecorder::get();
+    gl.useFake();
+    gl.fake.extensions = kPixelBuffers;
+    Helper helper(CreateOpenGLScreenPreviewHelper_0002());
+    EXPECT_EQ(helper->InitializeGL(), S_OK);
+    gl.fake.buffersMap = false;
+    for (const int slot : {0, 1}) {
+        EXPECT_EQ(helper->SetFrame(pictureOf(16, 8).get()), S_OK) << slot;
+        EXPECT_EQ(helper->PaintGL(), S_OK);
+    }
+    EXPECT_THAT(gl.callsTo({"glTexImage2D", "glTexSubImage2D"}), IsEmpty());
+    gl.fake.buffersMap = true;
+    for (int frame = 0; frame < 4; ++frame) {
+        gl.clear();
+        EXPECT_EQ(helper->SetFrame(pictureOf(16, 8).get()), S_OK);
+        EXPECT_EQ(helper->PaintGL(), S_OK);
+        EXPECT_EQ(gl.callsTo({"glTexImage2D"}).size(), frame < 2 ? 1u : 0u);
+        EXPECT_EQ(gl.fake.liveOf("texture").size(), 2u);
+    }
+}
+
+// --- Contexts ------------------------------------------------------------------------------------
+
+struct Kind {
+    const char* name;
+    GLContext::Kind context;
+    CreateScreenPreviewHelperFunction create;
+};
+
+class Contexts : public testing::TestWithParam<Kind> {
+protected:
+    /// A context, current, with the recorder in front of it.
+    void open()
+    {
+        context.emplace(GetParam().context);
+        ASSERT_EQ(context->failure(), "");
+        GLRecorder::get().useDriver();
+    }
+
+    std::vector<std::array<float, 4>> painted(int width, int height)
+    {
+        Canvas canvas(width, height);
+        EXPECT_EQ(helper->PaintGL(), S_OK);
+        return canvas.read();
+    }
+
+    std::optional<GLContext> context;
+    Helper helper{GetParam().create()};
+};
+
+// With a host that makes no objects of its own, the names of the last context are those of the
+// next.
+TEST_P(Contexts, ComeAgainWithTheSamePicture)
+{
+    const char* const number = std::getenv("KESTRIX_TEST_CONTEXTS");
+    const int contexts = number ? std::atoi(number) : 50;
+    const Frame frame = pictureOf(16, 8);
+    std::vector<std::array<float, 4>> first;
+    for (int i = 0; i < contexts; ++i) {
+        open();
+        if (HasFatalFailure())
+            return;
+        ASSERT_EQ(helper->InitializeGL(), S_OK);
+        ASSERT_EQ(helper->SetFrame(frame.get()), S_OK);
+        const auto picture = painted(16, 4);
+        if (first.empty())
+            first = picture;
+        ASSERT_NE(picture.front(), picture.back()) << "a picture, not black";
+        ASSERT_EQ(picture, first) << "context " << i;
+        if (i % 2 == 1)
+            context.reset(); // else it goes when the next one is there
+    }
+}
+
+TEST_P(Contexts, GoBeforeTheHelperOrAreNotThere)
+{
+    // Initialised, and the context is no longer current when the helper ends.
+    open();
+    if (HasFatalFailure())
+        return;
+    ASSERT_EQ(helper->InitializeGL(), S_OK);
+    ASSERT_EQ(helper->SetFrame(pictureOf(16, 8).get()), S_OK);
+    EXPECT_EQ(helper->PaintGL(), S_OK);
+    context.reset();
+    EXPECT_EQ(helper->SetFrame(pictureOf(16, 8).get()), S_OK);
+    EXPECT_EQ(helper->PaintGL(), S_OK);
+    helper.reset();
+
+    // Never with a context at all.
+    helper.reset(GetParam().create());
+    EXPECT_EQ(helper->SetFrame(pictureOf(16, 8).get()), S_OK);
+    const HRESULT status = helper->InitializeGL();
+    const bool fixed = GetParam().context == GLContext::Kind::Legacy;
+    EXPECT_EQ(status, fixed ? S_OK : E_NOTIMPL);
+    EXPECT_EQ(helper->PaintGL(), fixed ? S_OK : E_FAIL);
+    helper.reset();
+
+    // Made, and never initialised.
+    open();
+    helper.reset(GetParam().create());
+    helper.reset();
+    EXPECT_EQ(context->messages(), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Helpers, Contexts,
+                         testing::Values(Kind{"OpenGL3", GLContext::Kind::Core32,
+                                              CreateOpenGL3ScreenPreviewHelper_0002},
+                                         Kind{"FixedFunction", GLContext::Kind::Legacy,
+                                              CreateOpenGLScreenPreviewHelper_0002}),
+                         caseName);
+
+TEST(WrongContexts, ACoreProfileDoesNoHarmToTheFixedFunctionHelper)
+{
+    const GLContext context(GLContext::Kind::Core32);
+    ASSERT_EQ(context.failure(), "");
+    GLRecorder::get().useDriver();
+    const Helper helper(CreateOpenGLScreenPreviewHelper_0002());
+    EXPECT_EQ(helper->InitializeGL(), S_OK);
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(helper->PaintGL(), S_OK);
+        EXPECT_EQ(helper->SetFrame(pictureOf(16, 8).get()), S_OK);
+    }
+}
+
+} // namespace
+} // namespace kestrix::test
