@@ -3,6 +3,7 @@
 #include "tests/support/GLRecorder.h"
 
 #include "preview/GL3Functions.h"
+#include "tests/support/AllocationFaults.h"
 
 #include <GL/glx.h>
 
@@ -32,6 +33,7 @@ template<Name NAME, class RESULT, class... ARGUMENTS>
 struct Recorded<NAME, RESULT(ARGUMENTS...)> {
     static RESULT call(ARGUMENTS... arguments)
     {
+        const WithoutAllocationFaults ownMemory;
         GLRecorder& recorder = GLRecorder::get();
         recorder.record(test::call(NAME.text, arguments...));
         if (void* target = recorder.target(NAME.text))
@@ -301,6 +303,7 @@ extern "C" {
 
 void (*glXGetProcAddress(const GLubyte* name))(void)
 {
+    const kestrix::test::WithoutAllocationFaults ownMemory;
     return reinterpret_cast<void (*)()>(
         kestrix::test::GLRecorder::get().lookUp(reinterpret_cast<const char*>(name)));
 }
