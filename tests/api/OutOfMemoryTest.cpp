@@ -244,9 +244,9 @@ const Operation kOperations[] = {
     {"AdaptedRightEye", {kNone, kNone, kNone, kNone, kNone, kNone}, findAdaptedRightEye},
 };
 
-class OutOfMemory : public testing::TestWithParam<Operation> {};
+class FailingAllocation : public testing::TestWithParam<Operation> {};
 
-TEST_P(OutOfMemory, IsToldAndLeavesNothingBehind)
+TEST_P(FailingAllocation, IsToldAndLeavesNothingBehind)
 {
     // What a process keeps for good, such as colour tables, is made first.
     ScreenPreviewLut::Generate(LutFormat_RGBA32F);
@@ -271,7 +271,20 @@ TEST_P(OutOfMemory, IsToldAndLeavesNothingBehind)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Api, OutOfMemory, testing::ValuesIn(kOperations), caseName);
+INSTANTIATE_TEST_SUITE_P(Api, FailingAllocation, testing::ValuesIn(kOperations), caseName);
+
+// Nothing is stored where there is no place for it.
+TEST(OutOfMemory, IsToldByProvidersWithoutAPlaceForTheAnswer)
+{
+    const auto frame = TestFrame::create({.width = 16, .height = 8, .format = 32});
+    const auto provider = CKestrixVideoFrame_v14_2_1::Provider::create(frame.get());
+    for (const std::uintptr_t out : {std::uintptr_t{0}, ProbeSentinel}) {
+        const auto faults = AllocationFaults::number(0);
+        EXPECT_EQ(
+            provider->QueryInterface(IID_IKestrixVideoFrame_v14_2_1, reinterpret_cast<void**>(out)),
+            E_OUTOFMEMORY);
+    }
+}
 
 // A table for which there is no memory is missing until the next helper is made.
 TEST(OutOfMemoryDeathTest, LeavesTablesOutOfAFreshProcess)
@@ -287,11 +300,13 @@ TEST(OutOfMemoryDeathTest, LeavesTablesOutOfAFreshProcess)
     const auto body = [&](int number) {
         const bool tableFails = number >= kOfHelper && number < kOfHelper + kTables;
         Helper helper;
+        int failed = 0;
         {
             const auto faults = AllocationFaults::number(number);
             helper.reset(CreateOpenGL3ScreenPreviewHelper_0002());
-            EXPECT_EQ(faults.failed(), number < kOfHelper + kTables);
+            failed = faults.failed();
         }
+        EXPECT_EQ(failed, number < kOfHelper + kTables);
         EXPECT_EQ(helper != nullptr, number >= kOfHelper);
         EXPECT_EQ(missing(), number < kOfHelper ? kTables : tableFails);
         GLRecorder::get().useFake();

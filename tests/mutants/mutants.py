@@ -23,6 +23,7 @@ import re
 import shutil
 import subprocess
 import sys
+import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 SEED = "1"
@@ -109,12 +110,27 @@ def chosen():
     return [f for _, _, f in sorted(ranked, key=lambda r: r[:2])]
 
 
+# Which programs can see a fault in what begins so, the quickest first.
+PROGRAMS = {
+    "conversion/": ["tests/preview/kestrix_preview_lut_test",
+                    "tests/conversion/conversion_matrices_test",
+                    "tests/conversion/conversion_pipeline_test",
+                    "tests/conversion/conversion_stages_test"],
+    "preview/": ["tests/preview/kestrix_preview_test", "tests/preview/kestrix_preview_lut_test",
+                 "tests/api/kestrix_oom_test", "tests/api/kestrix_api_test"],
+    "support/": ["tests/support_routines/kestrix_support_routines_test"],
+    "": ["tests/api/kestrix_api_test", "tests/abi/kestrix_table_walk_gcc",
+         "tests/api/kestrix_oom_test", "tests/preview/kestrix_preview_test"],
+}
+MODEL = "tests/conversion/conversion_entries_test"
+
+
 class Build:
     """What is known of the build: its objects, what they include, and how programs are linked."""
 
-    def __init__(self, directory):
+    def __init__(self, directory, scratch):
         self.directory = directory
-        self.scratch = directory / "mutants"
+        self.scratch = scratch
         self.commands = {}
         for entry in json.loads((directory / "compile_commands.json").read_text()):
             self.commands[entry["output"] if "output" in entry else
@@ -130,24 +146,16 @@ class Build:
                     self.includes.setdefault(target, set()).add(str(path.relative_to(ROOT)))
             elif ": #deps" in line:
                 target = line.split(":")[0]
-        self.programs = {}
-        for program in ("tests/api/kestrix_api_test", "tests/api/kestrix_oom_test",
-                        "tests/preview/kestrix_preview_test",
-                        "tests/preview/kestrix_preview_lut_test",
-                        "tests/support_routines/kestrix_support_routines_test",
-                        "tests/abi/kestrix_table_walk_gcc",
-                        "tests/conversion/conversion_stages_test",
-                        "tests/conversion/conversion_pipeline_test",
-                        "tests/conversion/conversion_matrices_test"):
-            if (directory / program).exists():
-                self.programs[program] = self.link_command(program)
-        self.model = "tests/conversion/conversion_entries_test"
+        self.links = {}
 
     def link_command(self, program):
+        if program in self.links:
+            return self.links[program]
         commands = subprocess.run(["ninja", "-C", self.directory, "-t", "commands", "-s", program],
                                   capture_output=True, text=True, check=True).stdout
         link = [line for line in commands.splitlines() if f" -o {program} " in line][-1]
-        return next(part for part in link.split("&&") if f" -o {program} " in part).strip()
+        self.links[program] = next(p for p in link.split("&&") if f" -o {program} " in p).strip()
+        return self.links[program]
 
     def compile(self, objects):
         """Makes objects anew from the copy of the sources; false where one does not compile."""
@@ -165,24 +173,25 @@ class Build:
             made[name] = str(out)
         return made
 
-    def falls(self, program, link, made, *arguments):
-        """Whether a program with these objects in the place of its own falls; null if not linked."""
-        own = [name for name in made if f" {name} " in link]
-        library = [made[name] for name in made if name.startswith("CMakeFiles/KestrixPreviewCore")]
-        if not own and not library:
-            return False
-        for name in own:
-            link = link.replace(f" {name} ", f" {made[name]} ")
+    def falls(self, program, made):
+        """Whether a program with these objects in the place of its own falls."""
+        link = self.link_command(program)
+        library = []
+        for name, path in made.items():
+            if f" {name} " in link:
+                link = link.replace(f" {name} ", f" {path} ")
+            else:
+                library.append(path)
+        # First of all, so that what is inline in others too is taken from these.
+        link = re.sub(r" (?=\S+\.o )", f" {' '.join(library)} ", link, count=1)
         out = self.scratch / pathlib.Path(program).name
-        # An archive's objects are taken for what is missing only, so these win.
-        link = link.replace(f" -o {program} ", f" {' '.join(library)} -o {out} ")
+        link = link.replace(f" -o {program} ", f" -o {out} ")
         done = subprocess.run(link, shell=True, cwd=self.directory, capture_output=True, text=True)
         if done.returncode:
-            print(done.stderr[-1000:], file=sys.stderr)
-            return None
+            sys.exit(f"mutants: {program} can't be linked: {done.stderr[-500:]}")
         try:
-            return subprocess.run([out, "--gtest_fail_fast", *arguments], cwd=self.scratch, capture_output=True,
-                                  timeout=300).returncode != 0
+            return subprocess.run([out, "--gtest_fail_fast"], cwd=self.scratch,
+                                  capture_output=True, timeout=300).returncode != 0
         except subprocess.TimeoutExpired:
             return True
 
@@ -190,23 +199,27 @@ class Build:
         """What the tests say of the copy of the sources, in which `file` may be at fault."""
         including = [name for name, files in self.includes.items()
                      if file in files and name in self.commands]
-        heavy = [n for n in including if "/conversion/KSXPixelConversion_" in n
-                 and n.startswith("CMakeFiles/")]
-        tests = [n for n in including if n not in heavy
-                 and (n.startswith("CMakeFiles/") or any(f" {n} " in l for l in self.programs.values()))]
-        made = self.compile(tests)
-        if made is None:
+        library = [name for name in including if name.startswith("CMakeFiles/")]
+        tables = [name for name in library if "/conversion/KSXPixelConversion_" in name]
+        library = self.compile([name for name in library if name not in tables])
+        if library is None:
             return "does not compile"
-        for program, link in self.programs.items():
-            if self.falls(program, link, made):
+        programs = next(p for prefix, p in PROGRAMS.items() if file.startswith(prefix))
+        for program in programs:
+            # Tests of the engine make stages themselves; others take what is in the library.
+            own = [name for name in including if f" {name} " in self.link_command(program)]
+            own = self.compile(own if file.startswith("conversion/") else [])
+            if own is None:
+                return "does not compile"
+            if (own or library) and self.falls(program, library | own):
                 return f"caught by {program}"
-        heavy.sort(key=lambda n: hashlib.sha256((SEED + file + n).encode()).hexdigest())
-        if heavy and (self.directory / self.model).exists():
-            made = self.compile(heavy[:2])
+        tables.sort(key=lambda name: hashlib.sha256((SEED + file + name).encode()).hexdigest())
+        if tables:
+            made = self.compile(tables[:2])
             if made is None:
                 return "does not compile"
-            if self.falls(self.model, self.link_command(self.model), made):
-                return f"caught by {self.model}"
+            if self.falls(MODEL, library | made):
+                return f"caught by {MODEL}"
         return "survived"
 
 
@@ -228,9 +241,14 @@ def main():
     if not (options.build / "compile_commands.json").exists():
         sys.exit(f"mutants: {options.build} is not a build; see --help")
 
-    build = Build(options.build.resolve())
+    directory = options.build.resolve()
+    with tempfile.TemporaryDirectory(prefix="mutants-", dir=directory) as scratch:
+        return run(Build(directory, pathlib.Path(scratch)), faults)
+
+
+def run(build, faults):
+    """Tries the faults, each with its number, in turn; the exit status."""
     tree = build.scratch / "tree"
-    shutil.rmtree(tree, ignore_errors=True)
     for path in subprocess.run(["git", "ls-files"], cwd=ROOT, capture_output=True, text=True,
                                check=True).stdout.splitlines():
         if pathlib.Path(path).suffix in (".h", ".cpp", ".c"):
