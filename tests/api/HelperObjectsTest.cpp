@@ -1,6 +1,5 @@
 /// The helpers as reference-counted objects, and the factories that make them.
 #include "api/KestrixPreviewAPI_v14_2_1.h"
-#include "tests/support/AllocationFaults.h"
 #include "tests/support/CaseName.h"
 #include "tests/support/PreviewFixture.h"
 
@@ -76,39 +75,6 @@ TEST_P(HelperObject, CountsReferencesOfManyThreadsByItself)
     EXPECT_EQ(other->PaintGL(), S_OK);
     EXPECT_EQ(other->AddRef(), 2u);
     EXPECT_EQ(other->Release(), 1u);
-}
-
-// Every allocation in turn fails, until all succeed. Null or a sound helper, nothing else, and no
-// memory lost on the way.
-TEST_P(HelperObject, IsNullWhereMemoryIsShort)
-{
-    // What a process keeps for good, such as colour tables, is made first.
-    make().reset();
-
-    const auto check = [this](auto create, int leastAllocations) {
-        for (int number = 0;; ++number) {
-            gl.clear(); // what was written down of the one before
-            const long before = liveAllocations();
-            int failed = 0;
-            host::Owned<std::remove_pointer_t<decltype(create())>> helper;
-            {
-                const auto faults = AllocationFaults::number(number);
-                helper.reset(create());
-                failed = faults.failed();
-            }
-            if (!failed) {
-                EXPECT_GE(number, leastAllocations);
-                ASSERT_NE(helper, nullptr);
-                EXPECT_EQ(helper->InitializeGL(), S_OK);
-                break;
-            }
-            EXPECT_EQ(helper, nullptr) << "allocation " << number;
-            gl.clear();
-            EXPECT_EQ(liveAllocations(), before) << "allocation " << number;
-        }
-    };
-    check(GetParam().create, 1);
-    check(GetParam().createOld, 2);
 }
 
 TEST_P(HelperObject, IsInsideTheOldOneAndOwnedByIt)

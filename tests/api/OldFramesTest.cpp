@@ -100,49 +100,6 @@ Owned<IKestrixVideoFrame> wrap(Old* old)
     return Owned<IKestrixVideoFrame>(CKestrixVideoFrame_From_v14_2_1::create(old));
 }
 
-/// Lets allocation 0, 1, ... fail of those that `act` makes, until there are no more, `points` at
-/// least. `act` gets what `make` made, and answers whether it came to the end that it has where an
-/// allocation failed. Whatever it does, no memory may be left behind.
-template<class Make, class Act>
-void failEveryAllocation(int points, Make make, Act act)
-{
-    for (int number = 0;; ++number) {
-        SCOPED_TRACE(number);
-        int failed = 0;
-        const long before = liveAllocations();
-        {
-            auto object = make();
-            bool failure = false;
-            {
-                const auto faults = AllocationFaults::number(number);
-                failure = act(object);
-                failed = faults.failed();
-            }
-            EXPECT_EQ(failure, failed != 0);
-            EXPECT_EQ(object->references(), 1U);
-        }
-        ASSERT_EQ(liveAllocations(), before);
-        if (!failed) {
-            EXPECT_GE(number, points);
-            return;
-        }
-    }
-}
-
-/// Whether memory was short on the way from a frame over its extensions `id` to the right eye.
-template<class Extensions, class Frame>
-bool lacksMemoryForRightEye(Frame* frame, REFIID id)
-{
-    Extensions* queried = nullptr;
-    const HRESULT found = QueryInto(frame, id, &queried);
-    const Owned<Extensions> extensions(queried);
-    if (!extensions)
-        return found == E_OUTOFMEMORY;
-    Frame* eye = nullptr;
-    const HRESULT status = extensions->GetFrameForRightEye(&eye);
-    return !Owned<Frame>(eye) && status == E_OUTOFMEMORY;
-}
-
 /// Checks the extensions `id` of a frame. `left` is the frame that they wrap in the end, which is
 /// made to answer `failures` when asked for `right`.
 template<class Extensions, class Frame, class Left, class Right>
@@ -254,15 +211,6 @@ TEST(OldFrame, HasItsExtensionsAndItsRightEyeWrapped)
     expectRightEye<IKestrixVideoFrame3DExtensions>(
         wrap(left.get()).get(), IID_IKestrixVideoFrame3DExtensions, *left, *right, {E_FAIL, 1});
     EXPECT_EQ(left->references(), 1U);
-
-    failEveryAllocation(
-        3, [&] { return oldFrame(right.get()); },
-        [](auto& old) {
-            const auto frame = wrap(old.get());
-            return !frame || lacksMemoryForRightEye<IKestrixVideoFrame3DExtensions>(
-                                 frame.get(), IID_IKestrixVideoFrame3DExtensions);
-        });
-    EXPECT_EQ(right->references(), 2U);
 }
 
 // --- Current frames as old ones ------------------------------------------------------------------
@@ -363,17 +311,6 @@ TEST_P(CurrentFrame, KeepsOrGivesBackRegistrationsWhereOneIsRefused)
                       GetParam().keepsRegistrations && i < taken)
                 << i;
     }
-}
-
-TEST_P(CurrentFrame, HasNoAdapterWhereMemoryIsShort)
-{
-    // The provider, the adapter, and what a registration takes of the frame.
-    failEveryAllocation(
-        3, [] { return GetParam().make(kAll); },
-        [](auto& frame) {
-            Owned<Old> old;
-            return GetParam().attach(frame.get(), old) == E_OUTOFMEMORY && !old;
-        });
 }
 
 // One thread finds what the others attach. The frame takes no more than one of them registers.
@@ -490,17 +427,6 @@ TEST(CurrentFrame, GivesItsExtensionsAndItsRightEyeToOldHosts)
     // A flat frame has none to give, though its adapter is registered for them.
     ASSERT_EQ(attachInput(right.get(), old), S_OK);
     EXPECT_EQ(query<IUnknown>(right.get(), id), nullptr);
-    old.reset();
-
-    failEveryAllocation(
-        5, [] { return capturedFrame(capturedFrame().get()); },
-        [](auto& frame) {
-            Owned<Old> adapter;
-            const HRESULT status = attachInput(frame.get(), adapter);
-            return adapter ? lacksMemoryForRightEye<Extensions>(
-                                 adapter.get(), IID_IKestrixVideoFrame3DExtensions_v14_2_1)
-                           : status == E_OUTOFMEMORY;
-        });
 }
 
 // --- The helper ----------------------------------------------------------------------------------

@@ -1,4 +1,5 @@
-# Fails unless LIBRARY shows the factories and nothing else, under its lasting name.
+# Fails unless LIBRARY shows the factories and nothing else, under its lasting name, and can be
+# unloaded: a symbol that is unique in the process would keep it there for good.
 # Takes LIBRARY, SONAME, NM and READELF.
 set(expected
   CreateOpenGL3ScreenPreviewHelper_0001
@@ -24,4 +25,11 @@ execute_process(COMMAND ${READELF} -d ${LIBRARY}
 string(FIND "${dynamic}" "soname: [${SONAME}]" found)
 if(found EQUAL -1)
   message(FATAL_ERROR "${SONAME} is not the library's name:\n${dynamic}")
+endif()
+
+execute_process(COMMAND ${READELF} --wide --symbols ${LIBRARY}
+  OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX MATCHALL "[^\n]* UNIQUE [^\n]*" unique "${symbols}")
+if(unique)
+  message(FATAL_ERROR "unique symbols:\n${unique}")
 endif()

@@ -5,7 +5,19 @@
 #include <cstdlib>
 #include <new>
 
-#include <dlfcn.h>
+extern "C" {
+// What the linker's --wrap makes of the names: the C library's own, and those that are called.
+void* __real_malloc(std::size_t size);
+void* __real_calloc(std::size_t count, std::size_t size);
+void* __real_realloc(void* memory, std::size_t size);
+int __real_posix_memalign(void** out, std::size_t alignment, std::size_t size);
+void __real_free(void* memory);
+void* __wrap_malloc(std::size_t size);
+void* __wrap_calloc(std::size_t count, std::size_t size);
+void* __wrap_realloc(void* memory, std::size_t size);
+int __wrap_posix_memalign(void** out, std::size_t alignment, std::size_t size);
+void __wrap_free(void* memory);
+}
 
 namespace kestrix::test {
 namespace {
@@ -22,26 +34,18 @@ thread_local long live = 0;
 
 bool fails(std::size_t size)
 {
-    if (!plan.active)
+    if (!plan.active || WithoutAllocationFaults::active())
         return false;
     const bool chosen = plan.bytes ? size >= plan.bytes : plan.number-- == 0;
     plan.failed += chosen;
     return chosen;
 }
 
-void* allocate(std::size_t size) noexcept
+/// Counts what was taken, null excepted.
+void* taken(void* memory)
 {
-    if (fails(size))
-        return nullptr;
-    void* memory = std::malloc(size + !size);
     live += memory != nullptr;
     return memory;
-}
-
-void release(void* memory) noexcept
-{
-    live -= memory != nullptr;
-    std::free(memory);
 }
 
 void* orThrow(void* memory)
@@ -49,6 +53,13 @@ void* orThrow(void* memory)
     if (!memory)
         throw std::bad_alloc();
     return memory;
+}
+
+void* allocateAligned(std::size_t size, std::align_val_t alignment)
+{
+    void* memory = nullptr;
+    return __wrap_posix_memalign(&memory, static_cast<std::size_t>(alignment), size) ? nullptr
+                                                                                     : memory;
 }
 
 } // namespace
@@ -75,26 +86,62 @@ long liveAllocations()
 
 } // namespace kestrix::test
 
-using kestrix::test::allocate;
+using kestrix::test::allocateAligned;
+using kestrix::test::fails;
+using kestrix::test::live;
 using kestrix::test::orThrow;
-using kestrix::test::release;
+using kestrix::test::taken;
+
+void* __wrap_malloc(std::size_t size)
+{
+    return fails(size) ? nullptr : taken(__real_malloc(size));
+}
+
+void* __wrap_calloc(std::size_t count, std::size_t size)
+{
+    return fails(count * size) ? nullptr : taken(__real_calloc(count, size));
+}
+
+void* __wrap_realloc(void* memory, std::size_t size)
+{
+    if (fails(size))
+        return nullptr;
+    void* const moved = __real_realloc(memory, size);
+    return memory ? moved : taken(moved);
+}
+
+int __wrap_posix_memalign(void** out, std::size_t alignment, std::size_t size)
+{
+    if (fails(size))
+        return ENOMEM;
+    const int error = __real_posix_memalign(out, alignment, size);
+    live += !error;
+    return error;
+}
+
+void __wrap_free(void* memory)
+{
+    live -= memory != nullptr;
+    __real_free(memory);
+}
 
 // clang-format off
-void* operator new(std::size_t size) { return orThrow(allocate(size)); }
-void* operator new[](std::size_t size) { return orThrow(allocate(size)); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void operator delete(void* memory) noexcept { release(memory); }
-void operator delete[](void* memory) noexcept { release(memory); }
-void operator delete(void* memory, std::size_t) noexcept { release(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { release(memory); }
-void operator delete(void* memory, const std::nothrow_t&) noexcept { release(memory); }
-void operator delete[](void* memory, const std::nothrow_t&) noexcept { release(memory); }
+void* operator new(std::size_t size) { return orThrow(__wrap_malloc(size + !size)); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return __wrap_malloc(size + !size); }
+void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return operator new(size, std::nothrow); }
+void* operator new(std::size_t size, std::align_val_t alignment) { return orThrow(allocateAligned(size, alignment)); }
+void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept { return allocateAligned(size, alignment); }
+void* operator new[](std::size_t size, std::align_val_t alignment) { return operator new(size, alignment); }
+void* operator new[](std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept { return operator new(size, alignment, std::nothrow); }
+void operator delete(void* memory) noexcept { __wrap_free(memory); }
+void operator delete[](void* memory) noexcept { __wrap_free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { __wrap_free(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { __wrap_free(memory); }
+void operator delete(void* memory, const std::nothrow_t&) noexcept { __wrap_free(memory); }
+void operator delete[](void* memory, const std::nothrow_t&) noexcept { __wrap_free(memory); }
+void operator delete(void* memory, std::align_val_t) noexcept { __wrap_free(memory); }
+void operator delete[](void* memory, std::align_val_t) noexcept { __wrap_free(memory); }
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { __wrap_free(memory); }
+void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept { __wrap_free(memory); }
 // clang-format on
-
-extern "C" int posix_memalign(void** out, std::size_t alignment, std::size_t size) noexcept
-{
-    static const auto next = reinterpret_cast<int (*)(void**, std::size_t, std::size_t)>(
-        dlsym(RTLD_NEXT, "posix_memalign"));
-    return kestrix::test::fails(size) ? ENOMEM : next(out, alignment, size);
-}

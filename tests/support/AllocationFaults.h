@@ -1,6 +1,8 @@
 /// Allocations that fail on purpose.
 ///
-/// AllocationFaults.cpp replaces `operator new` and `posix_memalign` in the test program.
+/// A program that links `kestrix_test_allocation` has every form of `operator new` replaced, and
+/// its own calls, the library's among them, of `malloc`, `calloc`, `realloc`, `posix_memalign` and
+/// `free` led through here. Calls that shared libraries make of those are left alone.
 #pragma once
 
 #include <cstddef>
@@ -26,7 +28,22 @@ private:
     AllocationFaults(int number, std::size_t bytes);
 };
 
-/// What the calling thread has taken by `operator new`, less what it has given back.
+/// Lets allocations of the calling thread succeed for as long as it lives: what a test's own side
+/// takes when the library calls it.
+class WithoutAllocationFaults {
+public:
+    WithoutAllocationFaults() { ++s_depth; }
+    ~WithoutAllocationFaults() { --s_depth; }
+    WithoutAllocationFaults(const WithoutAllocationFaults&) = delete;
+    WithoutAllocationFaults& operator=(const WithoutAllocationFaults&) = delete;
+
+    static bool active() { return s_depth > 0; }
+
+private:
+    static inline thread_local int s_depth = 0;
+};
+
+/// What the calling thread has taken, less what it has given back.
 long liveAllocations();
 
 } // namespace kestrix::test

@@ -3,6 +3,7 @@
 #include "tests/support/GLRecorder.h"
 
 #include "preview/GL3Functions.h"
+#include "tests/support/AllocationFaults.h"
 
 #include <GL/glx.h>
 
@@ -39,6 +40,7 @@ template<Name NAME, class RESULT, class... ARGUMENTS>
 struct Recorded<NAME, RESULT(ARGUMENTS...)> {
     KESTRIX_CALLS_ALIKE static RESULT call(ARGUMENTS... arguments)
     {
+        const WithoutAllocationFaults ownMemory;
         GLRecorder& recorder = GLRecorder::get();
         recorder.record(test::call(NAME.text, arguments...));
         if (void* target = recorder.target(NAME.text))
@@ -308,6 +310,7 @@ extern "C" {
 
 void (*glXGetProcAddress(const GLubyte* name))(void)
 {
+    const kestrix::test::WithoutAllocationFaults ownMemory;
     return reinterpret_cast<void (*)()>(
         kestrix::test::GLRecorder::get().lookUp(reinterpret_cast<const char*>(name)));
 }

@@ -1,0 +1,281 @@
+#!/usr/bin/env python3
+"""Puts one-line faults into the sources, one at a time, and sees whether a test falls.
+
+    cmake --preset release && ninja -C build/release
+    tests/mutants/mutants.py [--from N] [--count N] [--only PATH] [--list] [--build DIR]
+
+The faults are generated: each rule below is tried on each line of the sources, and of all that come
+out those with the lowest hash are taken, so many of each group and the rules in turn. A fault is known by its file, its
+line's text and its rule, hence a change of other lines leaves the choice as it is.
+
+A fault goes into a copy of the sources. Of the build, which has to be up to date, only the objects
+that include the file are made anew: those of the tests, and those of the library outside the tables
+of conversions. Of these, which take long, two are made anew where the tests of the stages don't see
+the fault, and all conversions are compared with the scalar model. OpenGL needs a display. Prints a line for each, and the sum at the end; exit status 1 where one survived.
+"""
+
+import argparse
+import hashlib
+import json
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+SEED = "1"
+
+# How many of each group; 200 in all.
+GROUPS = [
+    ("helpers", 60, ["preview/*.cpp", "preview/*.h"]),
+    ("adapters", 40, ["api/*.cpp", "api/*.h", "api/v14_2_1/*", "support/*.cpp"]),
+    ("walkers", 30, ["conversion/Transform.h", "conversion/Pipeline.h", "conversion/Kernel.h",
+                     "conversion/Convert.h", "conversion/EachVector.h"]),
+    ("stages", 70, ["conversion/stages/*.h", "conversion/colour/*.h", "conversion/ByteSwap.h"]),
+]
+
+# Name, what is found, what stands there instead: once for each place in a line.
+RULES = [
+    ("plus to minus", r"(?<=[\w)\]] )\+(?= [\w(*-])", "-"),
+    ("minus to plus", r"(?<=[\w)\]] )-(?= [\w(*])", "+"),
+    ("times to plus", r"(?<=[\w)\]] )\*(?= [\w(])", "+"),
+    ("< to <=", r"(?<= )<(?= )", "<="),
+    (">= to >", r"(?<= )>=(?= )", ">"),
+    ("== to !=", r"(?<= )==(?= )", "!="),
+    ("!= to ==", r"(?<= )!=(?= )", "=="),
+    ("&& to ||", r"(?<= )&&(?= )", "||"),
+    ("|| to &&", r"(?<= )\|\|(?= )", "&&"),
+    ("constant + 1", r"(?<![\w.\"'-])\d+(?![\w.\"'])", lambda m: str(int(m[0]) + 1)),
+    ("true to false", r"\btrue\b", "false"),
+    ("false to true", r"\bfalse\b", "true"),
+    ("negate condition", r"(?<=\bif \()([^;{]+)(?=\)\s*{?$)", lambda m: f"!({m[0]})"),
+    ("drop statement", r"^\s+[\w.:>()\[\]-]+(\.|->|::|\w)\w*\(.*\);$", ""),
+    ("drop assignment", r"^\s+[\w.\[\]>-]+ [+|-]?= .*;$", ""),
+    ("swap arguments", r"(?<=\()(\w+), (\w+)(?=\))", lambda m: f"{m[2]}, {m[1]}"),
+    ("success to failure", r"\bS_OK\b", "E_FAIL"),
+    ("other failure", r"\bE_OUTOFMEMORY\b", "E_FAIL"),
+    ("other unpack", r"\b_mm_unpacklo_", "_mm_unpackhi_"),
+    ("other shift", r"\b_mm_srli_", "_mm_slli_"),
+    ("or to and", r"\b_mm_or_si128", "_mm_and_si128"),
+    ("min to max", r"\b_mm_min_", "_mm_max_"),
+    ("add to sub", r"\b_mm_add_", "_mm_sub_"),
+]
+
+
+class Fault:
+    def __init__(self, file, number, old, new, rule, place):
+        self.file, self.number, self.old, self.new, self.rule = file, number, old, new, rule
+        self.key = hashlib.sha256(f"{SEED}|{file}|{old}|{rule}|{place}".encode()).hexdigest()
+
+    def __str__(self):
+        return f"{self.file}: {self.rule}: {self.old.strip()}  ->  {self.new.strip() or '(nothing)'}"
+
+
+def faults_in(file):
+    """All faults of a file, comments and preprocessor lines left alone."""
+    found = []
+    for number, line in enumerate((ROOT / file).read_text().split("\n")):
+        code = line.split("//")[0].rstrip()
+        if not code or code.lstrip().startswith(("#", "*", "static_assert", "using ", "namespace")):
+            continue
+        if "virtual " in code or "template" in code or '"' in code:
+            continue
+        for rule, pattern, replacement in RULES:
+            for place, match in enumerate(re.finditer(pattern, code)):
+                text = replacement if isinstance(replacement, str) else replacement(match)
+                new = code[: match.start()] + text + code[match.end() :]
+                if new != code:
+                    found.append(Fault(file, number, line, new, rule, place))
+    return found
+
+
+def chosen():
+    """The faults of all groups, one of each group in turn."""
+    groups = []
+    for _, count, patterns in GROUPS:
+        files = sorted({str(p.relative_to(ROOT)) for g in patterns for p in ROOT.glob(g)
+                        if p.suffix in (".h", ".cpp")})
+        # One of each rule in turn, so that the rules that fit everywhere are no more than others.
+        by_rule = {}
+        for fault in sorted((f for file in files for f in faults_in(file)), key=lambda f: f.key):
+            of_rule = by_rule.setdefault(fault.rule, [])
+            of_rule.append((len(of_rule), fault.key, fault))
+        ranked = sorted((r for of_rule in by_rule.values() for r in of_rule), key=lambda r: r[:2])
+        groups.append([fault for _, _, fault in ranked[:count]])
+    # A group's i-th fault comes after the same share of the other groups.
+    ranked = [((i + 1) / len(g), n, f) for n, g in enumerate(groups) for i, f in enumerate(g)]
+    return [f for _, _, f in sorted(ranked, key=lambda r: r[:2])]
+
+
+# Which programs can see a fault in what begins so, the quickest first.
+PROGRAMS = {
+    "conversion/": ["tests/preview/kestrix_preview_lut_test",
+                    "tests/conversion/conversion_matrices_test",
+                    "tests/conversion/conversion_pipeline_test",
+                    "tests/conversion/conversion_stages_test"],
+    "preview/": ["tests/preview/kestrix_preview_test", "tests/preview/kestrix_preview_lut_test",
+                 "tests/api/kestrix_oom_test", "tests/api/kestrix_api_test"],
+    "support/": ["tests/support_routines/kestrix_support_routines_test"],
+    "": ["tests/api/kestrix_api_test", "tests/abi/kestrix_table_walk_gcc",
+         "tests/api/kestrix_oom_test", "tests/preview/kestrix_preview_test"],
+}
+MODEL = "tests/conversion/conversion_entries_test"
+
+
+class Build:
+    """What is known of the build: its objects, what they include, and how programs are linked."""
+
+    def __init__(self, directory, scratch):
+        self.directory = directory
+        self.scratch = scratch
+        self.commands = {}
+        for entry in json.loads((directory / "compile_commands.json").read_text()):
+            self.commands[entry["output"] if "output" in entry else
+                          re.search(r" -o (\S+)", entry["command"])[1]] = entry
+        self.includes = {}
+        target = None
+        deps = subprocess.run(["ninja", "-C", directory, "-t", "deps"], capture_output=True,
+                              text=True, check=True).stdout
+        for line in deps.splitlines():
+            if line.startswith("    "):
+                path = (directory / line.strip()).resolve()
+                if path.is_relative_to(ROOT):
+                    self.includes.setdefault(target, set()).add(str(path.relative_to(ROOT)))
+            elif ": #deps" in line:
+                target = line.split(":")[0]
+        self.links = {}
+
+    def link_command(self, program):
+        if program in self.links:
+            return self.links[program]
+        commands = subprocess.run(["ninja", "-C", self.directory, "-t", "commands", "-s", program],
+                                  capture_output=True, text=True, check=True).stdout
+        link = [line for line in commands.splitlines() if f" -o {program} " in line][-1]
+        self.links[program] = next(p for p in link.split("&&") if f" -o {program} " in p).strip()
+        return self.links[program]
+
+    def compile(self, objects):
+        """Makes objects anew from the copy of the sources; false where one does not compile."""
+        made = {}
+        for name in objects:
+            entry = self.commands[name]
+            out = self.scratch / "objects" / name
+            out.parent.mkdir(parents=True, exist_ok=True)
+            command = re.sub(rf"(?<=[ I]){re.escape(str(ROOT))}(?=[ /])", str(self.scratch / "tree"),
+                             entry["command"].replace(" -Werror", "").replace(" -MD", ""))
+            command = re.sub(r" -M[TF] \S+", "", command).replace(f"-o {name}", f"-o {out}")
+            if subprocess.run(command, shell=True, cwd=self.directory,
+                              capture_output=True).returncode:
+                return None
+            made[name] = str(out)
+        return made
+
+    def falls(self, program, made):
+        """Whether a program with these objects in the place of its own falls."""
+        link = self.link_command(program)
+        library = []
+        for name, path in made.items():
+            if f" {name} " in link:
+                link = link.replace(f" {name} ", f" {path} ")
+            else:
+                library.append(path)
+        # First of all, so that what is inline in others too is taken from these.
+        link = re.sub(r" (?=\S+\.o )", f" {' '.join(library)} ", link, count=1)
+        out = self.scratch / pathlib.Path(program).name
+        link = link.replace(f" -o {program} ", f" -o {out} ")
+        done = subprocess.run(link, shell=True, cwd=self.directory, capture_output=True, text=True)
+        if done.returncode:
+            sys.exit(f"mutants: {program} can't be linked: {done.stderr[-500:]}")
+        try:
+            return subprocess.run([out, "--gtest_fail_fast"], cwd=self.scratch,
+                                  capture_output=True, timeout=300).returncode != 0
+        except subprocess.TimeoutExpired:
+            return True
+
+    def outcome(self, file):
+        """What the tests say of the copy of the sources, in which `file` may be at fault."""
+        including = [name for name, files in self.includes.items()
+                     if file in files and name in self.commands]
+        library = [name for name in including if name.startswith("CMakeFiles/")]
+        tables = [name for name in library if "/conversion/KSXPixelConversion_" in name]
+        library = self.compile([name for name in library if name not in tables])
+        if library is None:
+            return "does not compile"
+        programs = next(p for prefix, p in PROGRAMS.items() if file.startswith(prefix))
+        for program in programs:
+            # Tests of the engine make stages themselves; others take what is in the library.
+            own = [name for name in including if f" {name} " in self.link_command(program)]
+            own = self.compile(own if file.startswith("conversion/") else [])
+            if own is None:
+                return "does not compile"
+            if (own or library) and self.falls(program, library | own):
+                return f"caught by {program}"
+        tables.sort(key=lambda name: hashlib.sha256((SEED + file + name).encode()).hexdigest())
+        if tables:
+            made = self.compile(tables[:2])
+            if made is None:
+                return "does not compile"
+            if self.falls(MODEL, library | made):
+                return f"caught by {MODEL}"
+        return "survived"
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
+    parser.add_argument("--from", dest="first", type=int, default=0, help="number to begin with")
+    parser.add_argument("--count", type=int, default=200, help="how many faults")
+    parser.add_argument("--only", default="", help="only those in files that begin like this")
+    parser.add_argument("--list", action="store_true", help="print the faults and do nothing")
+    parser.add_argument("--build", default=ROOT / "build/release", type=pathlib.Path)
+    options = parser.parse_args()
+
+    faults = [(n, f) for n, f in enumerate(chosen()) if f.file.startswith(options.only)]
+    faults = [(n, f) for n, f in faults if n >= options.first][: options.count]
+    if options.list:
+        for number, fault in faults:
+            print(f"{number:3} {fault}")
+        return 0
+    if not (options.build / "compile_commands.json").exists():
+        sys.exit(f"mutants: {options.build} is not a build; see --help")
+
+    directory = options.build.resolve()
+    with tempfile.TemporaryDirectory(prefix="mutants-", dir=directory) as scratch:
+        return run(Build(directory, pathlib.Path(scratch)), faults)
+
+
+def run(build, faults):
+    """Tries the faults, each with its number, in turn; the exit status."""
+    tree = build.scratch / "tree"
+    for path in subprocess.run(["git", "ls-files"], cwd=ROOT, capture_output=True, text=True,
+                               check=True).stdout.splitlines():
+        if pathlib.Path(path).suffix in (".h", ".cpp", ".c"):
+            (tree / path).parent.mkdir(parents=True, exist_ok=True)
+            shutil.copy2(ROOT / path, tree / path)
+
+    counts = {}
+    clean = set()
+    for number, fault in faults:
+        copy = tree / fault.file
+        text = (ROOT / fault.file).read_text()
+        if copy.parent not in clean:
+            sound = build.outcome(fault.file)
+            if sound != "survived":
+                sys.exit(f"mutants: without a fault in {fault.file}: {sound}")
+            clean.add(copy.parent)
+        lines = text.split("\n")
+        lines[fault.number] = fault.new
+        copy.write_text("\n".join(lines))
+        outcome = build.outcome(fault.file)
+        copy.write_text(text)
+        kind = outcome.split(" by ")[0]
+        counts[kind] = counts.get(kind, 0) + 1
+        print(f"{number:3} {outcome}: {fault}", flush=True)
+    print(", ".join(f"{count} {kind}" for kind, count in sorted(counts.items())))
+    return 1 if counts.get("survived") else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

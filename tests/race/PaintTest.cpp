@@ -1,0 +1,135 @@
+/// Frames from four threads while a fifth paints, as the OpenGL 3 helper allows. The fixed-function
+/// helper leaves it to its host that no two calls meet.
+#include "tests/support/CaseName.h"
+#include "tests/support/GLContext.h"
+#include "tests/support/PreviewFixture.h"
+
+#include <GL/gl.h>
+
+#include <algorithm>
+#include <atomic>
+#include <ostream>
+#include <thread>
+#include <vector>
+
+namespace kestrix::test {
+namespace {
+
+struct Counts {
+    const char* name;
+    int setFrames;  ///< of all threads
+    int setFormats; ///< of all threads
+    int paints;
+};
+
+void PrintTo(const Counts& counts, std::ostream* out)
+{
+    *out << counts.name;
+}
+
+/// A frame that counts, without a log, which would need a lock.
+class CountingFrame : public host::MemoryFrame {
+public:
+    static host::Owned<CountingFrame> create(const host::MemoryFrameOptions& options)
+    {
+        return host::Owned<CountingFrame>(new CountingFrame(options));
+    }
+
+    HRESULT StartAccess(std::uint32_t flags) override
+    {
+        ++started;
+        return MemoryFrame::StartAccess(flags);
+    }
+
+    HRESULT EndAccess(std::uint32_t flags) override
+    {
+        ++ended;
+        return MemoryFrame::EndAccess(flags);
+    }
+
+    std::atomic<long> started{0};
+    std::atomic<long> ended{0};
+
+protected:
+    using MemoryFrame::MemoryFrame;
+};
+
+class PaintRace : public testing::TestWithParam<Counts> {};
+
+TEST_P(PaintRace, LeavesEveryFrameAsItWas)
+{
+    constexpr int kThreads = 4;
+    constexpr std::uint32_t kFormats[] = {Preview3DLeftOnly, Preview3DRightOnly,
+                                          Preview3DSideBySide, Preview3DTopBottom};
+    const Counts& counts = GetParam();
+    const GLContext context(GLContext::Kind::Core32);
+    ASSERT_EQ(context.failure(), "");
+    GLRecorder& gl = GLRecorder::get();
+    gl.useDriver();
+    const Canvas canvas(8, 8);
+    Helper helper(CreateOpenGL3ScreenPreviewHelper_0002());
+    ASSERT_EQ(helper->InitializeGL(), S_OK);
+
+    // Of two sizes and formats, flat ones and pairs.
+    std::vector<host::Owned<CountingFrame>> rights;
+    std::vector<host::Owned<CountingFrame>> lefts;
+    for (const std::uint32_t format : {code("BGRA"), code("2vuy"), kARGB}) {
+        const std::int64_t width = format == kARGB ? 8 : 16;
+        host::MemoryFrameOptions options{.width = width, .height = 8, .format = format};
+        rights.push_back(CountingFrame::create(options));
+        lefts.push_back(CountingFrame::create(options));
+        options.packing3D = Packing3DLeftOnly;
+        options.rightEye = rights.back().get();
+        lefts.push_back(CountingFrame::create(options));
+    }
+
+    std::atomic<int> painted{0};
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < kThreads; ++thread)
+        threads.emplace_back([&, thread] {
+            const int frames = counts.setFrames / kThreads;
+            const int perFormat = counts.setFrames / counts.setFormats;
+            const int framesPerPaint = std::max(frames / counts.paints, 1);
+            for (int i = 0; i < frames; ++i) {
+                const auto index = static_cast<std::size_t>(i + thread) % (lefts.size() + 1);
+                IKestrixVideoFrame* const frame =
+                    index == lefts.size() ? nullptr : lefts[index].get();
+                EXPECT_EQ(helper->SetFrame(frame), S_OK);
+                if (i % perFormat == 0) {
+                    const auto format = static_cast<std::size_t>(i / perFormat + thread) % 4;
+                    EXPECT_EQ(helper->Set3DPreviewFormat(kFormats[format]), S_OK);
+                }
+                // In step with the paints; relaxed, so as to order nothing else.
+                while (painted.load(std::memory_order_relaxed) <
+                       std::min(i / framesPerPaint, counts.paints))
+                    std::this_thread::yield();
+            }
+        });
+    for (int i = 0; i < counts.paints; ++i) {
+        EXPECT_EQ(helper->PaintGL(), S_OK);
+        gl.clear();
+        painted.fetch_add(1, std::memory_order_relaxed);
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    helper.reset();
+    EXPECT_EQ(driverGL<decltype(::glGetError)>("glGetError")(), GLenum{GL_NO_ERROR});
+
+    long started = 0;
+    for (const auto* frames : {&lefts, &rights})
+        for (const auto& frame : *frames) {
+            EXPECT_EQ(frame->references(), frames == &rights ? 2U : 1U);
+            EXPECT_EQ(frame->started, frame->ended);
+            EXPECT_EQ(frame->openAccesses(), 0);
+            started += frame->started;
+        }
+    EXPECT_GT(started, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Race, PaintRace, testing::Values(Counts{"Short", 20'000, 200, 2'000}),
+                         caseName);
+INSTANTIATE_TEST_SUITE_P(RaceFull, PaintRace,
+                         testing::Values(Counts{"Full", 1'000'000, 10'000, 100'000}), caseName);
+
+} // namespace
+} // namespace kestrix::test
