@@ -10,6 +10,7 @@ namespace kestrix::bench {
 namespace {
 
 constexpr std::size_t kCacheLine = 64;
+constexpr std::size_t kPage = 4096;
 /// Stages that look ahead read behind a row.
 constexpr std::size_t kReadableBehind = 64;
 constexpr std::size_t kLeastColdBytes = std::size_t{512} << 20;
@@ -48,8 +49,9 @@ std::size_t lastCacheBytes()
     return bytes > 0 ? static_cast<std::size_t>(bytes) : 0;
 }
 
+// Half a page apart: loads that lie a little ahead of stores in two pages wait for them.
 Pictures::Pictures(std::size_t srcBytes, std::size_t dstBytes, Temperature temperature)
-    : m_dstOffset(padded(srcBytes)),
+    : m_dstOffset((padded(srcBytes) + kPage - 1) / kPage * kPage + kPage / 2),
       m_pairBytes(m_dstOffset + padded(dstBytes)),
       m_temperature(temperature)
 {

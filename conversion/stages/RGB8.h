@@ -433,34 +433,50 @@ private:
     }
 };
 
-/// Narrows RGBA to RGB, dropping alpha. 16 pixels a step: 64 bytes in, 48 bytes out.
+namespace details {
+
+/// Narrows 4-byte pixels to RGB. `R`, `G` and `B` are the bytes at which components lie in a pixel.
+/// 16 pixels a step: 64 bytes in, 48 bytes out.
 ///
-/// One byte shuffle closes the gaps of each vector, which leaves 12 bytes at its low end; four such
-/// pieces make three vectors.
-class PACK_RGBA_TO_RGB : public Kernel<16, 16> {
+/// One byte shuffle closes the gaps of each vector. The 12 bytes that are left lie in it where its
+/// neighbours need them, some in two places: each output is cut from two such vectors side by side.
+template<int R, int G, int B>
+class PACK_BYTES_TO_RGB : public Kernel<16, 16> {
 public:
     using Input = Packed<4>;
     using Output = Packed<3>;
 
     KSX_INLINE Pixels<Output, 16> step(const Pixels<Input, 16>& in) const
     {
-        const __m128i q0 = narrow(in[0]);
-        const __m128i q1 = narrow(in[1]);
-        const __m128i q2 = narrow(in[2]);
-        const __m128i q3 = narrow(in[3]);
-        return {{_mm_or_si128(q0, _mm_slli_si128(q1, 12)),
-                 _mm_or_si128(_mm_srli_si128(q1, 4), _mm_slli_si128(q2, 8)),
-                 _mm_or_si128(_mm_srli_si128(q2, 8), _mm_slli_si128(q3, 4))}};
+        const __m128i q0 = closed<0>(in[0]);
+        const __m128i q1 = closed<4>(in[1]);
+        const __m128i q2 = closed<8>(in[2]);
+        const __m128i q3 = closed<12>(in[3]);
+        return {
+            {_mm_alignr_epi8(q1, q0, 4), _mm_alignr_epi8(q2, q1, 8), _mm_alignr_epi8(q3, q2, 12)}};
     }
 
 private:
-    KSX_INLINE static __m128i narrow(__m128i rgba)
+    /// The bytes of 4 pixels without gaps, from byte 0 on below byte `SPLIT` and from byte 4 on
+    /// above.
+    template<int SPLIT>
+    KSX_INLINE static __m128i closed(__m128i pixels)
     {
-        const __m128i colour =
-            _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
-        return _mm_shuffle_epi8(rgba, colour);
+        constexpr auto at = [](int byte) {
+            const int i = byte < SPLIT ? byte : byte - 4;
+            const int component = i % 3 == 0 ? R : i % 3 == 1 ? G : B;
+            return static_cast<char>(i < 0 ? -1 : i / 3 * 4 + component);
+        };
+        return _mm_shuffle_epi8(pixels, _mm_setr_epi8(at(0), at(1), at(2), at(3), at(4), at(5),
+                                                      at(6), at(7), at(8), at(9), at(10), at(11),
+                                                      at(12), at(13), at(14), at(15)));
     }
 };
+
+} // namespace details
+
+/// Narrows RGBA to RGB, dropping alpha. 16 pixels a step: 64 bytes in, 48 bytes out.
+class PACK_RGBA_TO_RGB : public details::PACK_BYTES_TO_RGB<0, 1, 2> {};
 
 /// Reverses the 4 bytes of every pixel: ARGB to BGRA and back, alpha and all. 4 pixels a step: 16
 /// bytes in, 16 bytes out.
@@ -570,6 +586,14 @@ private:
 template<class UNPACK, class PACK>
 requires(UNPACK::kUnpacksBytesToRGBv4&& PACK::kPacksRGBv4ToBytes) struct MergedForm<UNPACK, PACK> {
     using type = StageList<REORDER_OPAQUE_BYTES<UNPACK, PACK>>;
+};
+
+// Straight to 3 bytes: the alpha that is added on the way is dropped again.
+template<class UNPACK>
+requires(
+    UNPACK::kUnpacksBytesToRGBv4) struct MergedForm<UNPACK, PACK_RGBv4_TO_RGBA, PACK_RGBA_TO_RGB> {
+    using type = StageList<
+        details::PACK_BYTES_TO_RGB<UNPACK::kBytes[0], UNPACK::kBytes[1], UNPACK::kBytes[2]>>;
 };
 
 } // namespace KSX::PixelConversion

@@ -75,6 +75,32 @@ public:
     }
 };
 
+namespace details {
+
+/// From one byte order of 4:2:2 straight to the other. 8 pixels a step: 16 bytes in, 16 bytes out.
+class EXCHANGE_BYTES : public Kernel<8, 8> {
+public:
+    using Input = Packed<2>;
+    using Output = Packed<4, 2>;
+
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
+    {
+        const __m128i order = _mm_setr_epi8(1, 0, 3, 2, 5, 4, 7, 6, 9, 8, 11, 10, 13, 12, 15, 14);
+        return {{_mm_shuffle_epi8(in[0], order)}};
+    }
+};
+
+} // namespace details
+
+template<>
+struct MergedForm<UNPACK_UYVY_TO_UYVYv8, PACK_UYVYv8_TO_YUY2> {
+    using type = StageList<details::EXCHANGE_BYTES>;
+};
+template<>
+struct MergedForm<UNPACK_YUY2_TO_UYVYv8, PACK_UYVYv8_TO_UYVY> {
+    using type = StageList<details::EXCHANGE_BYTES>;
+};
+
 // --- 4:4:4 ---------------------------------------------------------------------------------------
 
 namespace details {

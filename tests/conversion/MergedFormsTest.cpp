@@ -83,6 +83,8 @@ TEST(MergedForms, FromYUVA)
 
 TEST(MergedForms, Between422)
 {
+    expectFromBytes<UNPACK_UYVY_TO_UYVYv8, PACK_UYVYv8_TO_YUY2>();
+    expectFromBytes<UNPACK_YUY2_TO_UYVYv8, PACK_UYVYv8_TO_UYVY>();
     expectFromWords<UNPACK_V210_TO_UYVYv8, UYVYv8_BITDEPTH<-2, 16>, PACK_UYVYv8_TO_UYVY>();
     expectFromBytes<UNPACK_UYVY_TO_UYVYv8, UYVYv8_BITDEPTH<2, 16>, PACK_UYVYv8_TO_V210>();
     expectFromWords<UNPACK_YUVA_TO_UYVYv8, PACK_UYVYv8_TO_V210>();
@@ -95,6 +97,7 @@ void expectFromRGB8()
     expectFromBytes<UNPACK, RGBv4_BITDEPTH<2, 16>, PACK_RGBv4_TO_R10KLE>();
     expectFromBytes<UNPACK, RGBv4_BITDEPTH<2, 16>, PACK_RGBv4_TO_R10KBE>();
     expectFromBytes<UNPACK, RGBv4_RESCALE<8, true, 10, false, P1>, PACK_RGBv4_TO_R10KBE>();
+    expectFromBytes<UNPACK, PACK_RGBv4_TO_RGBA, PACK_RGBA_TO_RGB>();
 }
 
 TEST(MergedForms, From8BitRGB)

@@ -102,7 +102,8 @@ struct Picture {
         options.bytes = bytes.get() + std::max(above, std::int64_t{0});
         options.captured = (flags & 1) != 0;
         if (flags & 2)
-            options.colorspace = (flags & 4) ? ColorspaceCodeRec2020 : std::int64_t{input.dword()};
+            options.colorspace =
+                (flags & 4) ? std::int64_t{ColorspaceCodeRec2020} : std::int64_t{input.dword()};
         if (right || flags & 8)
             options.packing3D = (flags & 16) ? input.dword() : std::uint32_t{Packing3DLeftOnly};
         options.rightEye = right;
