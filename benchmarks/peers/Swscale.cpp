@@ -111,6 +111,22 @@ constexpr Coded kV210{AV_CODEC_ID_V210, AV_PIX_FMT_YUV422P10,
 constexpr Coded kR210{AV_CODEC_ID_R210, AV_PIX_FMT_GBRP10,
                       [](unsigned w, unsigned h) { return (w + 63) / 64 * std::size_t{256} * h; }};
 
+/// A buffer of the host's as libav counts it; the bytes after it serve as libav's padding.
+AVBufferRef* borrowed(std::uint8_t* bytes, std::size_t size)
+{
+    return av_buffer_create(
+        bytes, size + AV_INPUT_BUFFER_PADDING_SIZE, [](void*, std::uint8_t*) {}, nullptr, 0);
+}
+
+/// Has an encoder write to the address in `opaque`, so that neither an allocation nor a copy is
+/// timed.
+int encodeInPlace(AVCodecContext* context, AVPacket* packet, int /*flags*/)
+{
+    packet->data = static_cast<std::uint8_t*>(context->opaque);
+    packet->buf = borrowed(packet->data, static_cast<std::size_t>(packet->size));
+    return packet->buf ? 0 : AVERROR(ENOMEM);
+}
+
 std::shared_ptr<AVCodecContext> open(const AVCodec* codec, AVPixelFormat format, unsigned width,
                                      unsigned height)
 {
@@ -120,6 +136,7 @@ std::shared_ptr<AVCodecContext> open(const AVCodec* codec, AVPixelFormat format,
     context->pix_fmt = format;
     context->time_base = {1, 50};
     context->thread_count = 1;
+    context->get_encode_buffer = encodeInPlace;
     if (avcodec_open2(context.get(), codec, nullptr) < 0)
         return nullptr;
     return context;
@@ -142,8 +159,7 @@ Peer decoded(std::string row, const Coded& from, AVPixelFormat to, std::string d
                         [=](const unsigned char* src, unsigned char* dst) {
                             // Counted, so that it is not copied.
                             auto* const data = const_cast<std::uint8_t*>(src);
-                            packet->buf = av_buffer_create(
-                                data, bytes, [](void*, std::uint8_t*) {}, nullptr, 0);
+                            packet->buf = borrowed(data, bytes);
                             packet->data = data;
                             packet->size = static_cast<int>(bytes);
                             avcodec_send_packet(codec.get(), packet.get());
@@ -170,9 +186,9 @@ Peer encoded(std::string row, AVPixelFormat from, const Coded& to, std::string d
                 frame->format = to.planes;
                 if (!codec || !scaler || av_frame_get_buffer(frame.get(), 0) < 0)
                     return {};
-                // What comes out is in a buffer of the encoder's.
                 return {bytesOf(from, width, height), to.bytes(width, height),
-                        [=](const unsigned char* src, unsigned char*) {
+                        [=](const unsigned char* src, unsigned char* dst) {
+                            codec->opaque = dst;
                             const Picture in = pictureAt(src, from, width, height);
                             Picture planes;
                             std::memcpy(planes.planes, frame->data, sizeof planes.planes);
@@ -191,9 +207,9 @@ std::vector<Peer> swscalePeers()
 {
     const char* const kTwoPasses = "two passes";
     return {
-        scaled("2vuy:709/BGRA:709", AV_PIX_FMT_UYVY422, AV_PIX_FMT_BGRA),
+        scaled("2vuy:709/BGRA:709", AV_PIX_FMT_UYVY422, AV_PIX_FMT_BGRA, "chroma repeated"),
         scaled("BGRA:709/2vuy:709", AV_PIX_FMT_BGRA, AV_PIX_FMT_UYVY422),
-        decoded("v210:709/BGRA:709", kV210, AV_PIX_FMT_BGRA, kTwoPasses),
+        decoded("v210:709/BGRA:709", kV210, AV_PIX_FMT_BGRA, "two passes, chroma repeated"),
         encoded("BGRA:709/v210:709", AV_PIX_FMT_BGRA, kV210, kTwoPasses),
         decoded("v210/2vuy", kV210, AV_PIX_FMT_UYVY422, kTwoPasses),
         encoded("2vuy/v210", AV_PIX_FMT_UYVY422, kV210, kTwoPasses),
@@ -201,10 +217,14 @@ std::vector<Peer> swscalePeers()
         scaled("YUY2/2vuy", AV_PIX_FMT_YUYV422, AV_PIX_FMT_UYVY422),
         scaled("BGRA/ARGB", AV_PIX_FMT_BGRA, AV_PIX_FMT_ARGB),
         scaled("BGRA/RGBA", AV_PIX_FMT_BGRA, AV_PIX_FMT_RGBA, "keeps alpha"),
+        scaled("ARGB/BGRA", AV_PIX_FMT_ARGB, AV_PIX_FMT_BGRA),
+        scaled("RGBA/BGRA", AV_PIX_FMT_RGBA, AV_PIX_FMT_BGRA),
         scaled("RGB3/RGBA", AV_PIX_FMT_RGB24, AV_PIX_FMT_RGBA),
+        scaled("RGB3/BGRA", AV_PIX_FMT_RGB24, AV_PIX_FMT_BGRA),
         scaled("RGBA/RGB3", AV_PIX_FMT_RGBA, AV_PIX_FMT_RGB24),
         scaled("R10L/BGRA", AV_PIX_FMT_X2RGB10LE, AV_PIX_FMT_BGRA, "bits in other places"),
-        scaled("BGRA/R10L", AV_PIX_FMT_BGRA, AV_PIX_FMT_X2RGB10LE, "bits in other places"),
+        scaled("BGRA/R10L", AV_PIX_FMT_BGRA, AV_PIX_FMT_X2RGB10LE,
+               "bits in other places, up to 19 codes off"),
         decoded("r210/BGRA", kR210, AV_PIX_FMT_BGRA, "two passes, full range"),
         encoded("BGRA/r210", AV_PIX_FMT_BGRA, kR210, "two passes, full range"),
         scaled("b64a/BGRA", AV_PIX_FMT_RGBA64BE, AV_PIX_FMT_BGRA, "components in another order"),
