@@ -71,9 +71,10 @@ struct FreeGraph {
     void operator()(zimg_filter_graph* graph) const { zimg_filter_graph_free(graph); }
 };
 
-Peer planar(std::string row, const Planes& from, const Planes& to)
+Peer planar(std::string row, const Planes& from, const Planes& to,
+            std::string differs = "planes, not packed")
 {
-    return {std::move(row), "zimg", "planes, not packed",
+    return {std::move(row), "zimg", std::move(differs),
             [=](Level level, unsigned width, unsigned height) -> PeerJob {
                 const zimg_image_format src = formatOf(from, width, height);
                 const zimg_image_format dst = formatOf(to, width, height);
@@ -125,7 +126,8 @@ std::vector<Peer> zimgPeers()
         planar("BGRA:709/v210:709", kRGB, yuv422(10)),
         planar("v210/2vuy", yuv422(10), yuv422(8)),
         planar("2vuy/v210", yuv422(8), yuv422(10)),
-        planar("BGRA:2020/BGRA:709", rgb(ZIMG_PRIMARIES_BT2020), kRGB),
+        planar("BGRA:2020/BGRA:709", rgb(ZIMG_PRIMARIES_BT2020), kRGB,
+               "planes, not packed, linear by a power of 2.4"),
     };
 }
 
