@@ -241,8 +241,7 @@ protected:
 ///   texture unit 0 and the 3D binding of unit 1 zero, unit 0 active. `GL_UNPACK_ROW_LENGTH` is
 ///   restored. `InitializeGL`, and the first paint after a null frame, clear the colour buffer and
 ///   set the clear colour to (0, 0, 0, 0). `InitializeGL` leaves its own vertex array bound.
-/// - Fixed-function helper, whose unit 0 must be active: `GL_TEXTURE_2D` disabled, its binding
-/// zero,
+/// - Fixed-function helper, whose unit 0 must be active: `GL_TEXTURE_2D` disabled, its binding 0,
 ///   the current texture coordinate (0, 0, 0, 1); the current colour black where there was no
 ///   frame. `GL_TEXTURE_ENV_MODE` is restored. Matrices must be the identity.
 /// - Both: pixel unpack parameters must have their initial values when a helper is called, and

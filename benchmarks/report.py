@@ -141,7 +141,7 @@ def peer_table(rows, size):
 
 def preview_table(medians):
     lines = []
-    for name, figures in medians.items():
+    for name, figures in sorted(medians.items()):
         scale = {"ns": 1e-6, "us": 1e-3, "ms": 1.0, "s": 1e3}[figures["time_unit"]]
         lines.append([re.sub(r"/(iterations:\d+|manual_time)", "", name), f"{scale * figures['real_time']:.3f}"])
     return table(["what", "ms"], lines)

@@ -52,7 +52,7 @@ int fromWords(const std::uint8_t* src, int srcStride, std::uint8_t* dst, int dst
 /// The one road to Rec. 709 goes over planes: row by row, so that they stay in the nearest cache.
 Peer overPlanes(std::string name)
 {
-    return {std::move(name), "libyuv", "two steps over planes, chroma repeated",
+    return {std::move(name), "libyuv planes", "two steps over planes, chroma repeated",
             [](Level level, unsigned w, unsigned h) -> PeerJob {
                 hold(level);
                 const int width = static_cast<int>(w);

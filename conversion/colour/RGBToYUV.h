@@ -93,11 +93,11 @@ private:
         return {scaled(y, kYOffset), scaled(chroma, kChromaOffset)};
     }
 
+    /// The offset goes in before the shift, with what rounds: no sum reaches 2^31.
     KSX_INLINE static __m128i scaled(__m128i sum, int offset)
     {
-        if constexpr (kRounding != 0)
-            sum = _mm_add_epi32(sum, v4i(kRounding));
-        return _mm_add_epi32(_mm_srai_epi32(sum, kShift), v4i(static_cast<std::uint32_t>(offset)));
+        const __m128i added = v4i(static_cast<std::uint32_t>((offset << kShift) + kRounding));
+        return _mm_srai_epi32(_mm_add_epi32(sum, added), kShift);
     }
 
     /// A row of the matrix beneath the lanes B, G, R, A of two pixels; alpha weighs nothing.
