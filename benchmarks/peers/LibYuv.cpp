@@ -81,7 +81,7 @@ std::vector<Peer> libyuvPeers()
     return {
         packed("2vuy:709/BGRA:709", UYVYToARGB, 2, 4, "constants of Rec. 601, chroma repeated"),
         overPlanes("2vuy:709/BGRA:709"),
-        packed("BGRA:709/2vuy:709", ARGBToUYVY, 4, 2, "constants of Rec. 601"),
+        packed("BGRA:709/2vuy:709", ARGBToUYVY, 4, 2, "constants of Rec. 601, chroma of pairs"),
         packed("2vuy/YUY2", swapBytes, 2, 2),
         packed("YUY2/2vuy", swapBytes, 2, 2),
         packed("BGRA/ARGB", ARGBToBGRA, 4, 4),
