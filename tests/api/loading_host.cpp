@@ -18,6 +18,9 @@ constexpr int kRoundsToSettle = 10;
 /// What may come and go between two rounds, such as pages of the heap; not 1,000 times one helper.
 constexpr long kGrowthBytes = 64 * 1024;
 
+/// What a process that ends still holds, as a host's own variables would.
+IKestrixGLScreenPreviewHelper* volatile heldAtExit[2];
+
 bool fail(const char* what, const char* why)
 {
     std::fprintf(stderr, "loading_host: %s: %s\n", what, why);
@@ -56,6 +59,7 @@ IKestrixGLScreenPreviewHelper* createHelper(void* library, const char* factory)
 
 bool useOnce(const char* path, bool release)
 {
+    IKestrixGLScreenPreviewHelper* volatile* held = heldAtExit;
     void* const library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
     if (!library)
         return fail("dlopen", dlerror());
@@ -64,7 +68,9 @@ bool useOnce(const char* path, bool release)
         IKestrixGLScreenPreviewHelper* const helper = createHelper(library, factory);
         if (!helper)
             return fail(factory, "gave no helper");
-        if (release && helper->Release() != 0)
+        if (!release)
+            *held++ = helper;
+        else if (helper->Release() != 0)
             return fail(factory, "the helper lives on");
     }
     if (!release)
