@@ -1,3 +1,4 @@
+/// \file
 /// Interfaces, codes and factories of libKestrixPreviewAPI, interface revision 0002.
 ///
 /// The library paints video frames into an OpenGL context that the host owns. A host picks one of
@@ -41,6 +42,7 @@
 #include <cstring>
 
 #if defined(__GNUC__)
+/// What the factories are marked with.
 #define KESTRIX_EXPORT __attribute__((visibility("default")))
 #else
 #define KESTRIX_EXPORT
@@ -50,14 +52,16 @@
 
 /// The id of an interface: 16 bytes, passed by value.
 struct REFIID {
-    std::uint8_t bytes[16];
+    std::uint8_t bytes[16]; ///< as they are written, from the first to the last
 };
 
+/// Whether all bytes are equal.
 inline bool operator==(const REFIID& a, const REFIID& b)
 {
     return std::memcmp(a.bytes, b.bytes, sizeof(a.bytes)) == 0;
 }
 
+/// Whether any byte differs.
 inline bool operator!=(const REFIID& a, const REFIID& b)
 {
     return !(a == b);
@@ -66,6 +70,7 @@ inline bool operator!=(const REFIID& a, const REFIID& b)
 /// A status: `S_OK` or a negative code.
 using HRESULT = std::int32_t;
 
+/// Success. Tell it from failure by `status >= 0`.
 static const HRESULT S_OK = 0;
 
 /// The GL context's version is too low for the helper.
@@ -91,7 +96,11 @@ static const HRESULT E_FAIL = static_cast<HRESULT>(0x80000008u);
 /// A frame lacks an interface that it has to have.
 static const HRESULT E_UNEXPECTED = static_cast<HRESULT>(0x8000FFFFu);
 
+/// \name Ids of the interfaces
+/// @{
+
 // clang-format off
+/// The id of the interface of that name. A frame and the library have to agree on it.
 static const REFIID IID_IUnknown = {{
     0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
 static const REFIID IID_IKestrixVideoFrame = {{
@@ -111,6 +120,8 @@ static const REFIID IID_IKestrixMutableVideoFrame = {{
 static const REFIID IID_IKestrixFrameProviderRegistry = {{
     0x7f, 0xd8, 0xa3, 0x7a, 0xfe, 0x46, 0x42, 0x3a, 0xb0, 0x53, 0xf9, 0x07, 0xe2, 0xd9, 0x3c, 0x29}};
 // clang-format on
+
+/// @}
 
 // --- Flags and codes -----------------------------------------------------------------------------
 
@@ -247,7 +258,7 @@ protected:
 /// - Both: pixel unpack parameters must have their initial values when a helper is called, and
 ///   `GL_PIXEL_UNPACK_BUFFER` must be 0.
 ///
-/// docs/embedding.md has it call by call.
+/// docs/host-guide.md has it call by call.
 class IKestrixGLScreenPreviewHelper : public IUnknown {
 public:
     /// Makes the helper's GL objects in the current context. May be called again, say in a new
@@ -307,12 +318,18 @@ protected:
 /// A frame whose properties can be set, and to which interfaces can be added.
 class IKestrixMutableVideoFrame : public IKestrixVideoFrame {
 public:
+    /// Sets what `GetFlags` answers. This and the next four are not called by the library, but by
+    /// the adapter that hands the frame to a host of revision 14.2.1.
     virtual HRESULT SetFlags(std::uint32_t flags) = 0;
+    /// Sets the timecode of a format to an object, of which the frame takes a reference.
     virtual HRESULT SetTimecode(std::uint32_t format, IKestrixTimecode* timecode) = 0;
+    /// Sets the timecode of a format to a time of day and a frame number.
     virtual HRESULT SetTimecodeFromComponents(std::uint32_t format, std::uint8_t hours,
                                               std::uint8_t minutes, std::uint8_t seconds,
                                               std::uint8_t frames, std::uint32_t flags) = 0;
+    /// Sets what `GetAncillaryData` answers.
     virtual HRESULT SetAncillaryData(IKestrixVideoFrameAncillary* ancillary) = 0;
+    /// Sets the 32 user bits of a format's timecode.
     virtual HRESULT SetTimecodeUserBits(std::uint32_t format, std::uint32_t userBits) = 0;
     /// From now on `QueryInterface` for `id` on this frame is answered by `provider`, to which the
     /// frame holds a reference. A null provider takes the registration back.
@@ -328,6 +345,7 @@ public:
     /// The first two operations belong to the side that owns the frames; the library never calls
     /// them.
     virtual HRESULT Reserved1() = 0;
+    /// See `Reserved1`.
     virtual HRESULT Reserved2() = 0;
     /// As `IKestrixMutableVideoFrame::RegisterInterfaceProvider`.
     virtual HRESULT RegisterInterfaceProvider(REFIID id, IUnknown* provider) = 0;

@@ -1,6 +1,7 @@
 /// Prints docs/conversions.md, and fails where what the stages ask of rows is not what the scalar
 /// reference says.
 #include "tests/conversion/EntriesThatTellTheirLimits.h"
+#include "tests/conversion/FormatNames.h"
 #include "tests/reference/Conversions.h"
 #include "tests/support/AllConversions.h"
 
@@ -39,21 +40,6 @@ Behind that, by the source:
 | Row | From | To | Colourspaces | Block | Least width | Reads behind |
 |---|---|---|---|---|---|---|
 )";
-
-std::string nameOf(PixelFormat format)
-{
-    if (format == PixelFormat_ARGB)
-        return "32";
-    std::string name;
-    for (int shift = 24; shift >= 0; shift -= 8)
-        name += static_cast<char>(format >> shift & 0xFF);
-    return "`" + name + "`";
-}
-
-const char* nameOf(Colorspace colorspace)
-{
-    return colorspace == Colorspace601 ? "601" : colorspace == Colorspace709 ? "709" : "2020";
-}
 
 std::string colorspacesOf(const Conversion& conversion)
 {

@@ -1,4 +1,4 @@
-/// All GL state before and after each call, against the table of docs/embedding.md.
+/// All GL state before and after each call, against the table of docs/host-guide.md.
 #define GL_GLEXT_PROTOTYPES
 #include "tests/preview/DriverFixture.h"
 #include "tests/support/CaseName.h"
@@ -348,7 +348,7 @@ protected:
 
 TEST_P(GLState, IsLeftAsThePageSays)
 {
-    std::ifstream file(KESTRIX_SOURCE_DIR "/docs/embedding.md");
+    std::ifstream file(KESTRIX_SOURCE_DIR "/docs/host-guide.md");
     const std::string page{std::istreambuf_iterator<char>(file), {}};
 
     const Canvas canvas(64, 64);
@@ -361,7 +361,7 @@ TEST_P(GLState, IsLeftAsThePageSays)
         for (const Left& left : call.left)
             row += std::exchange(separator, ", ") + std::string(left.text);
         row += call.left.empty() ? "nothing |\n" : " |\n";
-        EXPECT_NE(page.find(row), std::string::npos) << "docs/embedding.md has no row\n" << row;
+        EXPECT_NE(page.find(row), std::string::npos) << "docs/host-guide.md has no row\n" << row;
 
         if (call.before)
             call.before(helper);

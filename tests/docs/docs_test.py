@@ -1,0 +1,122 @@
+"""Checks the pages that people read: docs_test.py SOURCE BUILD links|excerpts|commands|slow-commands
+
+Commands stand in fenced blocks whose first line says what becomes of them:
+
+    ```sh               run here, in a copy of the tree whose build/release is this build
+    ```sh slow          run in order with all others in a copy that has built nothing yet
+    ```sh not-run: WHY  printed with the reason, and not run
+
+There is no display, so programs use one of their own. `picture.png` and `clip.mov` are there.
+"""
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+
+SOURCE, BUILD = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
+PAGES = sorted([*SOURCE.glob("*.md"), *SOURCE.glob("docs/**/*.md")])
+FENCE = re.compile(r"^```(.*)\n((?:.*\n)*?)^```$", re.MULTILINE)
+COMMAND = re.compile(r"^    (?:\$ |sudo |script/|cmake |ctest |ffmpeg |git |preview_host|apt)", re.MULTILINE)
+faults = []
+
+
+def fault(page, text):
+    faults.append(f"{page.relative_to(SOURCE)}: {text}")
+
+
+def blocks(page, language):
+    """Line, rest of the info string and content of a page's blocks of a language."""
+    text = page.read_text()
+    for match in FENCE.finditer(text):
+        name, _, rest = match[1].partition(" ")
+        if name == language:
+            yield text.count("\n", 0, match.start()) + 1, rest.strip(), match[2]
+
+
+def anchors(page):
+    heads = re.findall(r"^#+ (.*)$", FENCE.sub("", page.read_text()), re.MULTILINE)
+    return {re.sub(r"[^\w\- ]", "", head.lower()).replace(" ", "-") for head in heads}
+
+
+def check_links():
+    for page in PAGES:
+        for target in re.findall(r"\]\(([^)\s]+)\)", FENCE.sub("", page.read_text())):
+            if re.match(r"[a-z]+:", target):
+                continue
+            path, _, anchor = target.partition("#")
+            file = (page.parent / path).resolve() if path else page
+            if not file.exists():
+                fault(page, f"no such file: {target}")
+            elif anchor and anchor not in anchors(file):
+                fault(page, f"no such heading: {target}")
+
+
+def check_excerpts():
+    """C++ in docs/ is quoted from code that compiles; "// ..." stands for lines left out."""
+    lines = lambda text: [line.strip() for line in text.splitlines() if line.strip()]
+    code = ["\n".join(lines(file.read_text())) + "\n" for folder in ("api", "examples", "host")
+            for file in (SOURCE / folder).rglob("*") if file.suffix in (".h", ".cpp", ".c")]
+    for page in PAGES:
+        if page.parent != SOURCE:
+            for line, _, block in blocks(page, "cpp"):
+                for part in "\n".join(lines(block)).split("// ..."):
+                    if not any(part.strip() in text for text in code):
+                        fault(page, f"line {line}: no source has\n{part.strip()}")
+
+
+def run(page, block, folder, limit):
+    environment = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY")}
+    environment.update(HOME=str(folder / "home"), LIBGL_ALWAYS_SOFTWARE="1", PATH=os.pathsep.join(
+        [str(folder / "build/release/examples/preview_host"), os.environ["PATH"]]))
+    result = subprocess.run(["bash", "-euo", "pipefail", "-c", block], cwd=folder, env=environment,
+                            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                            stderr=subprocess.STDOUT, text=True, timeout=limit)
+    if result.returncode != 0:
+        fault(page, f"{block}answers {result.returncode}:\n{result.stdout[-2000:]}")
+
+
+def check_commands(slow):
+    with tempfile.TemporaryDirectory() as name:
+        folder = pathlib.Path(name, "tree")
+        tracked = subprocess.run(["git", "-C", SOURCE, "ls-files", "-z", "--cached", "--others",
+                                  "--exclude-standard"], check=True, stdout=subprocess.PIPE)
+        for file in filter(None, tracked.stdout.decode().split("\0")):
+            if (SOURCE / file).exists():
+                (folder / file).parent.mkdir(parents=True, exist_ok=True)
+                shutil.copy(SOURCE / file, folder / file)
+        shutil.copy(SOURCE / "docs/images/test-pattern.png", folder / "picture.png")
+        (folder / "home").mkdir()
+        if slow:
+            subprocess.run(["ffmpeg", "-loglevel", "error", "-f", "lavfi", "-i",
+                            "testsrc2=size=1920x1080:rate=25", "-frames:v", "2", folder / "clip.mov"],
+                           check=True)
+        else:
+            (folder / "build").mkdir()
+            (folder / "build/release").symlink_to(BUILD)
+        count = 0
+        for page in PAGES:
+            if COMMAND.search(FENCE.sub("", page.read_text())):
+                fault(page, "a command in an indented block; put it into a fenced one of sh")
+            for line, mark, block in blocks(page, "sh"):
+                where = f"{page.relative_to(SOURCE)}:{line}"
+                if mark.startswith("not-run: "):
+                    print(f"{where}: not run, {mark[9:]}\n{block}", end="")
+                elif mark not in ("", "slow"):
+                    fault(page, f"line {line}: unknown mark '{mark}'")
+                elif slow or not mark:
+                    print(f"{where}: running\n{block}", end="", flush=True)
+                    run(page, block, folder, 5400 if slow else 60)
+                    count += 1
+                else:
+                    print(f"{where}: slow, see the test docs.slow_commands\n{block}", end="")
+        print(f"{count} blocks were run")
+
+
+{"links": check_links, "excerpts": check_excerpts, "commands": lambda: check_commands(False),
+ "slow-commands": lambda: check_commands(True)}[sys.argv[3]]()
+for text in faults:
+    print(text, file=sys.stderr)
+sys.exit(bool(faults))
