@@ -87,7 +87,7 @@ std::string zshText(const std::string& text)
         else if (c == '[' || c == ']' || c == ':')
             safe.append({'\\', c});
         else
-            safe += c;
+            safe += c == '\n' ? ' ' : c;
     }
     return safe;
 }
@@ -103,7 +103,7 @@ std::string zshScript(const std::vector<const CLI::Option*>& options)
                                                    : "(" + words + ")";
         specs += " \\\n        '";
         if (option->get_positional())
-            specs += ":" + option->get_name() + ":" + values;
+            specs.append("::").append(option->get_name()).append(":").append(values);
         else
             specs += option->get_name() + (takesValue(*option) ? "=" : "") + "[" +
                      zshText(option->get_description()) + "]" +
