@@ -225,6 +225,13 @@ class Keys(HostTest):
                                                 self.shot))
                 self.assert_fields(RED, GREEN, BLUE, GREY)
 
+    def test_moving_picture_stays_the_frame_that_it_was(self):
+        shots = []
+        for start, keys in ("ARGB", "tt"), ("vRGB", "ttF"):
+            self.assert_shown(self.raw("--format", start, "--keys", keys, "--frames", "3"))
+            shots.append(png.read(self.shot))
+        self.assertEqual(*shots)
+
     def test_raw_frames_are_read_as_another_format(self):
         # B G R A read as A R G B.
         frames = bgra(plain(WHITE)) + bgra(plain(RED))
