@@ -448,6 +448,12 @@ class BadInput(HostTest):
         self.assert_refused(self.raw("--frames", "1", helper="gl3", MESA_GL_VERSION_OVERRIDE="2.1"),
                             "OpenGL 3.2")
 
+    def test_old_opengl_leaves_the_old_helper_at_the_key(self):
+        result = self.raw("-", "--keys", "h", stdin=bgra(plain(RED)), MESA_GL_VERSION_OVERRIDE="2.1")
+        self.assert_shown(result)
+        self.assertIn(b"key h:       no OpenGL 3.2", result.stdout)
+        self.assert_fields(RED, RED, RED, RED)
+
     def test_display_that_is_not_there(self):
         self.assert_refused(self.raw("--frames", "1", DISPLAY=":4711"), "no display")
 
