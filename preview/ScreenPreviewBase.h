@@ -34,6 +34,17 @@ public:
     /// The format of the frame of the last `setup`, as the frame told it then.
     [[nodiscard]] KSX::PixelConversion::PixelFormat previewFormat() const { return m_format; }
 
+    /// The conversion that the last `setup` chose, null for a plain copy; as `setup` found it only
+    /// where that gave true.
+    [[nodiscard]] KSX::PixelConversion::ConversionFunction previewConversion() const
+    {
+        return m_conversion;
+    }
+
+    /// Whether frames as that of the last `setup` are held within studio range before they are
+    /// converted: captured 8-bit RGB.
+    [[nodiscard]] bool clampsToStudioRange() const { return m_studioRangeRGB; }
+
     /// Makes the picture, `width` pixels by `height` rows, as `setup` chose. Row sizes are in bytes
     /// and act as negative strides above 2147483647.
     ///

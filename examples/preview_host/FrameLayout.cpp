@@ -43,6 +43,21 @@ FrameLayout makeLayout(const Options& options, Size size)
     return {size, options.format, static_cast<unsigned>(given), options.colorspace, options.flip};
 }
 
+std::optional<std::uint32_t> otherRange(std::uint32_t format)
+{
+    // The formats' names tell a pair: 10XRGB_BE_FULL is 10XRGB_BE_SMPTE in full range.
+    const std::string name = findPixelFormat(format)->engineName;
+    const std::size_t layout = name.rfind('_');
+    if (layout == name.npos)
+        return std::nullopt;
+    const std::string other =
+        name.substr(0, layout) + (name.ends_with("_FULL") ? "_SMPTE" : "_FULL");
+    for (const auto& info : kPixelFormats)
+        if (info.engineName == other)
+            return info.code;
+    return std::nullopt;
+}
+
 RowWriter::RowWriter(const FrameLayout& layout)
     : m_layout(layout),
       m_encoder(layout.format, encodingOf(layout), layout.size.width),

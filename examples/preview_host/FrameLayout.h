@@ -27,10 +27,16 @@ struct FrameLayout {
 /// The layout of frames of `size`. Throws `UsageError` where a row does not fit its bytes.
 FrameLayout makeLayout(const Options& options, Size size);
 
+/// The format of the same layout and the other range, full or studio; nothing where there is none.
+std::optional<std::uint32_t> otherRange(std::uint32_t format);
+
 /// Puts rows of colours into a frame, row 0 the top one as seen.
 class RowWriter {
 public:
     explicit RowWriter(const FrameLayout& layout);
+
+    /// Rows of a frame.
+    unsigned height() const { return m_layout.size.height; }
 
     /// The row to fill before `write`.
     std::span<kestrix::host::Color> row() { return m_row; }

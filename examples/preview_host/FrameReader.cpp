@@ -2,18 +2,18 @@
 #include "FrameReader.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace preview_host {
 
 using kestrix::host::MemoryFrame;
 using kestrix::host::MemoryFrameOptions;
 
-FrameReader::FrameReader(const FrameLayout& layout, bool captured, std::unique_ptr<Input> left,
-                         std::unique_ptr<Input> right)
+FrameReader::FrameReader(const FrameLayout& layout, bool captured, Input& left, Input* right)
     : m_layout(layout),
       m_captured(captured),
-      m_left(std::move(left)),
-      m_right(std::move(right))
+      m_left(left),
+      m_right(right)
 {
 }
 
@@ -23,7 +23,7 @@ Read FrameReader::next()
         m_filling = &unusedPair();
 
     if (!m_leftIsFilled) {
-        const Read result = m_left->read(m_index, m_filling->left->bytes());
+        const Read result = m_left.read(m_index, m_filling->left->bytes());
         if (result != Read::Frame)
             return result;
         m_leftIsFilled = true;
@@ -33,11 +33,34 @@ Read FrameReader::next()
         if (result != Read::Frame)
             return result;
     }
-    m_frame = m_filling->left.get();
+    m_shown = m_filling;
     m_filling = nullptr;
     m_leftIsFilled = false;
     ++m_index;
     return Read::Frame;
+}
+
+void FrameReader::setLayout(const FrameLayout& layout, bool captured)
+{
+    m_layout = layout;
+    m_captured = captured;
+    const auto fill = [&](Input& input, bool isShown, MemoryFrame& from, MemoryFrame& to) {
+        if (!input.isEndless())
+            std::copy_n(from.bytes(), from.size(), to.bytes());
+        else if (isShown)
+            input.read(m_index - 1, to.bytes());
+    };
+    m_left.setLayout(layout);
+    if (m_right)
+        m_right->setLayout(layout);
+    for (Pair& pair : m_pairs) {
+        Pair old = std::exchange(pair, makePair());
+        fill(m_left, &pair == m_shown, *old.left, *pair.left);
+        if (m_right)
+            fill(*m_right, &pair == m_shown, *old.right, *pair.right);
+    }
+    // A frame that was being filled is made anew where it is made.
+    m_leftIsFilled = m_leftIsFilled && !m_left.isEndless();
 }
 
 FrameReader::Pair& FrameReader::unusedPair()
@@ -70,13 +93,13 @@ FrameReader::Pair FrameReader::makePair() const
         options.rightEye = pair.right.get();
     }
     pair.left = MemoryFrame::create(options);
-    m_left->prepare(pair.left->bytes());
+    m_left.prepare(pair.left->bytes());
     return pair;
 }
 
 std::string FrameReader::fault() const
 {
-    const std::string fault = m_left->fault();
+    const std::string fault = m_left.fault();
     return fault.empty() && m_right ? m_right->fault() : fault;
 }
 

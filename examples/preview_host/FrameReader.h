@@ -6,24 +6,28 @@
 #include "host/MemoryFrame.h"
 
 #include <cstdint>
-#include <memory>
-#include <vector>
+#include <deque>
 
 namespace preview_host {
 
 /// Reads frames, a pair of them where there is a right eye.
 class FrameReader {
 public:
-    /// `right` may be null. Frames are marked as captured if so asked.
-    FrameReader(const FrameLayout& layout, bool captured, std::unique_ptr<Input> left,
-                std::unique_ptr<Input> right);
+    /// The inputs have to outlive the reader; `right` may be null. Frames are marked as captured if
+    /// so asked.
+    FrameReader(const FrameLayout& layout, bool captured, Input& left, Input* right);
 
     /// Goes on to the next frame; after `Read::Frame` it is there.
     Read next();
 
-    /// The newest frame, the left eye's. Valid until the next call of `next`, and from then on for
-    /// whoever holds a reference.
-    IKestrixVideoFrame* frame() const { return m_frame; }
+    /// Has the frames in another layout of the same size from now on, that of `frame` included, and
+    /// marked as captured or not. Frames that are read rather than made keep their bytes, of which
+    /// there are as many then as before.
+    void setLayout(const FrameLayout& layout, bool captured);
+
+    /// The newest frame, the left eye's. Valid until the next call of `next` or `setLayout`, and
+    /// from then on for whoever holds a reference.
+    IKestrixVideoFrame* frame() const { return m_shown->left.get(); }
 
     /// What was wrong with the inputs' end, one line; empty where nothing was.
     std::string fault() const;
@@ -40,15 +44,15 @@ private:
     Pair makePair() const;
     Pair& unusedPair();
 
-    const FrameLayout m_layout;
-    const bool m_captured;
-    const std::unique_ptr<Input> m_left;
-    const std::unique_ptr<Input> m_right;
-    std::vector<Pair> m_pairs;
+    FrameLayout m_layout;
+    bool m_captured;
+    Input& m_left;
+    Input* const m_right;
+    std::deque<Pair> m_pairs;
     const Pair* m_filling = nullptr;
+    const Pair* m_shown = nullptr;
     bool m_leftIsFilled = false;
     std::uint64_t m_index = 0;
-    IKestrixVideoFrame* m_frame = nullptr;
 };
 
 } // namespace preview_host

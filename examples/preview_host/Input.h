@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace preview_host {
@@ -25,8 +26,16 @@ public:
     /// In words.
     virtual std::string description() const = 0;
 
-    /// Whether it goes on for ever.
+    /// Whether it goes on for ever. Such an input makes its frames itself, and may be asked for one
+    /// again.
     virtual bool isEndless() const = 0;
+
+    /// How many frames there are, if that is known beforehand.
+    virtual std::optional<std::uint64_t> frames() const { return std::nullopt; }
+
+    /// Makes further frames in another layout of the same size. Frames that are not made but read
+    /// stay the bytes that they are, and have as many in both layouts.
+    virtual void setLayout(const FrameLayout& /*layout*/) {}
 
     /// Writes what is the same in all frames to the zeroed bytes of a new one.
     virtual void prepare(std::uint8_t* /*bytes*/) {}
@@ -38,6 +47,17 @@ public:
     /// What was wrong with the input's end, one line; empty where nothing was.
     virtual std::string fault() const { return {}; }
 };
+
+/// The inputs of a run, and the layout of their frames.
+struct Inputs {
+    FrameLayout layout;
+    std::unique_ptr<Input> left;
+    /// Null without a right eye.
+    std::unique_ptr<Input> right;
+};
+
+/// Opens what the options name. Throws `UsageError` and `std::runtime_error`.
+Inputs openInputs(const Options& options);
 
 /// Raw frames one behind the other in a file, or on standard input for "-".
 std::unique_ptr<Input> openRawInput(const std::string& path, const FrameLayout& layout);

@@ -1,13 +1,15 @@
 /// Which options there are, and what their values mean.
 #include "Options.h"
 
+#include "Completion.h"
+#include "Keys.h"
+
 #include "conversion/PixelFormats.h"
 
 #include <CLI/CLI.hpp>
 
 #include <charconv>
 #include <iostream>
-#include <map>
 
 namespace preview_host {
 namespace {
@@ -19,34 +21,26 @@ constexpr std::uint64_t kMostFrames = 1000000000;
 /// Row sizes go through the engine as 32 bits, from where it takes the larger half for negative.
 constexpr unsigned kLargestRow = 0x7fffffff;
 
-const std::map<std::string, HelperKind> kHelpers = {
-    {"gl", HelperKind::FixedFunction},
-    {"gl3", HelperKind::OpenGL3},
-};
+constexpr const char* kShells = "bash|zsh";
 
-const std::map<std::string, std::uint32_t> kPreview3DFormats = {
-    {"default", Preview3DDefault}, {"left", Preview3DLeftOnly},       {"right", Preview3DRightOnly},
-    {"side", Preview3DSideBySide}, {"topbottom", Preview3DTopBottom},
-};
-
-const std::map<std::string, std::optional<std::uint32_t>> kColorspaces = {
-    {"r601", ColorspaceCodeRec601},
-    {"r709", ColorspaceCodeRec709},
-    {"2020", ColorspaceCodeRec2020},
-    {"none", std::nullopt},
-};
-
-/// The value that `name` stands for in `map`, or a `UsageError` that lists what there is.
-template<class VALUE>
-VALUE choose(const char* option, const std::map<std::string, VALUE>& map, const std::string& name)
+/// The names of a table, with bars between them.
+template<class VALUE, std::size_t N>
+std::string namesOf(const Named<VALUE> (&table)[N])
 {
-    const auto found = map.find(name);
-    if (found != map.end())
-        return found->second;
-    std::string message = std::string(option) + ": '" + name + "' is none of";
-    for (const auto& [known, value] : map)
-        message += " " + known;
-    throw UsageError(message);
+    std::string names;
+    for (const auto& entry : table)
+        names += (names.empty() ? "" : "|") + std::string(entry.name);
+    return names;
+}
+
+/// The value that `name` stands for, or a `UsageError` that lists what there is.
+template<class VALUE, std::size_t N>
+VALUE choose(const char* option, const Named<VALUE> (&table)[N], const std::string& name)
+{
+    for (const auto& entry : table)
+        if (name == entry.name)
+            return entry.value;
+    throw UsageError(std::string(option) + ": '" + name + "' is none of " + namesOf(table));
 }
 
 /// Reads all of `text` as a whole number of 1 to `largest`; nothing where it is none.
@@ -83,6 +77,35 @@ Size parseSize(const char* option, const std::string& text)
                      std::to_string(kLargestSide) + " each");
 }
 
+double parseRate(const std::string& text)
+{
+    double rate = -1;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), rate);
+    if (error == std::errc() && end == text.data() + text.size() && rate >= 0 &&
+        rate <= kFastestRate)
+        return rate;
+    throw UsageError("--rate: '" + text + "' is no number of 0 to 1000");
+}
+
+void checkKeys(const std::string& keys)
+{
+    for (const char key : keys)
+        if (!actionOf(key))
+            throw UsageError(std::string("--keys: '") + key + "' is no key, see --help");
+}
+
+constexpr const char* kExamples = R"(Examples:
+  preview_host
+      The test pattern in a window, 1920x1080 BGRA at 25 frames a second.
+  preview_host --format v210 --colorspace 2020 picture.png
+      A picture as 10-bit YUV frames that state Rec. 2020.
+  ffmpeg -i clip.mov -f rawvideo -pix_fmt uyvy422 - |
+      preview_host --helper gl --format 2vuy --size 1920x1080 -
+      Raw video from a pipe through the fixed-function helper.
+  preview_host --helper gl --keys ffc --screenshot shot.png
+      Presses f, f and c and writes what is seen then.
+)";
+
 } // namespace
 
 std::optional<Options> parseOptions(int argc, char** argv)
@@ -94,32 +117,70 @@ std::optional<Options> parseOptions(int argc, char** argv)
     std::string rowBytes;
     std::string colorspace = "none";
     std::string preview3D = "default";
+    std::string rate = "25";
     std::string frames;
     std::string window;
+    std::string completion;
 
-    CLI::App app("Shows video frames through one of the two preview helpers.");
+    CLI::App app(
+        "Shows video frames through one of the two preview helpers of libKestrixPreviewAPI, "
+        "and says\nwhat the helper takes them for. Without a display it paints on a virtual "
+        "one.");
+    app.name("preview_host");
+    app.get_formatter()->column_width(36);
+    app.get_formatter()->label("Positionals", "Input");
     app.add_option("input", options.input,
-                   "Raw frames in a file or on standard input ('-'), or a PNG picture; "
-                   "left out, a moving test pattern");
-    app.add_option("--helper", helper, "gl: fixed function, gl3: OpenGL 3.2")
-        ->capture_default_str();
-    app.add_option("--format", format, "Pixel format of the frames, see --list-formats")
-        ->capture_default_str();
-    app.add_option("--size", size, "WIDTHxHEIGHT of raw frames or of the test pattern");
-    app.add_option("--row-bytes", rowBytes, "Bytes from one row to the next");
-    app.add_option("--colorspace", colorspace, "What the frames state: r601, r709, 2020 or none")
-        ->capture_default_str();
-    app.add_flag("--captured", options.captured, "Mark the frames as captured");
+                   "A PNG picture, or raw frames in a file or on standard\ninput (-). "
+                   "Left out, a moving test pattern")
+        ->type_name("FILE");
+
+    app.option_defaults()->group("Frames")->always_capture_default();
+    app.add_option("--format", format, "Pixel format, see --list-formats")->type_name("FORMAT");
+    app.add_option("--size", size,
+                   "Width and height in pixels. Raw frames need it;\n"
+                   "a picture has its own, the test pattern 1920x1080")
+        ->type_name("WxH");
+    app.add_option("--row-bytes", rowBytes,
+                   "Bytes from one row to the next.\nLeft out, what the pixels take")
+        ->type_name("BYTES");
+    app.add_option("--colorspace", colorspace,
+                   "What the frames state. With none a helper goes\nby their size")
+        ->type_name(namesOf(kColorspaces));
+    app.add_flag("--captured", options.captured,
+                 "Mark the frames as captured: gl then takes 8-bit\nRGB for studio range");
     app.add_flag("--flip", options.flip, "The first row in memory is the bottom one");
-    app.add_option("--right-eye", options.rightEye, "The right eye's input");
-    app.add_option("--preview-3d", preview3D, "default, left, right, side or topbottom")
-        ->capture_default_str();
-    app.add_option("--rate", options.rate, "Frames a second, 0 for as fast as possible")
-        ->default_val(25.0);
-    app.add_option("--frames", frames, "Stop after so many frames");
-    app.add_option("--window", window, "WIDTHxHEIGHT of the window");
-    app.add_option("--screenshot", options.screenshot, "Write the last painted picture as PNG");
+    app.add_option("--right-eye", options.rightEye, "Input of the right eye, for frames in 3D")
+        ->type_name("FILE");
+
+    app.option_defaults()->group("Preview");
+    app.add_option(
+           "--helper", helper,
+           "gl: fixed function, converts on the CPU;\ngl3: OpenGL 3.2, converts by a shader")
+        ->type_name(namesOf(kHelpers));
+    app.add_option("--preview-3d", preview3D, "How the two eyes are shown; default is topbottom")
+        ->type_name(namesOf(kPreview3DModes));
+    app.add_option("--window", window,
+                   "Size of the window in pixels.\nLeft out, that of the picture")
+        ->type_name("WxH");
+
+    app.option_defaults()->group("Run");
+    app.add_option("--rate", rate, "Frames a second, 0 for as fast as possible")
+        ->type_name("NUMBER");
+    app.add_option("--frames", frames,
+                   "Stop after so many. Left out, all there are;\n"
+                   "on a virtual display 10 of what has no end")
+        ->type_name("NUMBER");
+    app.add_option("--keys", options.keys, "Press these keys, one after each frame")
+        ->type_name("KEYS");
+    app.add_option("--screenshot", options.screenshot, "Write the last picture painted as PNG")
+        ->type_name("FILE");
+
+    app.option_defaults()->group("Information");
+    app.set_help_flag("--help", "Print this and exit")->group("Information");
     app.add_flag("--list-formats", options.listFormats, "List the pixel formats and exit");
+    app.add_option("--completion", completion, "Print a completion script for the shell and exit")
+        ->type_name(kShells);
+    app.footer("Keys in the window:\n" + keyList() + "\n" + kExamples);
 
     try {
         app.parse(argc, argv);
@@ -129,6 +190,12 @@ std::optional<Options> parseOptions(int argc, char** argv)
     } catch (const CLI::ParseError& error) {
         throw UsageError(error.what());
     }
+    if (!completion.empty()) {
+        if (completion != "bash" && completion != "zsh")
+            throw UsageError("--completion: '" + completion + "' is none of " + kShells);
+        std::cout << completionScript(app, completion);
+        return std::nullopt;
+    }
 
     const auto code = formatCode(format);
     if (!code)
@@ -136,7 +203,7 @@ std::optional<Options> parseOptions(int argc, char** argv)
     options.format = *code;
     options.helper = choose("--helper", kHelpers, helper);
     options.colorspace = choose("--colorspace", kColorspaces, colorspace);
-    options.preview3D = choose("--preview-3d", kPreview3DFormats, preview3D);
+    options.preview3D = choose("--preview-3d", kPreview3DModes, preview3D);
     if (!size.empty())
         options.size = parseSize("--size", size);
     if (!window.empty())
@@ -145,8 +212,8 @@ std::optional<Options> parseOptions(int argc, char** argv)
         options.rowBytes = parseNumber("--row-bytes", rowBytes, kLargestRow);
     if (!frames.empty())
         options.frames = parseNumber("--frames", frames, kMostFrames);
-    if (!(options.rate >= 0 && options.rate <= kFastestRate))
-        throw UsageError("--rate: not between 0 and 1000");
+    options.rate = parseRate(rate);
+    checkKeys(options.keys);
     if (options.input == "-" && options.rightEye == "-")
         throw UsageError("--right-eye: standard input is the left eye's already");
     return options;

@@ -3,6 +3,7 @@
 
 #include "api/KestrixPreviewAPI.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <stdexcept>
@@ -45,11 +46,53 @@ struct Options {
     std::optional<std::uint64_t> frames;
     std::optional<Size> window;
     std::string screenshot;
+    /// Keys to press, one after each frame.
+    std::string keys;
     bool listFormats = false;
 };
 
-/// Reads the command line. Throws `UsageError`; gives nothing where help was asked for and printed.
+/// Reads the command line. Throws `UsageError`; gives nothing where help or a completion script was
+/// asked for and printed.
 std::optional<Options> parseOptions(int argc, char** argv);
+
+/// The helpers, the colourspaces that a frame can state and the 3D modes of the previews, by the
+/// names of their options and in the order in which the keys go through them.
+template<class VALUE>
+struct Named {
+    const char* name;
+    VALUE value;
+};
+inline constexpr Named<HelperKind> kHelpers[] = {
+    {"gl", HelperKind::FixedFunction},
+    {"gl3", HelperKind::OpenGL3},
+};
+inline constexpr Named<std::optional<std::uint32_t>> kColorspaces[] = {
+    {"none", std::nullopt},
+    {"r601", ColorspaceCodeRec601},
+    {"r709", ColorspaceCodeRec709},
+    {"2020", ColorspaceCodeRec2020},
+};
+inline constexpr Named<std::uint32_t> kPreview3DModes[] = {
+    {"default", Preview3DDefault}, {"left", Preview3DLeftOnly},       {"right", Preview3DRightOnly},
+    {"side", Preview3DSideBySide}, {"topbottom", Preview3DTopBottom},
+};
+
+/// The entry of `value`, which is in the table.
+template<class VALUE, std::size_t N>
+const Named<VALUE>& named(const Named<VALUE> (&table)[N], VALUE value)
+{
+    std::size_t i = 0;
+    while (!(table[i].value == value))
+        ++i;
+    return table[i];
+}
+
+/// The value behind that of `value` in the table, after the last one the first.
+template<class VALUE, std::size_t N>
+VALUE nextValue(const Named<VALUE> (&table)[N], VALUE value)
+{
+    return table[(&named(table, value) - table + 1) % N].value;
+}
 
 /// The four characters of a format code, or "ARGB" for the one that has none.
 std::string formatName(std::uint32_t format);

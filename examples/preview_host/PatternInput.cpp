@@ -13,11 +13,15 @@ class PatternInput : public Input {
 public:
     PatternInput(const FrameLayout& layout, double rate)
         : m_pattern(layout.size.width, layout.size.height,
-                    static_cast<unsigned>(std::max(1.0, std::round(rate)))),
-          m_height(layout.size.height),
-          m_writer(layout),
-          m_still(layout.bytes())
+                    static_cast<unsigned>(std::max(1.0, std::round(rate))))
     {
+        PatternInput::setLayout(layout);
+    }
+
+    void setLayout(const FrameLayout& layout) override
+    {
+        m_writer.emplace(layout);
+        m_still.assign(layout.bytes(), 0);
         for (unsigned y = 0; y < m_pattern.firstMovingRow(); ++y)
             writeRow(0, y, m_still.data());
     }
@@ -30,7 +34,7 @@ public:
 
     Read read(std::uint64_t index, std::uint8_t* bytes) override
     {
-        for (unsigned y = m_pattern.firstMovingRow(); y < m_height; ++y)
+        for (unsigned y = m_pattern.firstMovingRow(); y < m_writer->height(); ++y)
             writeRow(index, y, bytes);
         return Read::Frame;
     }
@@ -38,13 +42,12 @@ public:
 private:
     void writeRow(std::uint64_t index, unsigned y, std::uint8_t* bytes)
     {
-        m_pattern.fillRow(index, y, m_writer.row());
-        m_writer.write(y, bytes);
+        m_pattern.fillRow(index, y, m_writer->row());
+        m_writer->write(y, bytes);
     }
 
     const kestrix::host::TestPattern m_pattern;
-    const unsigned m_height;
-    RowWriter m_writer;
+    std::optional<RowWriter> m_writer;
     std::vector<std::uint8_t> m_still;
 };
 

@@ -12,11 +12,17 @@ class PictureInput : public Input {
 public:
     PictureInput(const std::string& path, const Image& image, const FrameLayout& layout)
         : m_path(path),
-          m_picture(layout.bytes())
+          m_image(image)
     {
+        PictureInput::setLayout(layout);
+    }
+
+    void setLayout(const FrameLayout& layout) override
+    {
+        m_picture.assign(layout.bytes(), 0);
         RowWriter writer(layout);
-        const std::uint8_t* pixel = image.rgba.data();
-        for (unsigned y = 0; y < image.size.height; ++y) {
+        const std::uint8_t* pixel = m_image.rgba.data();
+        for (unsigned y = 0; y < m_image.size.height; ++y) {
             for (Color& color : writer.row()) {
                 color = {pixel[0] / 255.0, pixel[1] / 255.0, pixel[2] / 255.0, pixel[3] / 255.0};
                 pixel += 4;
@@ -38,6 +44,7 @@ public:
 
 private:
     const std::string m_path;
+    const Image m_image;
     std::vector<std::uint8_t> m_picture;
 };
 

@@ -16,19 +16,23 @@ constexpr Reason kInitializeReasons[] = {
 };
 
 constexpr Reason kSetFrameReasons[] = {
-    {E_INVALIDARG, "the helper has no conversion for frames of this format and colourspace"},
+    {E_INVALIDARG, "the helper has no conversion for frames of this format, colourspace and width"},
     {E_OUTOFMEMORY, "out of memory, or a 3D packing that the helper doesn't show"},
 };
 
 template<std::size_t N>
-void check(const char* call, HRESULT status, const Reason (&reasons)[N])
+std::string faultOf(const char* call, HRESULT status, const Reason (&reasons)[N])
 {
-    if (status >= 0)
-        return;
     for (const Reason& reason : reasons)
         if (reason.status == status)
-            throw std::runtime_error(std::string(call) + ": " + reason.words);
-    throw std::runtime_error(std::string(call) + " failed");
+            return std::string(call) + ": " + reason.words;
+    return std::string(call) + " failed";
+}
+
+void check(const char* call, HRESULT status)
+{
+    if (status < 0)
+        throw std::runtime_error(faultOf(call, status, kInitializeReasons));
 }
 
 } // namespace
@@ -39,20 +43,25 @@ Preview::Preview(HelperKind kind, std::uint32_t preview3D)
 {
     if (!m_helper)
         throw std::runtime_error("the library could not make a preview helper");
-    check("InitializeGL", m_helper->InitializeGL(), kInitializeReasons);
-    m_helper->Set3DPreviewFormat(preview3D);
+    check("InitializeGL", m_helper->InitializeGL());
+    set3DMode(preview3D);
+}
+
+void Preview::set3DMode(std::uint32_t mode)
+{
+    m_helper->Set3DPreviewFormat(mode);
 }
 
 void Preview::setFrame(IKestrixVideoFrame* frame)
 {
-    const HRESULT status = m_setFrameTime.time([&] { return m_helper->SetFrame(frame); });
-    check("SetFrame", status, kSetFrameReasons);
+    const HRESULT status = m_helper->SetFrame(frame);
+    if (status < 0)
+        throw FrameRefused(faultOf("SetFrame", status, kSetFrameReasons));
 }
 
 void Preview::paint()
 {
-    const HRESULT status = m_paintTime.time([&] { return m_helper->PaintGL(); });
-    check("PaintGL", status, kInitializeReasons);
+    check("PaintGL", m_helper->PaintGL());
 }
 
 } // namespace preview_host

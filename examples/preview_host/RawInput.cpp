@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace preview_host {
@@ -33,6 +34,14 @@ public:
     std::string description() const override { return "raw frames from " + m_name; }
 
     bool isEndless() const override { return false; }
+
+    std::optional<std::uint64_t> frames() const override
+    {
+        struct stat status = {};
+        if (fstat(m_file, &status) != 0 || !S_ISREG(status.st_mode))
+            return std::nullopt;
+        return static_cast<std::uint64_t>(status.st_size) / m_frameBytes;
+    }
 
     Read read(std::uint64_t index, std::uint8_t* bytes) override
     {

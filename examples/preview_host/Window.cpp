@@ -50,7 +50,7 @@ void requestContext(HelperKind helper)
 
 } // namespace
 
-Window::Window(Size size, HelperKind helper, bool paced, const std::string& title)
+Window::Window(Size size, HelperKind helper, bool paced) : m_paced(paced)
 {
     if (!glfwInit())
         throw std::runtime_error("no display: " + lastError());
@@ -58,18 +58,29 @@ Window::Window(Size size, HelperKind helper, bool paced, const std::string& titl
     const Size screen = screenSize();
     if (screen.width && screen.height && (size.width > screen.width || size.height > screen.height))
         size = fit(size, screen);
-    requestContext(helper);
-    m_window = glfwCreateWindow(static_cast<int>(size.width), static_cast<int>(size.height),
-                                title.c_str(), nullptr, nullptr);
-    if (!m_window) {
-        const std::string error = lastError();
+    try {
+        open(size, helper);
+    } catch (...) {
         glfwTerminate();
+        throw;
+    }
+}
+
+void Window::open(Size size, HelperKind helper)
+{
+    requestContext(helper);
+    GLFWwindow* opened =
+        glfwCreateWindow(static_cast<int>(size.width), static_cast<int>(size.height),
+                         "preview_host", nullptr, nullptr);
+    if (!opened)
         throw std::runtime_error(std::string("no OpenGL ") +
                                  (helper == HelperKind::OpenGL3 ? "3.2 core" : "2.1") +
-                                 " context: " + error);
-    }
+                                 " context: " + lastError());
+    if (m_window)
+        glfwDestroyWindow(m_window);
+    m_window = opened;
     glfwMakeContextCurrent(m_window);
-    glfwSwapInterval(paced ? 1 : 0);
+    glfwSwapInterval(m_paced ? 1 : 0);
 
     glfwSetWindowUserPointer(m_window, this);
     glfwSetWindowRefreshCallback(m_window, [](GLFWwindow* window) {
@@ -81,6 +92,28 @@ Window::Window(Size size, HelperKind helper, bool paced, const std::string& titl
         if (key == GLFW_KEY_ESCAPE)
             glfwSetWindowShouldClose(window, GLFW_TRUE);
     });
+    glfwSetCharCallback(m_window, [](GLFWwindow* window, unsigned character) {
+        if (character < 0x80)
+            static_cast<Window*>(glfwGetWindowUserPointer(window))->m_keys +=
+                static_cast<char>(character);
+    });
+}
+
+void Window::reopen(HelperKind helper)
+{
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+    glfwGetWindowPos(m_window, &x, &y);
+    glfwGetWindowSize(m_window, &width, &height);
+    open({static_cast<unsigned>(width), static_cast<unsigned>(height)}, helper);
+    glfwSetWindowPos(m_window, x, y);
+}
+
+void Window::setTitle(const std::string& title)
+{
+    glfwSetWindowTitle(m_window, title.c_str());
 }
 
 Window::~Window()

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 struct GLFWwindow;
@@ -19,11 +20,21 @@ public:
     /// Opens a window of `size`, or of that shape where the screen is smaller, with a context of
     /// OpenGL 2.1 or of OpenGL 3.2 core. Without `paced`, showing does not wait for the screen.
     /// Throws `std::runtime_error`.
-    Window(Size size, HelperKind helper, bool paced, const std::string& title);
+    Window(Size size, HelperKind helper, bool paced);
     ~Window();
 
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;
+
+    /// Puts another window in this one's place, with a context for the other helper. Nothing of the
+    /// old context is left. Throws `std::runtime_error`, the old window and its context then still
+    /// being there.
+    void reopen(HelperKind helper);
+
+    void setTitle(const std::string& title);
+
+    /// The characters that the user typed since the last call.
+    std::string takeKeys() { return std::exchange(m_keys, {}); }
 
     /// What to do when the system has lost the window's contents.
     void onRefresh(std::function<void()> paint) { m_refresh = std::move(paint); }
@@ -50,10 +61,13 @@ public:
     std::string version() const;
 
 private:
+    void open(Size size, HelperKind helper);
     Size framebufferSize() const;
 
+    const bool m_paced;
     GLFWwindow* m_window = nullptr;
     std::function<void()> m_refresh;
+    std::string m_keys;
 };
 
 } // namespace preview_host

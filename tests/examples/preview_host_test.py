@@ -4,6 +4,9 @@ The environment names the program in PREVIEW_HOST, and a display.
 """
 
 import os
+import pty
+import re
+import shutil
 import subprocess
 import tempfile
 import time
@@ -12,6 +15,7 @@ import unittest
 import png
 
 PREVIEW_HOST = os.environ["PREVIEW_HOST"]
+MAN = os.path.join(os.path.dirname(__file__), "../../docs/man")
 
 RED = (255, 0, 0)
 GREEN = (0, 255, 0)
@@ -163,8 +167,11 @@ class Showing(HostTest):
         for line in ("input:       test pattern", "64x64 r210 (10XRGB_BE_SMPTE), 256 bytes a row",
                      "colourspace: r709", "helper:      OpenGL 3", "shown:       3 frames"):
             self.assertIn(line, report)
-        self.assertRegex(report, r"SetFrame: +mean [0-9.]+ ms, longest [0-9.]+ ms")
-        self.assertRegex(report, r"PaintGL: +mean [0-9.]+ ms, longest [0-9.]+ ms")
+        for call in "SetFrame", r"paint\+swap":
+            found = re.search(call + r": +median ([0-9.]+) ms, 99th percentile ([0-9.]+) ms, "
+                              r"worst ([0-9.]+) ms", report)
+            figures = [float(figure) for figure in found.groups()]
+            self.assertEqual(figures, sorted(figures))
 
     def test_both_eyes(self):
         left = self.file("left", bgra(plain(RED)))
@@ -206,6 +213,177 @@ class Showing(HostTest):
         self.assertTrue(os.path.exists(self.shot))
 
 
+class Keys(HostTest):
+    def test_picture_stays_as_it_is_shown_in_other_ways(self):
+        path = self.path("picture.png")
+        picture = fields(RED, GREEN, BLUE, GREY)
+        png.write(path, [[(*pixel, 255) for pixel in row] for row in picture])
+        for keys in "f", "fhr", "Fhmh", "cccc", "333q":
+            with self.subTest(keys):
+                self.assert_shown(self.run_host("--helper", "gl", path, "--rate", "0", "--frames",
+                                                str(len(keys)), "--keys", keys, "--screenshot",
+                                                self.shot))
+                self.assert_fields(RED, GREEN, BLUE, GREY)
+
+    def test_moving_picture_stays_the_frame_that_it_was(self):
+        shots = []
+        for start, keys in ("ARGB", "tt"), ("vRGB", "ttF"):
+            self.assert_shown(self.raw("--format", start, "--keys", keys, "--frames", "3"))
+            shots.append(png.read(self.shot))
+        self.assertEqual(*shots)
+
+    def test_raw_frames_are_read_as_another_format(self):
+        # B G R A read as A R G B.
+        frames = bgra(plain(WHITE)) + bgra(plain(RED))
+        self.assert_shown(self.raw("-", "--keys", "FF", stdin=frames))
+        self.assert_fields(*[(0, 255, 255)] * 4)
+
+    def test_3d_modes(self):
+        eyes = (self.file("left", bgra(plain(RED))), "--right-eye",
+                self.file("right", bgra(plain(BLUE))))
+        for helper in "gl", "gl3":
+            for start, expected, size in (("default", (RED,) * 4, (64, 64)),
+                                          ("right", (RED, BLUE) * 2, (128, 64))):
+                with self.subTest((helper, start)):
+                    self.assert_shown(self.raw(*eyes, "--preview-3d", start, "--keys", "3",
+                                               "--window", "{}x{}".format(*size), helper=helper))
+                    self.assert_fields(*expected, width=size[0], height=size[1])
+
+    def test_keys_that_can_do_nothing_say_so(self):
+        report = self.raw("--format", "2vuy", "--keys", "r?t", "--frames", "3").stdout.decode()
+        self.assertIn("key r:       2vuy has one range only\n", report)
+        self.assertIn("  q  quit; so does Escape\n", report)
+        self.assertEqual(report.count("median"), 4)
+        self.assertIn("shown:       1 frame ", self.run_host("--keys", "q", "--size", "64x64")
+                      .stdout.decode())
+
+
+class Decisions(HostTest):
+    # What is shown first, keys, and what is decided then at first and after each key. Rows are
+    # counted in docs/conversions.md.
+    cases = (
+        ("720x576 2vuy", "hcchc", (
+            "Rec. 601 by width 720; row 24 of the conversions, 2vuy to RGBA of Rec. 709",
+            "Rec. 601 of 625 lines by size 720x576; colour table 1, Y'CbCr",
+            "Rec. 601 of 625 lines as stated and by size 720x576; colour table 1, Y'CbCr",
+            "Rec. 709 as stated; colour table 2, Y'CbCr",
+            "Rec. 709 as stated; row 27 of the conversions, 2vuy to RGBA of Rec. 709",
+            "Rec. 2020 as stated; row 25 of the conversions, 2vuy to RGBA of Rec. 709")),
+        ("720x500 v210", "h", (
+            "Rec. 601 by width 720; row 61 of the conversions, v210 to RGBA of Rec. 709",
+            "Rec. 709 by size 720x500; colour table 2, Y'CbCr")),
+        ("720x486 BGRv", "h", (
+            "Rec. 601 by width 720; row 175 of the conversions, BGRv to RGBA of Rec. 709",
+            "Rec. 601 of 525 lines by size 720x486; colour table 8, studio-range RGB")),
+        ("1920x16 RGBA", "hch", (
+            "Rec. 709 by width 1920; no conversion, the rows are copied",
+            "Rec. 709 by size 1920x16; black: the shader does not know RGBA",
+            "Rec. 601 of 525 lines as stated and by size 1920x16; "
+            "black: the shader does not know RGBA",
+            "Rec. 601 as stated; not shown: no row of the conversions leads from RGBA to RGBA of "
+            "Rec. 709")),
+        ("1280x16 r210", "rhrccc", (
+            "Rec. 709 by width 1280; row 188 of the conversions, r210 to RGBA, the same in every "
+            "colourspace",
+            "Rec. 709 by width 1280; row 203 of the conversions, R210 to RGBA, the same in every "
+            "colourspace",
+            "Rec. 709 by size 1280x16; black: the shader does not know R210",
+            "Rec. 709 by size 1280x16; colour table 10, studio-range RGB",
+            "Rec. 601 of 525 lines as stated and by size 1280x16; colour table 8, studio-range RGB",
+            "Rec. 709 as stated; colour table 10, studio-range RGB",
+            "Rec. 2020 as stated; colour table 11, studio-range RGB")),
+        ("64x16 BGRA --captured", "mh", (
+            "Rec. 709 by width 64; captured, so held to 16..235; row 177 of the conversions, BGRv "
+            "to RGBA, the same in every colourspace",
+            "Rec. 709 by width 64; row 142 of the conversions, BGRA to RGBA, the same in every "
+            "colourspace",
+            "Rec. 709 by size 64x16; colour table 6, full-range RGB")),
+        ("64x16 R10A --colorspace 2020", "F", (
+            "Rec. 2020 as stated; row 319 of the conversions, R10A to RGBA of Rec. 709",
+            "Rec. 2020 as stated; row 303 of the conversions, R10B to RGBA of Rec. 709")),
+    )
+
+    def decisions(self, *arguments):
+        result = self.run_host("--rate", "0", "--window", "64x64", *arguments)
+        self.assert_shown(result)
+        return re.findall("^decided: +(.*)$", result.stdout.decode(), re.MULTILINE)
+
+    def test_line_tells_what_each_helper_decides_and_why(self):
+        for start, keys, expected in self.cases:
+            with self.subTest(start):
+                size, code, *more = start.split()
+                self.assertEqual(self.decisions(
+                    "--helper", "gl", "--size", size, "--format", code, *more, "--keys", keys,
+                    "--frames", str(len(keys))), list(expected))
+
+    def test_black_is_what_is_said_to_be_black(self):
+        for code in "ARGB", "YUY2", "ay10", "Ay10", "R12l", "L64A":
+            with self.subTest(code):
+                decision, = self.decisions("--size", "64x64", "--format", code, "--frames", "1",
+                                           "--screenshot", self.shot)
+                self.assertEqual("black:" in decision, png.read(self.shot)[4][2] == BLACK)
+
+
+class CommandLine(HostTest):
+    def setUp(self):
+        super().setUp()
+        self.help = self.run_host("--help").stdout.decode()
+        self.options = re.findall(r"^  (--[a-z0-9-]+)", self.help, re.MULTILINE)
+        self.assertGreater(len(self.options), 10)
+
+    def complete(self, *words):
+        script = ('source <("$0" --completion bash); COMP_WORDS=(preview_host "$@"); '
+                  'COMP_CWORD=$#; _preview_host; echo "${COMPREPLY[@]}"')
+        result = subprocess.run(["bash", "-c", script, PREVIEW_HOST, *words], capture_output=True,
+                                check=True, timeout=60)
+        return result.stdout.decode().split()
+
+    def test_bash_completes_what_there_is(self):
+        self.assertCountEqual(self.complete("--"), self.options)
+        self.assertEqual(self.complete("--frames", ""), [])
+        self.assertEqual(self.complete("--helper", "="), ["gl", "gl3"])
+        self.assertEqual(self.complete("--colorspace", "=", "r"), ["r601", "r709"])
+        formats = self.run_host("--list-formats").stdout.decode().splitlines()
+        self.assertEqual(self.complete("--format", ""), [line.split()[0] for line in formats])
+
+    def test_zsh_completes_the_same_options(self):
+        script = self.run_host("--completion", "zsh").stdout
+        self.assertCountEqual(re.findall(r"^ +'(--[a-z0-9-]+)", script.decode(), re.MULTILINE),
+                              self.options)
+        if shutil.which("zsh"):
+            subprocess.run(["zsh", "-n"], input=script, check=True, timeout=60)
+
+    def test_man_page_tells_of_every_option_and_key(self):
+        with open(os.path.join(MAN, "preview_host.1"), encoding="utf-8") as file:
+            page = file.read()
+        told = re.findall(r"^\.It Fl -([a-z0-9-]+)", page, re.MULTILINE)
+        self.assertCountEqual(["--" + name for name in told], self.options)
+        keys = re.findall(r"^  (\S)  (.*)$", self.help, re.MULTILINE)
+        told = re.findall(r"^\.It Cm (?:\\&)?(\S)\n(.*)$", page, re.MULTILINE)
+        self.assertEqual(told, keys)
+
+    @unittest.skipUnless(shutil.which("mandoc"), "needs mandoc")
+    def test_man_pages_are_sound(self):
+        for name in os.listdir(MAN):
+            path = os.path.join(MAN, name)
+            with open(path, encoding="utf-8") as file:
+                link = re.fullmatch(r"\.so man3/(.*)\n", file.read())
+            if link:
+                self.assertIn(link[1], os.listdir(MAN))
+            elif name[-1].isdigit():
+                subprocess.run(["mandoc", "-T", "lint", "-W", "warning", path], check=True,
+                               timeout=60)
+
+    def test_progress_bar_only_on_a_terminal(self):
+        arguments = [PREVIEW_HOST, "--helper", "gl", "--size", "64x64", "--frames", "40"]
+        terminal, end = pty.openpty()
+        subprocess.run(arguments, stdout=subprocess.DEVNULL, stderr=end, check=True, timeout=60)
+        os.close(end)
+        self.assertRegex(os.read(terminal, 100000).decode(), r"#-+\] +\d+ %, frame \d+ of 40")
+        os.close(terminal)
+        self.assert_shown(self.run_host(*arguments[1:]))
+
+
 class BadInput(HostTest):
     def test_options(self):
         for arguments, word in (
@@ -224,6 +402,8 @@ class BadInput(HostTest):
                 (("--size", "64x64", "--row-bytes=-256"), "-256"),
                 (("--rate=-1",), "rate"),
                 (("--rate", "fast"), "fast"),
+                (("--keys", "fx"), "'x'"),
+                (("--completion", "fish"), "bash|zsh"),
                 (("--frames", "0"), "frames"),
                 (("--frames=-3",), "-3"),
                 (("--such-an-option",), "--such-an-option"),
@@ -267,6 +447,12 @@ class BadInput(HostTest):
     def test_old_opengl(self):
         self.assert_refused(self.raw("--frames", "1", helper="gl3", MESA_GL_VERSION_OVERRIDE="2.1"),
                             "OpenGL 3.2")
+
+    def test_old_opengl_leaves_the_old_helper_at_the_key(self):
+        result = self.raw("-", "--keys", "h", stdin=bgra(plain(RED)), MESA_GL_VERSION_OVERRIDE="2.1")
+        self.assert_shown(result)
+        self.assertIn(b"key h:       no OpenGL 3.2", result.stdout)
+        self.assert_fields(RED, RED, RED, RED)
 
     def test_display_that_is_not_there(self):
         self.assert_refused(self.raw("--frames", "1", DISPLAY=":4711"), "no display")

@@ -1,0 +1,131 @@
+/// The helpers' decisions in words.
+#include "Decision.h"
+
+#include "conversion/PixelFormats.h"
+#include "host/Owned.h"
+#include "preview/PreviewShaders.h"
+#include "preview/ScreenPreviewBase.h"
+#include "preview/ScreenPreviewLut.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <iterator>
+#include <string_view>
+
+namespace preview_host {
+namespace {
+
+using namespace KSX::PixelConversion;
+
+/// The code that the frame states for its colourspace, if it states any.
+std::optional<std::uint32_t> statedCode(IKestrixVideoFrame* frame)
+{
+    const auto metadata =
+        kestrix::host::query<IKestrixVideoFrameMetadata>(frame, IID_IKestrixVideoFrameMetadata);
+    std::int64_t code = 0;
+    if (!metadata || metadata->GetInt(MetadataColorspace, &code) != S_OK)
+        return std::nullopt;
+    return static_cast<std::uint32_t>(code);
+}
+
+std::string colorspaceName(Colorspace colorspace)
+{
+    switch (colorspace) {
+    case Colorspace601:
+        return "Rec. 601";
+    case Colorspace709:
+        return "Rec. 709";
+    case Colorspace2020:
+        return "Rec. 2020";
+    default:
+        return "no known colourspace";
+    }
+}
+
+/// The row by which the conversion of a frame of `format` was found. A row for captured frames is
+/// that of another format, and has its conversion to itself.
+const ConversionEntry* rowOf(ConversionFunction conversion, PixelFormat format)
+{
+    const ConversionEntry* found = nullptr;
+    for (const ConversionEntry& row : conversions) {
+        if (row.function != conversion || row.dstFormat != PixelFormat_RGBA)
+            continue;
+        if (row.srcFormat == format)
+            return &row;
+        found = &row;
+    }
+    return found;
+}
+
+std::string conversionFor(const ScreenPreviewBase& base)
+{
+    const std::string clamped = base.clampsToStudioRange() ? "captured, so held to 16..235; " : "";
+    if (!base.previewConversion())
+        return clamped + "no conversion, the rows are copied";
+    const auto* row = rowOf(base.previewConversion(), base.previewFormat());
+    std::string words = clamped + "row " + std::to_string(row - conversions) +
+                        " of the conversions, " + formatName(row->srcFormat) + " to " +
+                        formatName(row->dstFormat);
+    words += row->srcColorspace == ColorspaceUnspecified
+                 ? ", the same in every colourspace"
+                 : " of " + colorspaceName(row->dstColorspace);
+    return words;
+}
+
+std::string fixedFunctionDecision(IKestrixVideoFrame* frame)
+{
+    ScreenPreviewBase base;
+    const bool canBeShown = base.setup(frame, PixelFormat_RGBA);
+    const std::string colorspace =
+        colorspaceName(base.previewColourspace()) +
+        (statedCode(frame) ? " as stated" : " by width " + std::to_string(frame->GetWidth()));
+    return colorspace + "; " +
+           (canBeShown ? conversionFor(base)
+                       : "not shown: no row of the conversions leads from " +
+                             formatName(frame->GetPixelFormat()) + " to RGBA of Rec. 709");
+}
+
+/// Whether the shader has a case for the format.
+bool shaderKnows(std::uint32_t format)
+{
+    const std::string_view shader = kFragmentShader;
+    std::array<char, 32> label{};
+    for (const char* form : {"case 0x%08xu:", "case %uu:"}) {
+        std::snprintf(label.data(), label.size(), form, format);
+        if (shader.find(label.data()) != shader.npos)
+            return true;
+    }
+    return false;
+}
+
+std::string openGL3Decision(IKestrixVideoFrame* frame)
+{
+    // Tables follow one another by what goes in and then by colourspace.
+    constexpr std::array kColorspaces = {"Rec. 601 of 525 lines", "Rec. 601 of 625 lines",
+                                         "Rec. 709", "Rec. 2020"};
+    constexpr std::array kInputs = {"Y'CbCr", "full-range RGB", "studio-range RGB"};
+
+    const auto width = static_cast<unsigned>(frame->GetWidth());
+    const auto height = static_cast<unsigned>(frame->GetHeight());
+    const auto format = frame->GetPixelFormat();
+    const auto code = statedCode(frame);
+    const LutID table = ScreenPreviewLut::GetID(width, height, format, code.value_or(0));
+    const std::string size = std::to_string(width) + "x" + std::to_string(height);
+    std::string reason = " by size " + size;
+    if (code)
+        reason = *code == ColorspaceCodeRec601 ? " as stated and by size " + size : " as stated";
+    return kColorspaces[table % kColorspaces.size()] + reason + "; " +
+           (shaderKnows(format) ? "colour table " + std::to_string(table) + ", " +
+                                      kInputs[table / kColorspaces.size()]
+                                : "black: the shader does not know " + formatName(format));
+}
+
+} // namespace
+
+std::string decisionFor(HelperKind helper, IKestrixVideoFrame* frame)
+{
+    return helper == HelperKind::OpenGL3 ? openGL3Decision(frame) : fixedFunctionDecision(frame);
+}
+
+} // namespace preview_host

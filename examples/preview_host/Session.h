@@ -1,0 +1,78 @@
+/// A run of the program: frames go from the inputs to a helper, and keys change how they are shown.
+#pragma once
+
+#include "FrameReader.h"
+#include "FrameTimes.h"
+#include "Input.h"
+#include "Keys.h"
+#include "Preview.h"
+#include "Progress.h"
+#include "VirtualDisplay.h"
+#include "Window.h"
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace preview_host {
+
+class Session {
+public:
+    /// Opens inputs, window and helper and reports them on standard output. Throws `UsageError` and
+    /// `std::runtime_error`, as all of this class.
+    explicit Session(const Options& options);
+
+    /// Shows frames until there are no more, the limit is reached or the user quits; then reports
+    /// what that came to and writes the screenshot.
+    void run();
+
+private:
+    void showFrames();
+    void handleEvents(double seconds);
+    void waitForNextFrame();
+    void setFrame();
+    void paint();
+
+    void press(char character);
+    /// Each of these changes something, or tells what stands in the way.
+    std::string change(Action action);
+    std::string stepFormat(std::size_t step);
+    std::string tryLayout(const Options& next);
+    std::string switchHelper();
+
+    void openHelper(HelperKind helper);
+    Size pictureSize() const;
+
+    void tell(const std::string& label, const std::string& text);
+    void tellStart();
+    void tellDecision();
+    void showChange(const std::string& label);
+    void tellTimes();
+    void tellOutcome();
+
+    Options m_options;
+    Inputs m_inputs;
+    std::unique_ptr<VirtualDisplay> m_display;
+    // The order of these matters: the helper's last Release needs the window's context.
+    Window m_window;
+    FrameReader m_reader;
+    std::optional<Preview> m_preview;
+    const std::optional<std::uint64_t> m_limit;
+    Progress m_progress;
+
+    FrameTimes m_setFrameTimes;
+    FrameTimes m_paintTimes;
+    std::chrono::steady_clock::time_point m_start;
+    std::uint64_t m_frames = 0;
+    /// From the first frame to the last.
+    double m_seconds = 0;
+    /// Why the helper refused the last frame; empty where it took it.
+    std::string m_refusal;
+    /// The user has changed something: a frame that the helper refuses is no longer the end.
+    bool m_isChanged = false;
+    bool m_quit = false;
+};
+
+} // namespace preview_host
