@@ -31,9 +31,12 @@ LAMP = "sdl2_host"
 
 
 def run(*arguments, **environment):
-    settings = {**os.environ, **environment}
-    return subprocess.run([EXAMPLE, *arguments], env=settings, timeout=120, capture_output=True,
-                          check=False)
+    # What toolkits miss on a machine without a desktop, and tell on the standard error.
+    with tempfile.TemporaryDirectory() as folder:
+        desktop = {"XDG_RUNTIME_DIR": folder, "NO_AT_BRIDGE": "1", "GTK_A11Y": "none",
+                   "GSETTINGS_BACKEND": "memory", "QT_QPA_PLATFORM": "xcb", "GDK_BACKEND": "x11"}
+        return subprocess.run([EXAMPLE, *arguments], env={**os.environ, **desktop, **environment},
+                              timeout=30, capture_output=True, check=False)
 
 
 def model(x, y, shift):
