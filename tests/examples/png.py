@@ -26,7 +26,7 @@ def _nearest(left, above, corner):
 
 
 def read(path):
-    """Reads an RGB file as rows of (r, g, b) pixels."""
+    """Reads an RGB or RGBA file as rows of (r, g, b) or (r, g, b, a) pixels."""
     with open(path, "rb") as file:
         data = file.read()
     assert data.startswith(SIGNATURE)
@@ -37,23 +37,24 @@ def read(path):
         content = data[at + 8:at + 8 + length]
         if kind == b"IHDR":
             width, height, depth, colour, _, _, interlaced = struct.unpack(">IIBBBBB", content)
-            assert (depth, colour, interlaced) == (8, 2, 0), "not 8-bit RGB"
+            assert (depth, interlaced) == (8, 0), "not 8 bits a sample"
+            size = {2: 3, 6: 4}[colour]  # samples a pixel
         elif kind == b"IDAT":
             compressed += content
         at += length + 12
 
     lines = zlib.decompress(compressed)
-    above = bytearray(3 * width)
+    above = bytearray(size * width)
     rows = []
     for y in range(height):
-        start = y * (3 * width + 1)
+        start = y * (size * width + 1)
         kind = lines[start]
-        line = bytearray(lines[start + 1:start + 1 + 3 * width])
+        line = bytearray(lines[start + 1:start + 1 + size * width])
         for i, value in enumerate(line):
-            left = line[i - 3] if i >= 3 else 0
-            corner = above[i - 3] if i >= 3 else 0
+            left = line[i - size] if i >= size else 0
+            corner = above[i - size] if i >= size else 0
             guess = (0, left, above[i], (left + above[i]) // 2, _nearest(left, above[i], corner))
             line[i] = (value + guess[kind]) & 255
-        rows.append([tuple(line[x:x + 3]) for x in range(0, 3 * width, 3)])
+        rows.append([tuple(line[x:x + size]) for x in range(0, size * width, size)])
         above = line
     return rows

@@ -1,0 +1,130 @@
+/// Plain Xlib and GLX, with the helper that needs nothing but the fixed pipeline.
+#include "BarsFrame.h"
+#include "ExampleMain.h"
+
+#include <GL/glx.h>
+
+namespace {
+
+/// A double-buffered window and its context, which is current for as long as this lives.
+class View {
+public:
+    View(int width, int height) : m_width(width), m_height(height)
+    {
+        m_display = XOpenDisplay(nullptr);
+        if (!m_display)
+            throw std::runtime_error("no display");
+        // No alpha is asked for: under a compositor one sees through a window with alpha wherever
+        // less than 1 was painted.
+        int attributes[] = {
+            GLX_RGBA, GLX_DOUBLEBUFFER, GLX_RED_SIZE, 8, GLX_GREEN_SIZE, 8, GLX_BLUE_SIZE, 8, None};
+        XVisualInfo* visual = glXChooseVisual(m_display, DefaultScreen(m_display), attributes);
+        // Of all ways to a context this is the oldest, and the one that leads to the fixed
+        // pipeline.
+        m_context = visual ? glXCreateContext(m_display, visual, nullptr, True) : nullptr;
+        if (!m_context)
+            throw std::runtime_error("no OpenGL on this display");
+
+        const Window root = RootWindow(m_display, visual->screen);
+        XSetWindowAttributes settings = {};
+        settings.colormap = XCreateColormap(m_display, root, visual->visual, AllocNone);
+        settings.event_mask = StructureNotifyMask;
+        m_window = XCreateWindow(m_display, root, 0, 0, static_cast<unsigned>(width),
+                                 static_cast<unsigned>(height), 0, visual->depth, InputOutput,
+                                 visual->visual, CWColormap | CWEventMask, &settings);
+        XFree(visual);
+        m_close = XInternAtom(m_display, "WM_DELETE_WINDOW", False);
+        XSetWMProtocols(m_display, m_window, &m_close, 1);
+        XStoreName(m_display, m_window, "glx_host");
+        XMapWindow(m_display, m_window);
+        glXMakeCurrent(m_display, m_window, m_context);
+    }
+    ~View()
+    {
+        glXMakeCurrent(m_display, None, nullptr);
+        glXDestroyContext(m_display, m_context);
+        XCloseDisplay(m_display);
+    }
+    View(const View&) = delete;
+    View& operator=(const View&) = delete;
+
+    /// Handles what has happened; false once the window was closed.
+    bool handleEvents()
+    {
+        bool open = true;
+        while (XPending(m_display)) {
+            XEvent event;
+            XNextEvent(m_display, &event);
+            if (event.type == ConfigureNotify) {
+                m_width = event.xconfigure.width;
+                m_height = event.xconfigure.height;
+            } else if (event.type == ClientMessage &&
+                       static_cast<Atom>(event.xclient.data.l[0]) == m_close) {
+                open = false;
+            }
+        }
+        return open;
+    }
+
+    /// In pixels, which is all that X knows.
+    int width() const { return m_width; }
+    int height() const { return m_height; }
+
+    void show() { glXSwapBuffers(m_display, m_window); }
+
+private:
+    int m_width;
+    int m_height;
+    Display* m_display = nullptr;
+    GLXContext m_context = nullptr;
+    Window m_window = 0;
+    Atom m_close = 0;
+};
+
+void run(const ExampleOptions& options)
+{
+    View view(options.width, options.height);
+    IKestrixGLScreenPreviewHelper* helper = CreateOpenGLScreenPreviewHelper_0002();
+    if (!helper)
+        throw std::runtime_error("no memory for a helper");
+    check(helper->InitializeGL(), "InitializeGL");
+
+    // The first ConfigureNotify comes when it comes, and before that there is the size asked for.
+    for (int painted = 0; view.handleEvents();) {
+        // This helper converts here and now, and keeps no reference. It has no lock, so all calls
+        // are made from one thread.
+        BarsFrame* frame =
+            options.signal() ? new BarsFrame(static_cast<unsigned>(painted)) : nullptr;
+        const HRESULT status = helper->SetFrame(frame);
+        if (frame)
+            frame->Release();
+        check(status, "SetFrame");
+
+        // Viewport and matrices at every paint: the window may have been resized, and the helper's
+        // quad goes from -1 to 1 each way.
+        glViewport(0, 0, view.width(), view.height());
+        glMatrixMode(GL_PROJECTION);
+        glLoadIdentity();
+        glMatrixMode(GL_MODELVIEW);
+        glLoadIdentity();
+        // The picture takes its alpha from the current colour.
+        glColor4f(1, 1, 1, 1);
+        check(helper->PaintGL(), "PaintGL");
+
+        ++painted;
+        if (options.ends(painted)) {
+            writePng(options, view.width(), view.height());
+            break;
+        }
+        view.show();
+    }
+    // The last Release deletes GL objects: before the context goes, and with it current.
+    helper->Release();
+}
+
+} // namespace
+
+int main(int count, char** arguments)
+{
+    return exampleMain("glx_host", count, arguments, run);
+}

@@ -1,0 +1,161 @@
+/// Qt 6: a `QOpenGLWidget` that shows the newest frame. A double click, or `--detach`, moves it out
+/// of its window into one of its own, and back.
+#include "BarsFrame.h"
+#include "ExampleMain.h"
+
+#include <QApplication>
+#include <QMainWindow>
+#include <QOpenGLContext>
+#include <QOpenGLWidget>
+#include <QSurfaceFormat>
+#include <QTimer>
+
+namespace {
+
+class PreviewWidget : public QOpenGLWidget {
+public:
+    PreviewWidget(const ExampleOptions& options, QMainWindow* window)
+        : QOpenGLWidget(window),
+          m_options(options),
+          m_window(window)
+    {
+        QObject::connect(&m_timer, &QTimer::timeout, this, [this] { update(); });
+        m_timer.start(40);
+    }
+    ~PreviewWidget() override
+    {
+        // Qt makes no context current for a destructor.
+        makeCurrent();
+        releaseHelper();
+        doneCurrent();
+    }
+
+    /// What went wrong inside Qt's calls, which no exception may leave.
+    const std::string& failure() const { return m_failure; }
+
+    void detachOrAttach()
+    {
+        if (isWindow()) {
+            m_window->setCentralWidget(this);
+        } else {
+            setParent(nullptr);
+            show();
+        }
+    }
+
+protected:
+    /// Not once in a widget's life: a widget that gets another top-level window gets another
+    /// context too, and this is called again.
+    void initializeGL() override
+    {
+        // The old context goes before the new one comes, and with it the helper's objects.
+        m_contextEnds =
+            QObject::connect(context(), &QOpenGLContext::aboutToBeDestroyed, this, [this] {
+                makeCurrent();
+                releaseHelper();
+                doneCurrent();
+            });
+        m_helper = CreateOpenGL3ScreenPreviewHelper_0002();
+        if (!m_helper || m_helper->InitializeGL() < 0)
+            end("no helper in this context");
+    }
+
+    void paintGL() override
+    {
+        if (!m_helper)
+            return;
+        // From any thread in a real program; then update() by a queued call.
+        BarsFrame* frame =
+            m_options.signal() ? new BarsFrame(static_cast<unsigned>(m_painted)) : nullptr;
+        m_helper->SetFrame(frame);
+        if (frame)
+            frame->Release(); // the helper has a reference of its own
+
+        // The widget's framebuffer is not 0, and Qt has bound it. Its size is in device pixels,
+        // where width() and height() are in units that may be several.
+        const int width = qRound(this->width() * devicePixelRatio());
+        const int height = qRound(this->height() * devicePixelRatio());
+        glViewport(0, 0, width, height);
+        m_helper->PaintGL();
+
+        // Qt composes this framebuffer with what lies behind. Without a frame the helper clears to
+        // alpha 0, and the desktop would show through a translucent window.
+        glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_TRUE);
+        glClearColor(0, 0, 0, 1);
+        glClear(GL_COLOR_BUFFER_BIT);
+        glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+
+        ++m_painted;
+        if (m_options.ends(m_painted)) {
+            try {
+                writePng(m_options, width, height);
+                end("");
+            } catch (const std::exception& error) {
+                end(error.what());
+            }
+        } else if (m_options.detach && m_painted == m_options.frames / 2) {
+            QTimer::singleShot(0, this, [this] { detachOrAttach(); }); // not while painting
+        }
+    }
+
+    void mouseDoubleClickEvent(QMouseEvent*) override { detachOrAttach(); }
+
+private:
+    void end(const char* failure)
+    {
+        m_timer.stop();
+        releaseHelper(); // Qt has the context current wherever this is called
+        m_failure = failure;
+        QTimer::singleShot(0, [] { QApplication::quit(); }); // exec() may not have begun
+    }
+
+    /// With the context current.
+    void releaseHelper()
+    {
+        QObject::disconnect(m_contextEnds);
+        if (m_helper)
+            m_helper->Release();
+        m_helper = nullptr;
+    }
+
+    const ExampleOptions& m_options;
+    QMainWindow* m_window;
+    IKestrixGLScreenPreviewHelper* m_helper = nullptr;
+    QMetaObject::Connection m_contextEnds;
+    QTimer m_timer;
+    int m_painted = 0;
+    std::string m_failure;
+};
+
+void run(const ExampleOptions& options)
+{
+    // Before the application, so that the contexts in which Qt itself works are alike.
+    QSurfaceFormat format;
+    format.setVersion(3, 2);
+    format.setProfile(QSurfaceFormat::CoreProfile);
+    QSurfaceFormat::setDefaultFormat(format);
+
+    int count = 1;
+    char name[] = "qt6_host";
+    char* arguments[] = {name, nullptr};
+    const QApplication application(count, arguments);
+
+    QMainWindow window;
+    auto* widget = new PreviewWidget(options, &window);
+    window.setCentralWidget(widget);
+    window.resize(options.width, options.height);
+    window.show();
+    QApplication::exec();
+    const std::string failure = widget->failure();
+    if (!widget->parent())
+        delete widget; // of what is detached the window knows nothing
+    if (!failure.empty())
+        throw std::runtime_error(failure);
+}
+
+} // namespace
+
+int main(int count, char** arguments)
+{
+    return exampleMain("qt6_host", count, arguments, run);
+}
