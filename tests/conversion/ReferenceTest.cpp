@@ -3,7 +3,6 @@
 #include "tests/support/CaseName.h"
 
 #include <algorithm>
-#include <map>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -112,32 +111,6 @@ INSTANTIATE_TEST_SUITE_P(
         WorkedOutRow{"V210FromV212", PixelFormat_v212, PixelFormat_v210, 2, "0F00FFFF20001F00",
                      "00FC1F0000000000" + std::string(16, '0')}),
     caseName);
-
-TEST(ScalarReference, EndsRowsOfV210ByTheirWidth)
-{
-    // Grey but for Cr of the last pair. Red has 1.3708 of it: 274 where it is whole, 137 of a mean.
-    const reference::Layout& layout = reference::layoutOf(PixelFormat_v210);
-    const auto conversion = reference::rowConversion(
-        {PixelFormat_v210, Colorspace601, PixelFormat_R10l, Colorspace601, nullptr});
-    for (const auto& [width, lastRed] : std::map<std::size_t, unsigned>{{18, 393},
-                                                                        {20, 393},
-                                                                        {24, 530},
-                                                                        {1280, 530},
-                                                                        {1286, 393},
-                                                                        {1920, 530},
-                                                                        {2048, 530},
-                                                                        {4096, 530}}) {
-        std::vector<std::uint8_t> in((width + 11) / 12 * 32);
-        for (std::size_t i = 0; i < in.size() / 16 * 12; ++i)
-            layout.write(in.data(), layout.bitOf(i), i % 2 == 0 ? 512 : 256);
-        layout.write(in.data(), layout.bitOf(2 * width - 2), 712);
-        const auto row = conversion.convert(in.data(), static_cast<unsigned>(width), 1);
-        std::vector<unsigned> reds;
-        for (std::size_t x = width - 4; x < width; ++x)
-            reds.push_back(row.layout.read(row.bytes.data(), row.layout.bitOf(4 * x + 2)));
-        EXPECT_EQ(reds, (std::vector<unsigned>{256, 393, 530, lastRed})) << "width " << width;
-    }
-}
 
 TEST(ScalarReference, KnowsEveryBitOfRowsOfWholeBlocks)
 {
