@@ -159,26 +159,6 @@ struct SameBytes {
     }
 };
 
-TEST_F(ConversionBounds, AlignmentMakesNoDifference)
-{
-    const std::vector<std::uint8_t> picture(m_src.begin(), m_src.end());
-    forAll(0, {49, 96, 1280}, [&](const Case& c) {
-        SameBytes same{c.undefined(picture.data()), {}};
-        for (std::size_t srcOffset = 0; srcOffset < 16; ++srcOffset) {
-            std::memcpy(m_src.begin() + srcOffset, picture.data(), c.srcBytes() + 64);
-            for (std::size_t dstOffset = 0; dstOffset < 16; ++dstOffset) {
-                c.run(m_dst.begin() + dstOffset, m_src.begin() + srcOffset);
-                if (!same(m_dst.begin() + dstOffset)) {
-                    ADD_FAILURE() << c << ": other bytes with the source at " << srcOffset
-                                  << " and the destination at " << dstOffset;
-                    return false;
-                }
-            }
-        }
-        return true;
-    });
-}
-
 /// Leaves `byte` all over the stack that the next call will use.
 [[gnu::noinline]] void paintStack(std::uint8_t byte)
 {
