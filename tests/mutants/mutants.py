@@ -67,10 +67,20 @@ RULES = [
 ]
 
 
+# What is found in a fault's words, and why no test can see it.
+EQUIVALENT = [
+    (r"swap arguments: .*(_mm_(madd|add|adds|avg|or|and|xor|min|max|mullo|mulhi)_|std::lcm)",
+     "the operation gives the same either way round"),
+]
+
+
 class Fault:
     def __init__(self, file, number, old, new, rule, place):
         self.file, self.number, self.old, self.new, self.rule = file, number, old, new, rule
         self.key = hashlib.sha256(f"{SEED}|{file}|{old}|{rule}|{place}".encode()).hexdigest()
+
+    def why_equivalent(self):
+        return next((why for words, why in EQUIVALENT if re.search(words, str(self))), None)
 
     def __str__(self):
         return f"{self.file}: {self.rule}: {self.old.strip()}  ->  {self.new.strip() or '(nothing)'}"
@@ -253,6 +263,8 @@ def main():
     parser.add_argument("--only", default="", help="only those in files that begin like this")
     parser.add_argument("--tables", type=int, default=3,
                         help="how many tables of conversions are made anew for a stage's fault")
+    parser.add_argument("--tests", nargs="*", metavar="PROGRAM",
+                        help="programs, as paths in the build, in the place of the group's own")
     parser.add_argument("--list", action="store_true", help="print the faults and do nothing")
     parser.add_argument("--build", default=ROOT / "build/release", type=pathlib.Path)
     options = parser.parse_args()
@@ -268,10 +280,11 @@ def main():
 
     directory = options.build.resolve()
     with tempfile.TemporaryDirectory(prefix="mutants-", dir=directory) as scratch:
-        return run(Build(directory, pathlib.Path(scratch)), faults, options.tables)
+        return run(Build(directory, pathlib.Path(scratch)), faults, options.tables,
+                   options.tests)
 
 
-def run(build, faults, tables):
+def run(build, faults, tables, programs):
     """Tries the faults, each with its number, in turn; the exit status."""
     tree = build.scratch / "tree"
     for path in subprocess.run(["git", "ls-files"], cwd=ROOT, capture_output=True, text=True,
@@ -283,6 +296,10 @@ def run(build, faults, tables):
     counts = {}
     clean = set()
     for number, fault in faults:
+        if why := fault.why_equivalent():
+            counts["equivalent"] = counts.get("equivalent", 0) + 1
+            print(f"{number:3} equivalent, {why}: {fault}", flush=True)
+            continue
         copy = tree / fault.file
         text = (ROOT / fault.file).read_text()
         if copy.parent not in clean:
@@ -295,7 +312,7 @@ def run(build, faults, tables):
         lines = text.split("\n")
         lines[fault.number] = fault.new
         copy.write_text("\n".join(lines))
-        outcome = build.outcome(fault.file, names_around(lines, fault.number), tables)
+        outcome = build.outcome(fault.file, names_around(lines, fault.number), tables, programs)
         copy.write_text(text)
         kind = outcome.split(" by ")[0]
         counts[kind] = counts.get(kind, 0) + 1
