@@ -61,36 +61,6 @@ TEST(GamutMatrices, HaveTheseSixPlaces)
         {1776134, -687820, -88313, -161376, 1187315, -25940, -15881, -95931, 1111812}, {0});
 }
 
-/// What white, or any grey, becomes.
-std::array<double, 3> rowSums(const float* m)
-{
-    return {double{m[0]} + m[1] + m[2], double{m[3]} + m[4] + m[5], double{m[6]} + m[7] + m[8]};
-}
-
-TEST(GamutMatrices, KeepWhiteOrTintItAsEver)
-{
-    for (const double sum : rowSums(RGB_2020_TO_709::get()))
-        EXPECT_NEAR(sum, 1, 1e-6);
-    const double tint[] = {1.000159, 0.999977, 0.999760};
-    for (int i = 0; i < 3; ++i)
-        EXPECT_NEAR(rowSums(RGB_601PAL_TO_709::get())[i], tint[i], 5e-7);
-}
-
-TEST(GamutMatrices, Between601And709InvertEachOther)
-{
-    const auto expectInverse = [](const float* a, const float* b) {
-        for (int row = 0; row < 3; ++row)
-            for (int column = 0; column < 3; ++column) {
-                double sum = 0;
-                for (int i = 0; i < 3; ++i)
-                    sum += double{a[3 * row + i]} * double{b[3 * i + column]};
-                EXPECT_NEAR(sum, row == column ? 1 : 0, 2e-7) << row << ", " << column;
-            }
-    };
-    expectInverse(RGB_601PAL_TO_709::get(), RGB_709_TO_601PAL::get());
-    expectInverse(RGB_601NTSC_TO_709::get(), RGB_709_TO_601NTSC::get());
-}
-
 TEST(Primaries, HaveCoordinatesThatAddUpToOne)
 {
     for (const Chromaticity& c :

@@ -28,17 +28,13 @@ struct Case {
 
     std::size_t srcRow() const { return reference.bytesRead(width); }
     std::size_t dstRow() const { return rowBytes(conversion.dst(), width); }
-    /// The one tall picture asks for the primaries of its line standard. Its rows lie upon each
-    /// other.
-    std::size_t rowsApart() const { return height == kPALHeight ? 0 : height; }
-    std::size_t srcBytes() const { return std::max<std::size_t>(1, rowsApart()) * srcRow(); }
-    std::size_t dstBytes() const { return std::max<std::size_t>(1, rowsApart()) * dstRow(); }
+    std::size_t srcBytes() const { return height * srcRow(); }
+    std::size_t dstBytes() const { return height * dstRow(); }
 
     void run(std::uint8_t* dst, std::uint8_t* src) const
     {
-        const unsigned apart = height != kPALHeight ? 1 : 0;
-        conversion.entry.function(width, height, dst, static_cast<unsigned>(apart * dstRow()), src,
-                                  static_cast<unsigned>(apart * srcRow()));
+        conversion.entry.function(width, height, dst, static_cast<unsigned>(dstRow()), src,
+                                  static_cast<unsigned>(srcRow()));
     }
 
     /// The bits of the destination that have no defined value. `src` can be read some way behind
@@ -53,8 +49,6 @@ struct Case {
         }
         return mask;
     }
-
-    static constexpr unsigned kPALHeight = 576;
 };
 
 std::ostream& operator<<(std::ostream& out, const Case& c)
@@ -120,14 +114,6 @@ TEST_F(ConversionBounds, NothingOutsideIsTouched)
     forAll(200, pictureWidths(), [&](const Case& c) { return staysInside(c); });
 }
 
-TEST_F(ConversionBounds, NothingOutsideIsTouchedWithPrimariesOf625Lines)
-{
-    forAll(96, {1280, 1919}, [&](const Case& c) {
-        return !c.conversion.changes601() ||
-               staysInside({c.conversion, c.reference, c.width, Case::kPALHeight});
-    });
-}
-
 // So the bytes that a conversion may read behind a row are not more than it needs, and a fault does
 // not pass unseen.
 TEST_F(ConversionBounds, AllInsideIsTouched)
@@ -158,26 +144,6 @@ struct SameBytes {
         return defined == first;
     }
 };
-
-TEST_F(ConversionBounds, AlignmentMakesNoDifference)
-{
-    const std::vector<std::uint8_t> picture(m_src.begin(), m_src.end());
-    forAll(0, {49, 96, 1280}, [&](const Case& c) {
-        SameBytes same{c.undefined(picture.data()), {}};
-        for (std::size_t srcOffset = 0; srcOffset < 16; ++srcOffset) {
-            std::memcpy(m_src.begin() + srcOffset, picture.data(), c.srcBytes() + 64);
-            for (std::size_t dstOffset = 0; dstOffset < 16; ++dstOffset) {
-                c.run(m_dst.begin() + dstOffset, m_src.begin() + srcOffset);
-                if (!same(m_dst.begin() + dstOffset)) {
-                    ADD_FAILURE() << c << ": other bytes with the source at " << srcOffset
-                                  << " and the destination at " << dstOffset;
-                    return false;
-                }
-            }
-        }
-        return true;
-    });
-}
 
 /// Leaves `byte` all over the stack that the next call will use.
 [[gnu::noinline]] void paintStack(std::uint8_t byte)

@@ -109,33 +109,6 @@ TEST(ConversionLookup, AnswersEveryQuestionByTheFirstRowThatServesIt)
                 }
 }
 
-TEST(ConversionLookup, TellsACaseFromTheOneBesideIt)
-{
-    const auto find = GetConversionFunction;
-    constexpr auto k2vuy = PixelFormat_2vuy;
-    constexpr auto kBGRA = PixelFormat_BGRA;
-    constexpr auto kRGBA = PixelFormat_RGBA;
-    constexpr auto kNone = ColorspaceUnspecified;
-
-    // A destination's colourspace left open is the source's: no change of primaries.
-    const auto reordered = find(kBGRA, kRGBA, kNone, kNone);
-    EXPECT_NE(reordered, nullptr);
-    for (const Colorspace colorspace : kColorspaces) {
-        EXPECT_EQ(find(kBGRA, kRGBA, colorspace, kNone), reordered);
-        EXPECT_EQ(find(kBGRA, kRGBA, colorspace, colorspace), reordered);
-        EXPECT_EQ(find(kBGRA, kBGRA, colorspace, kNone), nullptr) << "nothing to convert";
-    }
-    EXPECT_NE(find(kBGRA, kRGBA, Colorspace601, Colorspace709), reordered);
-    EXPECT_EQ(find(kBGRA, kRGBA, kNone, Colorspace709), nullptr) << "from nothing to something";
-    EXPECT_EQ(find(k2vuy, kBGRA, kNone, kNone), nullptr) << "needs a colourspace";
-    EXPECT_NE(find(k2vuy, kBGRA, Colorspace601, kNone), find(k2vuy, kBGRA, Colorspace709, kNone));
-
-    // Written, but not to be had.
-    EXPECT_EQ(find(kBGRA, PixelFormat_RGB3, kNone, kNone), nullptr);
-    EXPECT_EQ(find(PixelFormat_ARGB, PixelFormat_RGB3, kNone, kNone), nullptr);
-    EXPECT_EQ(find(static_cast<PixelFormat>(0), kBGRA, kNone, kNone), nullptr);
-}
-
 TEST(PixelFormats, RowsEndInWholeGroups)
 {
     const auto bytes = [](PixelFormat format, std::size_t width) {

@@ -1,4 +1,5 @@
 /// Merged forms and twins against the stages in whose place they run.
+#include "conversion/Transform.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/colour/RGBToYUV.h"
 #include "conversion/colour/YUVToRGB.h"
@@ -9,9 +10,13 @@
 #include "conversion/stages/V210.h"
 #include "conversion/stages/YUV8.h"
 #include "conversion/stages/YUVA.h"
-#include "tests/conversion/StageTest.h"
+#include "tests/support/Difference.h"
+#include "tests/support/Random.h"
 
 #include <numeric>
+#include <vector>
+
+#include <gtest/gtest.h>
 
 namespace kestrix::test {
 namespace {
@@ -20,6 +25,61 @@ using namespace KSX::PixelConversion;
 using Bytes = std::uint8_t;
 using Words = std::uint16_t;
 using Longs = std::uint32_t;
+
+/// Steps of every content, then steps with each boundary value in each lane among random ones.
+template<class IN>
+std::vector<IN> stageInput(std::size_t lanes, const std::vector<IN>& boundaries, IN maximum,
+                           std::uint64_t seed)
+{
+    constexpr std::size_t kStepsOfAContent = 64;
+    Random random(seed);
+    std::vector<IN> input;
+    std::vector<IN> step(lanes);
+    for (const Content content : kContents) {
+        for (std::size_t i = 0; i < kStepsOfAContent; ++i) {
+            random.fill(std::span(step), content, maximum);
+            input.insert(input.end(), step.begin(), step.end());
+        }
+    }
+    for (const IN boundary : boundaries) {
+        for (std::size_t lane = 0; lane < lanes; ++lane) {
+            random.fill(std::span(step), Content::Uniform, maximum);
+            step[lane] = boundary;
+            input.insert(input.end(), step.begin(), step.end());
+        }
+    }
+    return input;
+}
+
+/// Runs a whole number of a pipeline's blocks that lie one behind the other.
+template<class PIPELINE>
+void runBlocks(const void* in, void* out, std::size_t blocks)
+{
+    Transform<PIPELINE, kWholeBlocks, kPrefetchBlocks>::apply(
+        in, 0, out, 0, static_cast<unsigned>(blocks * AsPipeline<PIPELINE>::kBlock), 1, nullptr);
+}
+
+/// Runs `PIPELINE` with merged forms and stage by stage, and expects the same bytes. `LANE` is what
+/// the values of the input lie in, up to `maximum`.
+template<class PIPELINE, class LANE>
+void expectMergedLikeListed(std::uint64_t seed, const std::vector<LANE>& boundaries, LANE maximum)
+{
+    using P = AsPipeline<PIPELINE>;
+    using Stages = CompositionOf<P>;
+    static_assert(
+        !std::same_as<typename details::Merged<P, wideBlock<P>()>::type, typename P::Stages>,
+        "no form takes the place of any of these stages");
+
+    constexpr std::size_t kLanes = Stages::kInBytes / sizeof(LANE);
+    const auto in = stageInput(kLanes, boundaries, maximum, seed);
+    const std::size_t blocks = in.size() / kLanes;
+    std::vector<std::uint8_t> expected(blocks * Stages::kOutBytes), got(expected.size());
+    runBlocks<AsListed<P>>(in.data(), expected.data(), blocks);
+    runBlocks<P>(in.data(), got.data(), blocks);
+    EXPECT_TRUE(sameLanes(std::span<const std::uint8_t>(expected),
+                          std::span<const std::uint8_t>(got), Stages::kOutBytes / P::kBlock, 0,
+                          seed));
+}
 
 /// From formats of bytes, every byte in every place.
 template<class... STAGES>
@@ -97,6 +157,9 @@ void expectFromRGB8()
     expectFromBytes<UNPACK, RGBv4_BITDEPTH<2, 16>, PACK_RGBv4_TO_R10KLE>();
     expectFromBytes<UNPACK, RGBv4_BITDEPTH<2, 16>, PACK_RGBv4_TO_R10KBE>();
     expectFromBytes<UNPACK, RGBv4_RESCALE<8, true, 10, false, P1>, PACK_RGBv4_TO_R10KBE>();
+    expectFromBytes<UNPACK, PACK_RGBv4_TO_ARGB>();
+    expectFromBytes<UNPACK, PACK_RGBv4_TO_BGRA>();
+    expectFromBytes<UNPACK, PACK_RGBv4_TO_RGBA>();
     expectFromBytes<UNPACK, PACK_RGBv4_TO_RGBA, PACK_RGBA_TO_RGB>();
 }
 
@@ -105,6 +168,7 @@ TEST(MergedForms, From8BitRGB)
     expectFromRGB8<UNPACK_ARGB_TO_RGBv4>();
     expectFromRGB8<UNPACK_BGRA_TO_RGBv4>();
     expectFromRGB8<UNPACK_RGBA_TO_RGBv4>();
+    expectFromBytes<UNPACK_RGB_TO_RGBA_SSSE3, UNPACK_RGBA_TO_RGBv4, PACK_RGBv4_TO_BGRA>();
     expectFromBytes<UNPACK_BGRA_TO_RGBv8, RGBv8_BITDEPTH<2, 16>, PACK_RGBv8_TO_R210>();
     expectFromBytes<UNPACK_BGRA_TO_RGBv8, RGBv8_RESCALE<8, true, 10, false, P1>,
                     PACK_RGBv8_TO_R210>();

@@ -4,6 +4,7 @@
 #include "conversion/KSXPixelConversion.h"
 #include "tests/fuzz/FuzzTarget.h"
 #include "tests/support/GLRecorder.h"
+#include "tests/support/GuardedBytes.h"
 #include "tests/support/InventedFrame.h"
 
 #include <GL/gl.h>
@@ -93,13 +94,13 @@ struct Picture {
         const bool fits = rowBytes > -kMostBytes && rowBytes < kMostBytes && lines < kMostBytes &&
                           (size = std::abs(rowBytes) * lines) < kMostBytes;
         const std::int64_t above = fits && rowBytes < 0 ? size + rowBytes : 0;
-        bytes = std::make_unique<std::uint8_t[]>(
+        bytes = std::make_unique<GuardedBytes>(
             static_cast<std::size_t>((fits ? size : 0) + kReadableBehind));
 
         const unsigned flags = input.byte();
         host::MemoryFrameOptions options;
         options.rowBytes = 0;
-        options.bytes = bytes.get() + std::max(above, std::int64_t{0});
+        options.bytes = bytes->begin() + std::max(above, std::int64_t{0});
         options.captured = (flags & 1) != 0;
         if (flags & 2)
             options.colorspace =
@@ -136,7 +137,7 @@ struct Picture {
             (fault < 12 ? frame->lacks : frame->givesNull) = {kInterfaces[fault % 4]};
     }
 
-    std::unique_ptr<std::uint8_t[]> bytes;
+    std::unique_ptr<GuardedBytes> bytes;
     host::Owned<InventedFrame> frame;
 };
 

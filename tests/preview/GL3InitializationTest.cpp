@@ -114,34 +114,5 @@ TEST_F(GL3Initialization, FetchesAndDropsTheLogOfWhatDoesNotBuild)
     EXPECT_EQ(helper->PaintGL(), S_OK);
 }
 
-TEST_F(GL3Initialization, MakesItsObjectsOnceAndDeletesThemAll)
-{
-    const auto expectOneSet = [&] {
-        std::map<std::string, int> counts;
-        for (const auto& [name, kind] : gl.fake.live)
-            ++counts[kind];
-        EXPECT_EQ(counts, (std::map<std::string, int>{{"vertex array", 1},
-                                                      {"buffer", 2},
-                                                      {"program", 1},
-                                                      {"vertex shader", 1},
-                                                      {"fragment shader", 1},
-                                                      {"texture", 2}}));
-    };
-    EXPECT_EQ(helper->InitializeGL(), S_OK);
-    expectOneSet();
-    const auto before = gl.fake.live;
-
-    gl.clear();
-    EXPECT_EQ(helper->InitializeGL(), S_OK);
-    expectOneSet();
-    for (const auto& [name, kind] : before)
-        EXPECT_FALSE(gl.fake.live.contains(name)) << "the old " << kind << " is still there";
-    EXPECT_THAT(gl.calls(), Contains(call("glClearColor", 0, 0, 0, 0)));
-    EXPECT_THAT(gl.callsTo({"glClear"}), ElementsAre(call("glClear", GL_COLOR_BUFFER_BIT)));
-
-    helper.reset();
-    EXPECT_THAT(gl.fake.live, IsEmpty());
-}
-
 } // namespace
 } // namespace kestrix::test

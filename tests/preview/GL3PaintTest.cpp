@@ -360,30 +360,5 @@ TEST_F(GL3Paint, TakesAFrameWhileAnotherIsPainted)
     EXPECT_EQ(delivery.get(), S_OK);
 }
 
-TEST_F(GL3Paint, TakesFramesOfManyThreads)
-{
-    const Frame frames[] = {TestFrame::create(kSmall), TestFrame::create(kSmall),
-                            TestFrame::create(kSmall)};
-    std::atomic<int> running{2};
-    const auto deliver = [&](int offset) {
-        for (int i = offset; i < 4000 + offset; ++i) {
-            helper->SetFrame(i % 4 == 3 ? nullptr : frames[i % 4].get());
-            helper->Set3DPreviewFormat(code(i % 2 ? "side" : "topb"));
-        }
-        --running;
-    };
-    std::thread a(deliver, 0);
-    std::thread b(deliver, 1);
-    while (running > 0)
-        repaint();
-    a.join();
-    b.join();
-    helper->SetFrame(nullptr);
-    for (const Frame& frame : frames) {
-        EXPECT_EQ(frame->references(), 1u);
-        EXPECT_EQ(frame->openAccesses(), 0);
-    }
-}
-
 } // namespace
 } // namespace kestrix::test

@@ -290,56 +290,5 @@ TEST_F(GL3Pixels, ShowFullRangeRec709AsItIsAndNoFrameAsNothing)
     EXPECT_EQ(canvas.read(), painted) << "also with all objects made anew";
 }
 
-// --- State ---------------------------------------------------------------------------------------
-
-void expectNothingBound()
-{
-    for (const GLenum binding :
-         {GL_CURRENT_PROGRAM, GL_ARRAY_BUFFER_BINDING, GL_ELEMENT_ARRAY_BUFFER_BINDING})
-        EXPECT_EQ(glState(binding), 0) << std::hex << binding;
-    EXPECT_EQ(glState(GL_ACTIVE_TEXTURE), GL_TEXTURE0);
-    const auto activate = driverGL<decltype(::glActiveTexture)>("glActiveTexture");
-    for (const GLenum unit : {GL_TEXTURE1, GL_TEXTURE0}) {
-        activate(unit);
-        EXPECT_EQ(glState(GL_TEXTURE_BINDING_2D), 0);
-        EXPECT_EQ(glState(GL_TEXTURE_BINDING_3D), 0);
-    }
-}
-
-TEST_F(GL3Pixels, LeaveTheStateAsPromised)
-{
-    Canvas canvas(16, 8);
-    driverGL<decltype(::glViewport)>("glViewport")(1, 2, 3, 4);
-    driverGL<decltype(::glEnable)>("glEnable")(GL_BLEND);
-    const int framebuffer = glState(GL_DRAW_FRAMEBUFFER_BINDING);
-
-    initialise();
-    EXPECT_NE(glState(GL_VERTEX_ARRAY_BINDING), 0);
-    expectNothingBound();
-
-    driverGL<decltype(::glPixelStorei)>("glPixelStorei")(GL_UNPACK_ROW_LENGTH, 123);
-    const MemoryFrameOptions v210{.width = 16, .height = 16, .format = code("v210")};
-    const Frame right = noise(v210, 1);
-    const Frame left = noise(stereo(v210, right), 2);
-    const Frame without = noise({.width = 16, .height = 16, .format = code("BGRA")}, 3);
-    without->lacks = {IID_IKestrixVideoBuffer};
-    // A frame of two eyes, none, and one that changes the table and has no bytes.
-    for (TestFrame* const frame : {left.get(), static_cast<TestFrame*>(nullptr), without.get()}) {
-        helper->SetFrame(frame);
-        for (int i = 0; i < 2; ++i) {
-            EXPECT_EQ(helper->PaintGL(), S_OK);
-            expectNothingBound();
-            EXPECT_EQ(glState(GL_VERTEX_ARRAY_BINDING), 0);
-            EXPECT_EQ(glState(GL_UNPACK_ROW_LENGTH), 123);
-        }
-    }
-
-    GLint viewport[4];
-    driverGL<decltype(::glGetIntegerv)>("glGetIntegerv")(GL_VIEWPORT, viewport);
-    EXPECT_EQ(std::vector(viewport, viewport + 4), (std::vector{1, 2, 3, 4}));
-    EXPECT_TRUE(driverGL<decltype(::glIsEnabled)>("glIsEnabled")(GL_BLEND));
-    EXPECT_EQ(glState(GL_DRAW_FRAMEBUFFER_BINDING), framebuffer);
-}
-
 } // namespace
 } // namespace kestrix::test

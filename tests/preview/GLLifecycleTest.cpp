@@ -55,28 +55,6 @@ TEST(GLObjects, AreDeletedAfterAnInitialisationThatFailed)
         }
 }
 
-TEST(GLObjects, AreNotMadeTwiceByTheFixedFunctionHelper)
-{
-    GLRecorder& gl = GLRecorder::get();
-    gl.useFake();
-    gl.fake.extensions = kPixelBuffers;
-    Helper helper(CreateOpenGLScreenPreviewHelper_0002());
-    for (int round = 0; round < 3; ++round) {
-        EXPECT_EQ(helper->InitializeGL(), S_OK);
-        EXPECT_EQ(gl.fake.liveOf("buffer").size(), 2u);
-        EXPECT_THAT(gl.fake.liveOf("texture"), IsEmpty());
-        for (int frame = 0; frame < 3; ++frame) {
-            EXPECT_EQ(helper->SetFrame(pictureOf(16, 8 + 8 * frame).get()), S_OK);
-            EXPECT_EQ(helper->PaintGL(), S_OK);
-        }
-        EXPECT_EQ(gl.fake.live.size(), 4u);
-    }
-    helper.reset();
-    // Those of the two slots go with their context.
-    EXPECT_EQ(gl.fake.live.size(), 2u);
-    EXPECT_EQ(gl.fake.liveOf("texture").size(), 2u);
-}
-
 // In processes of their own: entry points are kept once they are found.
 TEST(GLEntryPointsDeathTest, PixelBuffersAreLeftAloneWhereOneIsMissing)
 {
@@ -127,29 +105,6 @@ TEST(GLTrouble, NoFenceAndNoEndOfTheWaitDoNoHarm)
         "glFenceSync", +[] { return static_cast<void*>(nullptr); });
     paint();
     EXPECT_THAT(gl.callsTo({"glClientWaitSync", "glDeleteSync"}), IsEmpty());
-}
-
-TEST(GLTrouble, ABufferThatIsNotMappedTheFirstTimeIsMadeUpFor)
-{
-    GLRecorder& gl = GLRecorder::get();
-    gl.useFake();
-    gl.fake.extensions = kPixelBuffers;
-    Helper helper(CreateOpenGLScreenPreviewHelper_0002());
-    EXPECT_EQ(helper->InitializeGL(), S_OK);
-    gl.fake.buffersMap = false;
-    for (const int slot : {0, 1}) {
-        EXPECT_EQ(helper->SetFrame(pictureOf(16, 8).get()), S_OK) << slot;
-        EXPECT_EQ(helper->PaintGL(), S_OK);
-    }
-    EXPECT_THAT(gl.callsTo({"glTexImage2D", "glTexSubImage2D"}), IsEmpty());
-    gl.fake.buffersMap = true;
-    for (int frame = 0; frame < 4; ++frame) {
-        gl.clear();
-        EXPECT_EQ(helper->SetFrame(pictureOf(16, 8).get()), S_OK);
-        EXPECT_EQ(helper->PaintGL(), S_OK);
-        EXPECT_EQ(gl.callsTo({"glTexImage2D"}).size(), frame < 2 ? 1u : 0u);
-        EXPECT_EQ(gl.fake.liveOf("texture").size(), 2u);
-    }
 }
 
 // --- Contexts ------------------------------------------------------------------------------------

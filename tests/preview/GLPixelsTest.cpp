@@ -59,27 +59,5 @@ TEST_F(GLPixels, AreTheFramesOwnAndBlackWithoutAFrame)
             }
 }
 
-TEST_F(GLPixels, LeaveTheStateAsPromised)
-{
-    const auto isEnabled = driverGL<decltype(::glIsEnabled)>("glIsEnabled");
-    Canvas canvas(8, 8);
-    driverGL<decltype(::glTexEnvi)>("glTexEnvi")(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_BLEND);
-    driverGL<decltype(::glEnable)>("glEnable")(GL_TEXTURE_2D);
-    EXPECT_EQ(helper->PaintGL(), S_OK);
-    EXPECT_TRUE(isEnabled(GL_TEXTURE_2D)) << "as the host had it, where there is no frame";
-
-    paint(noise({.width = 8, .height = 8, .format = code("RGBA")}, 1).get());
-    for (int i = 0; i < 2; ++i) {
-        EXPECT_FALSE(isEnabled(GL_TEXTURE_2D));
-        EXPECT_EQ(glState(GL_TEXTURE_BINDING_2D), 0);
-        EXPECT_EQ(glState(GL_PIXEL_UNPACK_BUFFER_BINDING), 0);
-        GLint mode = 0;
-        driverGL<decltype(::glGetTexEnviv)>("glGetTexEnviv")(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE,
-                                                             &mode);
-        EXPECT_EQ(mode, GL_BLEND);
-        EXPECT_EQ(helper->PaintGL(), S_OK);
-    }
-}
-
 } // namespace
 } // namespace kestrix::test

@@ -1,5 +1,5 @@
-/// What hosts can get wrong in a frame: a status or the picture before, and no byte outside the
-/// frame's lines and the helper's memory.
+/// What hosts can get wrong in a frame's numbers: a status, and no byte outside the frame's lines
+/// and the helper's memory. The fuzz target has what changes and what fails.
 #include "tests/support/GuardedBytes.h"
 #include "tests/support/InventedFrame.h"
 #include "tests/support/PreviewFixture.h"
@@ -7,7 +7,6 @@
 #include <GL/gl.h>
 #include <GL/glext.h>
 
-#include <functional>
 #include <limits>
 #include <string>
 #include <vector>
@@ -29,10 +28,8 @@ constexpr std::size_t kBehind = 64;
 
 /// A frame and its memory, which ends where a page begins that can't be read.
 struct Picture {
-    explicit Picture(MemoryFrameOptions options, IKestrixVideoFrame* right = nullptr)
+    explicit Picture(MemoryFrameOptions options)
     {
-        options.rightEye = right;
-        options.packing3D = Packing3DLeftOnly;
         options.bytes = memory.begin();
         frame = InventedFrame::create(options);
     }
@@ -167,109 +164,6 @@ TEST_P(HostValues, NarrowFramesOfEveryFormat)
             const bool good = width >= least || !convertsAtOnce();
             EXPECT_EQ(show(picture), good ? S_OK : E_INVALIDARG) << format << ' ' << width;
         }
-}
-
-// What a frame said first holds, whatever it says later.
-TEST_P(HostValues, FramesThatChangeBetweenTwoCalls)
-{
-    const std::int64_t values[] = {-8,
-                                   0,
-                                   1,
-                                   13,
-                                   64,
-                                   512,
-                                   8192,
-                                   k2To16,
-                                   k2To31,
-                                   kMost,
-                                   kLeast,
-                                   std::int64_t{code("R12B")},
-                                   std::int64_t{code("v210")}};
-    for (const std::uint32_t preview :
-         {Preview3DTopBottom, Preview3DSideBySide, Preview3DRightOnly}) {
-        EXPECT_EQ(helper->Set3DPreviewFormat(preview), S_OK);
-        for (int question = 0; question < static_cast<int>(Question::Count); ++question)
-            for (const std::int64_t value : values)
-                for (const bool rightLies : {false, true}) {
-                    Picture right(options(code("RGBA")));
-                    Picture left(options(code("RGBA")), right.frame.get());
-                    (rightLies ? right : left).frame->answer(Question{question}).later = value;
-                    EXPECT_EQ(show(left), S_OK);
-                }
-    }
-}
-
-TEST_P(HostValues, RightEyesOfAnotherSize)
-{
-    for (const std::uint32_t preview :
-         {Preview3DTopBottom, Preview3DSideBySide, Preview3DRightOnly}) {
-        EXPECT_EQ(helper->Set3DPreviewFormat(preview), S_OK);
-        for (const auto& [question, value] : {std::pair{Question::Width, std::int64_t{64}},
-                                              {Question::Width, 16},
-                                              {Question::Height, 64},
-                                              {Question::Height, 4},
-                                              {Question::RowBytes, 64},
-                                              {Question::RowBytes, 0},
-                                              {Question::RowBytes, kLeast},
-                                              {Question::PixelFormat, code("R12B")}}) {
-            Picture right(options(kARGB));
-            right.frame->answer(question, value);
-            Picture left(options(kARGB), right.frame.get());
-            EXPECT_EQ(show(left), S_OK);
-        }
-        // In less memory than the left one has, as it says.
-        GuardedBytes few(64 * 4 + kBehind);
-        MemoryFrameOptions small = options(kARGB);
-        small.width = 16;
-        small.height = 4;
-        small.rowBytes = 64;
-        small.bytes = few.begin();
-        const auto right = InventedFrame::create(small);
-        Picture left(options(kARGB), right.get());
-        EXPECT_EQ(show(left), S_OK);
-    }
-}
-
-TEST_P(HostValues, OperationsThatFail)
-{
-    const std::function<void(InventedFrame&)> faults[] = {
-        [](InventedFrame& frame) { frame.lacks = {IID_IKestrixVideoBuffer}; },
-        [](InventedFrame& frame) { frame.lacks = {IID_IKestrixVideoFrameMetadata}; },
-        [](InventedFrame& frame) { frame.lacks = {IID_IKestrixVideoFrame3DExtensions}; },
-        [](InventedFrame& frame) { frame.lacks = {IID_IKestrixVideoInputFrame}; },
-        [](InventedFrame& frame) { frame.givesNull = {IID_IKestrixVideoBuffer}; },
-        [](InventedFrame& frame) { frame.givesNull = {IID_IKestrixVideoFrameMetadata}; },
-        [](InventedFrame& frame) { frame.givesNull = {IID_IKestrixVideoFrame3DExtensions}; },
-        [](InventedFrame& frame) { frame.givesNull = {IID_IKestrixVideoInputFrame}; },
-        [](InventedFrame& frame) { frame.startAccessStatus = E_FAIL; },
-        [](InventedFrame& frame) { frame.getBytesStatus = E_FAIL; },
-        [](InventedFrame& frame) { frame.givesNullBytes = true; },
-        [](InventedFrame& frame) { frame.getIntStatus = E_FAIL; },
-        [](InventedFrame& frame) { frame.rightEyeStatus = E_FAIL; },
-    };
-    for (const auto& fault : faults)
-        for (const bool ofTheRight : {false, true}) {
-            MemoryFrameOptions captured = options(kARGB);
-            captured.captured = true;
-            Picture right(captured);
-            Picture left(captured, right.frame.get());
-            fault(ofTheRight ? *right.frame : *left.frame);
-            EXPECT_EQ(show(left), S_OK);
-        }
-}
-
-TEST_P(HostValues, EyesAndColoursThatNobodyKnows)
-{
-    for (const std::int64_t unknown : {std::int64_t{0}, std::int64_t{0xFFFFFFFF}, kLeast, kMost}) {
-        MemoryFrameOptions coloured = options(kARGB);
-        coloured.colorspace = unknown;
-        Picture picture(coloured);
-        EXPECT_EQ(show(picture), convertsAtOnce() ? E_INVALIDARG : S_OK);
-        EXPECT_EQ(helper->Set3DPreviewFormat(static_cast<std::uint32_t>(unknown)), S_OK);
-        Picture right(options(kARGB));
-        Picture left(options(kARGB), right.frame.get());
-        EXPECT_EQ(show(left), S_OK);
-    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Helpers, HostValues,

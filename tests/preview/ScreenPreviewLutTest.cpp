@@ -36,51 +36,6 @@ void generate()
     ScreenPreviewLut::Generate(static_cast<LutFormat>(0));
 }
 
-// In a process of its own, in which nothing has made a table yet.
-TEST(EmptyTableStoreDeathTest, IsFilledAsFarAsMemoryGoes)
-{
-    const auto body = [] {
-        EXPECT_EQ(table(6), nullptr);
-        ScreenPreviewLut::Generate(static_cast<LutFormat>(1));
-        EXPECT_EQ(table(6), nullptr);
-        {
-            const auto faults = AllocationFaults::number(3);
-            generate();
-            EXPECT_EQ(faults.failed(), 1);
-        }
-        const std::vector<const float*> first = allTables();
-        EXPECT_EQ(std::ranges::count(first, nullptr), 1);
-
-        generate();
-        const std::vector<const float*> second = allTables();
-        EXPECT_EQ(std::ranges::count(second, nullptr), 0);
-        for (std::size_t id = 0; id < first.size(); ++id)
-            EXPECT_TRUE(!first[id] || first[id] == second[id]) << "table " << id;
-        exitWithOutcome();
-    };
-    EXPECT_EXIT(body(), testing::ExitedWithCode(0), "");
-}
-
-TEST(EmptyTableStoreDeathTest, IsFilledOnceByManyThreads)
-{
-    const auto body = [] {
-        std::vector<const float*> seen[3];
-        std::vector<std::thread> threads;
-        for (auto& tables : seen)
-            threads.emplace_back([&tables] {
-                generate();
-                tables = allTables();
-            });
-        for (std::thread& thread : threads)
-            thread.join();
-        EXPECT_EQ(std::ranges::count(seen[0], nullptr), 0);
-        EXPECT_EQ(seen[0], seen[1]);
-        EXPECT_EQ(seen[0], seen[2]);
-        exitWithOutcome();
-    };
-    EXPECT_EXIT(body(), testing::ExitedWithCode(0), "");
-}
-
 TEST(TableStore, HoldsFifteenOpaqueTablesOfOneFormat)
 {
     generate();

@@ -1,0 +1,71 @@
+/// Transfer curves where no conversion goes: every float there is, and the tables of PQ.
+#include "conversion/colour/TransferCharacteristicPQ.h"
+#include "conversion/colour/TransferCharacteristicRec709OETF.h"
+#include "tests/reference/Gamut.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+
+#include <gtest/gtest.h>
+
+namespace kestrix::test {
+namespace {
+
+using namespace KSX::PixelConversion;
+
+/// A quarter of all floats from 0 to 1, which are all that the comparison with a table's entry can
+/// go wrong for.
+class Rec709OETFForward : public testing::TestWithParam<std::int32_t> {};
+
+TEST_P(Rec709OETFForward, IsThatOfTheFormulaForEveryFloat)
+{
+    constexpr auto kOne = std::bit_cast<std::int32_t>(1.0f);
+    constexpr std::int32_t kQuarter = kOne / 4;
+    for (std::int32_t bits = GetParam() * kQuarter; bits < (GetParam() + 1) * kQuarter; bits += 4) {
+        const __m128i lanes = _mm_add_epi32(_mm_set1_epi32(bits), _mm_setr_epi32(0, 1, 2, 3));
+        const Codes<1> codes = Rec709OETF<8, V1>::forward<4, 1>({{_mm_castsi128_ps(lanes)}});
+        const auto got = std::bit_cast<std::array<int, 4>>(codes);
+        for (std::int32_t i = 0; i < 4; ++i) {
+            const auto light = std::bit_cast<float>(bits + i);
+            ASSERT_EQ(got[static_cast<std::size_t>(i)],
+                      reference::roundedCode(reference::encoded8(light)))
+                << light;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Quarters, Rec709OETFForward, testing::Range(0, 4));
+
+TEST(PQ, TablesHoldTheCurve)
+{
+    std::array<double, 4096> luminance;
+    for (std::size_t i = 0; i < luminance.size(); ++i) {
+        luminance[i] = std::max(reference::luminanceOfPQ(static_cast<double>(i) / 4095), 0.0001);
+        EXPECT_NEAR(kPQOETFToLinear12Bit[i], luminance[i], 1e-12 * luminance[i]) << i;
+    }
+    EXPECT_NEAR(kPQOETFToLinear12Bit[7], 0.00010434054, 5e-12);
+    EXPECT_NEAR(kPQOETFToLinear12Bit[1000], 4.747455141132, 5e-13);
+    EXPECT_NEAR(kPQOETFToLinear12Bit[2000], 82.08474372284, 5e-12);
+    EXPECT_EQ(kPQOETFToLinear12Bit[4095], 10000);
+    EXPECT_NEAR(kPQOETFFromLinear12BitLoLUTMax, luminance[1015], 1e-12);
+    EXPECT_NEAR(kPQOETFFromLinear12BitHiLUTMin, luminance[1016], 1e-12);
+
+    EXPECT_EQ(kPQOETFFromLinear12Bit[0], 7 / 4095.0);
+    EXPECT_EQ(kPQOETFFromLinear12Bit[kPQOETFFromLinear12BitIdxMax], 1);
+    for (int i = 1; i <= kPQOETFFromLinear12BitIdxMax; ++i) {
+        const bool upper = i > kHalvedLUTIdxMax;
+        const double first = upper ? kPQOETFFromLinear12BitHiLUTMin : 0.0001;
+        const double last = upper ? 10000 : kPQOETFFromLinear12BitLoLUTMax;
+        const double l = first + (last - first) * (i % (kHalvedLUTIdxMax + 1)) / kHalvedLUTIdxMax;
+        const auto above = std::ranges::upper_bound(luminance, l * (1 - 1e-12));
+        const auto next = std::clamp<std::ptrdiff_t>(above - luminance.begin(), 7, 4095);
+        const double below = luminance[static_cast<std::size_t>(next - 1)];
+        const double share = (l - below) / (luminance[static_cast<std::size_t>(next)] - below);
+        const double signal = (static_cast<double>(next) - 1 + share) / 4095;
+        EXPECT_NEAR(kPQOETFFromLinear12Bit[i], signal, 1e-12) << i;
+    }
+}
+
+} // namespace
+} // namespace kestrix::test
