@@ -7,10 +7,8 @@
 #include "preview/ScreenPreviewBase.h"
 #include "preview/ScreenPreviewLut.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
-#include <iterator>
 #include <string_view>
 
 namespace preview_host {

@@ -55,23 +55,26 @@ struct Options {
 /// asked for and printed.
 std::optional<Options> parseOptions(int argc, char** argv);
 
-/// The helpers, the colourspaces that a frame can state and the 3D modes of the previews, by the
-/// names of their options and in the order in which the keys go through them.
+/// A value by its name on the command line. The keys go through a table of them in its order.
 template<class VALUE>
 struct Named {
     const char* name;
     VALUE value;
 };
+
 inline constexpr Named<HelperKind> kHelpers[] = {
     {"gl", HelperKind::FixedFunction},
     {"gl3", HelperKind::OpenGL3},
 };
+
+/// What a frame can state.
 inline constexpr Named<std::optional<std::uint32_t>> kColorspaces[] = {
     {"none", std::nullopt},
     {"r601", ColorspaceCodeRec601},
     {"r709", ColorspaceCodeRec709},
     {"2020", ColorspaceCodeRec2020},
 };
+
 inline constexpr Named<std::uint32_t> kPreview3DModes[] = {
     {"default", Preview3DDefault}, {"left", Preview3DLeftOnly},       {"right", Preview3DRightOnly},
     {"side", Preview3DSideBySide}, {"topbottom", Preview3DTopBottom},

@@ -18,6 +18,7 @@
 
 namespace preview_host {
 
+/// From the first frame to the last, on one thread.
 class Session {
 public:
     /// Opens inputs, window and helper and reports them on standard output. Throws `UsageError` and

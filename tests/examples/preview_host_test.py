@@ -449,7 +449,8 @@ class BadInput(HostTest):
                             "OpenGL 3.2")
 
     def test_old_opengl_leaves_the_old_helper_at_the_key(self):
-        result = self.raw("-", "--keys", "h", stdin=bgra(plain(RED)), MESA_GL_VERSION_OVERRIDE="2.1")
+        result = self.raw("-", "--keys", "h", stdin=bgra(plain(RED)),
+                          MESA_GL_VERSION_OVERRIDE="2.1")
         self.assert_shown(result)
         self.assertIn(b"key h:       no OpenGL 3.2", result.stdout)
         self.assert_fields(RED, RED, RED, RED)
