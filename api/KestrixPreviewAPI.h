@@ -258,7 +258,7 @@ protected:
 /// - Both: pixel unpack parameters must have their initial values when a helper is called, and
 ///   `GL_PIXEL_UNPACK_BUFFER` must be 0.
 ///
-/// docs/host-guide.md has it call by call.
+/// docs/embedding.md has it call by call.
 class IKestrixGLScreenPreviewHelper : public IUnknown {
 public:
     /// Makes the helper's GL objects in the current context. May be called again, say in a new

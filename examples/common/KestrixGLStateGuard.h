@@ -159,6 +159,9 @@ private:
                 m_sampler[unit] = get(GL_SAMPLER_BINDING);
         }
         if (m_legacy) {
+            // Not all drivers have it in a group of attributes.
+            if (m_version >= 14)
+                m_colorSum = glIsEnabled(GL_COLOR_SUM);
             // Unit 0 is active. Values and not the stacks, on which there might be no place.
             glGetFloatv(GL_PROJECTION_MATRIX, m_projection);
             glGetFloatv(GL_MODELVIEW_MATRIX, m_modelview);
@@ -266,8 +269,11 @@ private:
             if (m_version >= capabilities()[i].since)
                 set(capabilities()[i].name, m_enabled[i]);
 
-        if (m_legacy)
+        if (m_legacy) {
             glPopAttrib();
+            if (m_version >= 14)
+                set(GL_COLOR_SUM, m_colorSum);
+        }
     }
 
     void activate(int unit) const
@@ -291,6 +297,7 @@ private:
     bool m_legacy; // has the fixed pipeline
     GLboolean m_enabled[kCapabilities] = {};
     GLint m_pixelStores[kPixelStores] = {};
+    GLboolean m_colorSum = GL_FALSE;
     GLboolean m_scissor = GL_FALSE;
     GLint m_scissorBox[4] = {};
     GLboolean m_colorMask[4] = {};

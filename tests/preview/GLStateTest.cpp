@@ -1,11 +1,14 @@
-/// All GL state before and after each call, against the table of docs/host-guide.md.
+/// All GL state before and after each call, against the table of docs/embedding.md; and the same
+/// within the guard for hosts, which is to leave nothing changed.
 #define GL_GLEXT_PROTOTYPES
+#include "examples/common/KestrixGLStateGuard.h"
 #include "tests/preview/DriverFixture.h"
 #include "tests/support/CaseName.h"
 
 #include <GL/glext.h>
 
 #include <algorithm>
+#include <cmath>
 #include <fstream>
 #include <functional>
 #include <iterator>
@@ -119,6 +122,15 @@ std::vector<double> valueOf(const State& state, const Key& key)
 {
     const auto found = state.find(key);
     return found != state.end() ? found->second : state.at({"", key.second});
+}
+
+void expectSame(const State& after, const State& expected, const std::string& row)
+{
+    State all = expected;
+    all.insert(after.begin(), after.end());
+    for (const auto& [key, values] : all)
+        EXPECT_EQ(valueOf(after, key), valueOf(expected, key))
+            << row << key.first << std::hex << std::showbase << key.second;
 }
 
 /// Reads whatever the driver lets be read: names are found by asking for all that there can be.
@@ -259,14 +271,19 @@ private:
 /// A host with everything set to what nobody starts with.
 class Host {
 public:
-    Host()
+    explicit Host(bool fixedPipeline) : m_fixedPipeline(fixedPipeline)
     {
         KESTRIX_DRIVER(glGenTextures)(9, m_textures);
-        KESTRIX_DRIVER(glGenBuffers)(4, m_buffers);
+        KESTRIX_DRIVER(glGenBuffers)(5, m_buffers);
+        KESTRIX_DRIVER(glGenSamplers)(2, m_samplers);
         KESTRIX_DRIVER(glGenVertexArrays)(1, &m_array);
+        // While what is read through the unpack state is read right.
+        const GLubyte nothing[128] = {};
+        if (fixedPipeline)
+            KESTRIX_DRIVER(glPolygonStipple)(nothing);
         const auto createShader = KESTRIX_DRIVER(glCreateShader);
         const GLuint shader = createShader(GL_VERTEX_SHADER);
-        const GLchar* source = "void main() { gl_Position = gl_Vertex; }";
+        const GLchar* source = "#version 150\nvoid main() { gl_Position = vec4(0); }";
         KESTRIX_DRIVER(glShaderSource)(shader, 1, &source, nullptr);
         KESTRIX_DRIVER(glCompileShader)(shader);
         m_program = KESTRIX_DRIVER(glCreateProgram)();
@@ -286,28 +303,22 @@ public:
         bindBuffer(GL_UNIFORM_BUFFER, m_buffers[3]);
         KESTRIX_DRIVER(glVertexAttribPointer)(3, 2, GL_SHORT, GL_TRUE, 12, nullptr);
         KESTRIX_DRIVER(glEnableVertexAttribArray)(3);
-        KESTRIX_DRIVER(glEnableClientState)(GL_NORMAL_ARRAY);
         KESTRIX_DRIVER(glUseProgram)(m_program);
 
-        const auto enable = KESTRIX_DRIVER(glEnable);
         for (GLenum unit = 0; unit < 3; ++unit) {
             KESTRIX_DRIVER(glActiveTexture)(GL_TEXTURE0 + unit);
             const auto bindTexture = KESTRIX_DRIVER(glBindTexture);
             bindTexture(GL_TEXTURE_1D, m_textures[3 * unit]);
             bindTexture(GL_TEXTURE_2D, m_textures[3 * unit + 1]);
             bindTexture(GL_TEXTURE_3D, m_textures[3 * unit + 2]);
-            KESTRIX_DRIVER(glTexEnvi)(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_BLEND);
-            KESTRIX_DRIVER(glMultiTexCoord4f)(GL_TEXTURE0 + unit, 0.5f, 0.25f, 3, 2);
-            enable(GL_TEXTURE_2D);
-            enable(GL_TEXTURE_3D);
-            enable(GL_TEXTURE_GEN_R);
         }
+        if (m_fixedPipeline)
+            setFixedPipeline();
         KESTRIX_DRIVER(glActiveTexture)(GL_TEXTURE0 + activeUnit);
         for (const GLenum capability :
              {GL_BLEND, GL_SCISSOR_TEST, GL_DEPTH_TEST, GL_STENCIL_TEST, GL_CULL_FACE, GL_DITHER,
-              GL_ALPHA_TEST, GL_FOG, GL_LIGHTING, GL_LIGHT3, GL_COLOR_LOGIC_OP, GL_NORMALIZE,
-              GL_POLYGON_OFFSET_FILL, GL_LINE_SMOOTH, GL_SAMPLE_COVERAGE})
-            enable(capability);
+              GL_COLOR_LOGIC_OP, GL_POLYGON_OFFSET_FILL, GL_LINE_SMOOTH, GL_SAMPLE_COVERAGE})
+            KESTRIX_DRIVER(glEnable)(capability);
         KESTRIX_DRIVER(glViewport)(3, 5, 40, 30);
         KESTRIX_DRIVER(glScissor)(1, 2, 20, 21);
         KESTRIX_DRIVER(glBlendFunc)(GL_DST_COLOR, GL_SRC_ALPHA);
@@ -317,16 +328,91 @@ public:
         KESTRIX_DRIVER(glDepthFunc)(GL_NOTEQUAL);
         KESTRIX_DRIVER(glPolygonMode)(GL_FRONT_AND_BACK, GL_LINE);
         KESTRIX_DRIVER(glClearColor)(0.25f, 0.5f, 0.75f, 1);
-        KESTRIX_DRIVER(glColor4f)(0.5f, 0.75f, 0.25f, 0.5f);
         KESTRIX_DRIVER(glPixelStorei)(GL_PACK_ALIGNMENT, 2);
+    }
+
+    /// And what the helpers count on is otherwise too.
+    void spoilState() const
+    {
+        const auto pixelStore = KESTRIX_DRIVER(glPixelStorei);
+        pixelStore(GL_UNPACK_SWAP_BYTES, 1);
+        pixelStore(GL_UNPACK_LSB_FIRST, 1);
+        pixelStore(GL_UNPACK_ROW_LENGTH, 7);
+        pixelStore(GL_UNPACK_IMAGE_HEIGHT, 3);
+        pixelStore(GL_UNPACK_SKIP_ROWS, 2);
+        pixelStore(GL_UNPACK_SKIP_PIXELS, 5);
+        pixelStore(GL_UNPACK_SKIP_IMAGES, 1);
+        pixelStore(GL_UNPACK_ALIGNMENT, 8);
+        KESTRIX_DRIVER(glBindBuffer)(GL_PIXEL_UNPACK_BUFFER, m_buffers[4]);
+        for (GLuint unit = 0; unit < 2; ++unit) {
+            KESTRIX_DRIVER(glSamplerParameteri)
+            (m_samplers[unit], GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+            KESTRIX_DRIVER(glBindSampler)(unit, m_samplers[unit]);
+        }
+        for (const GLenum capability :
+             {GL_FRAMEBUFFER_SRGB, GL_RASTERIZER_DISCARD, GL_PRIMITIVE_RESTART, GL_SAMPLE_MASK,
+              GL_SAMPLE_ALPHA_TO_COVERAGE, GL_SAMPLE_ALPHA_TO_ONE, GL_CLIP_DISTANCE0,
+              GL_CLIP_DISTANCE5, GL_CLIP_DISTANCE7, GL_POLYGON_SMOOTH})
+            KESTRIX_DRIVER(glEnable)(capability);
+        KESTRIX_DRIVER(glPrimitiveRestartIndex)(2);
+        KESTRIX_DRIVER(glStencilFunc)(GL_NEVER, 0, 0xFF);
+        KESTRIX_DRIVER(glDepthFunc)(GL_NEVER);
+        if (m_fixedPipeline)
+            spoilFixedPipeline();
+    }
+
+private:
+    void setFixedPipeline() const
+    {
+        const auto enable = KESTRIX_DRIVER(glEnable);
+        KESTRIX_DRIVER(glEnableClientState)(GL_NORMAL_ARRAY);
+        for (GLenum unit = 0; unit < 3; ++unit) {
+            KESTRIX_DRIVER(glActiveTexture)(GL_TEXTURE0 + unit);
+            KESTRIX_DRIVER(glTexEnvi)(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_BLEND);
+            KESTRIX_DRIVER(glMultiTexCoord4f)(GL_TEXTURE0 + unit, 0.5f, 0.25f, 3, 2);
+            enable(GL_TEXTURE_2D);
+            enable(GL_TEXTURE_3D);
+            enable(GL_TEXTURE_GEN_R);
+        }
+        for (const GLenum capability :
+             {GL_ALPHA_TEST, GL_FOG, GL_LIGHTING, GL_LIGHT3, GL_NORMALIZE})
+            enable(capability);
+        KESTRIX_DRIVER(glColor4f)(0.5f, 0.75f, 0.25f, 0.5f);
         KESTRIX_DRIVER(glMatrixMode)(GL_TEXTURE);
         KESTRIX_DRIVER(glLoadIdentity)();
         KESTRIX_DRIVER(glScalef)(2, 3, 4);
     }
 
-private:
+    static void spoilFixedPipeline()
+    {
+        const auto enable = KESTRIX_DRIVER(glEnable);
+        for (GLenum unit = 4; unit-- > 0;) {
+            KESTRIX_DRIVER(glActiveTexture)(GL_TEXTURE0 + unit);
+            for (const GLenum capability : {GL_TEXTURE_1D, GL_TEXTURE_CUBE_MAP, GL_TEXTURE_GEN_S,
+                                            GL_TEXTURE_GEN_T, GL_TEXTURE_GEN_Q})
+                enable(capability);
+        }
+        enable(GL_POLYGON_STIPPLE);
+        enable(GL_COLOR_SUM);
+        KESTRIX_DRIVER(glAlphaFunc)(GL_NEVER, 0.5f);
+        for (const GLenum matrix : {GL_PROJECTION, GL_MODELVIEW, GL_TEXTURE}) {
+            KESTRIX_DRIVER(glMatrixMode)(matrix);
+            KESTRIX_DRIVER(glLoadIdentity)();
+            KESTRIX_DRIVER(glScalef)(0.5f, 0.25f, 4);
+        }
+        const GLdouble plane[] = {0, 0, 0, -1};
+        KESTRIX_DRIVER(glClipPlane)(GL_CLIP_PLANE5, plane);
+        for (const GLenum scale : {GL_RED_SCALE, GL_GREEN_SCALE, GL_BLUE_SCALE, GL_ALPHA_SCALE})
+            KESTRIX_DRIVER(glPixelTransferf)(scale, 0.5f);
+        for (const GLenum bias : {GL_RED_BIAS, GL_GREEN_BIAS, GL_BLUE_BIAS, GL_ALPHA_BIAS})
+            KESTRIX_DRIVER(glPixelTransferf)(bias, 0.25f);
+        KESTRIX_DRIVER(glPixelTransferi)(GL_MAP_COLOR, 1);
+    }
+
+    bool m_fixedPipeline;
     GLuint m_textures[9] = {};
-    GLuint m_buffers[4] = {};
+    GLuint m_buffers[5] = {};
+    GLuint m_samplers[2] = {};
     GLuint m_array = 0;
     GLuint m_program = 0;
 };
@@ -348,11 +434,11 @@ protected:
 
 TEST_P(GLState, IsLeftAsThePageSays)
 {
-    std::ifstream file(KESTRIX_SOURCE_DIR "/docs/host-guide.md");
+    std::ifstream file(KESTRIX_SOURCE_DIR "/docs/embedding.md");
     const std::string page{std::istreambuf_iterator<char>(file), {}};
 
     const Canvas canvas(64, 64);
-    const Host host;
+    const Host host(true);
     const StateRecorder recorder(host.array());
     helper.reset(GetParam().create());
     for (const Call& call : GetParam().calls) {
@@ -361,7 +447,7 @@ TEST_P(GLState, IsLeftAsThePageSays)
         for (const Left& left : call.left)
             row += std::exchange(separator, ", ") + std::string(left.text);
         row += call.left.empty() ? "nothing |\n" : " |\n";
-        EXPECT_NE(page.find(row), std::string::npos) << "docs/host-guide.md has no row\n" << row;
+        EXPECT_NE(page.find(row), std::string::npos) << "docs/embedding.md has no row\n" << row;
 
         if (call.before)
             call.before(helper);
@@ -376,11 +462,7 @@ TEST_P(GLState, IsLeftAsThePageSays)
                 ASSERT_NE(left.values, valueOf(expected, key)) << left.text << " shows nothing";
                 expected[key] = left.values.empty() ? valueOf(after, key) : left.values;
             }
-            State all = expected;
-            all.insert(after.begin(), after.end());
-            for (const auto& [key, values] : all)
-                EXPECT_EQ(valueOf(after, key), valueOf(expected, key))
-                    << row << key.first << std::hex << std::showbase << key.second;
+            expectSame(after, expected, row);
         }
     }
 }
@@ -392,6 +474,100 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"FixedFunction", "fixed-function", CreateOpenGLScreenPreviewHelper_0002, 0,
                          kFixedFunctionCalls}),
     caseName);
+
+// --- The guard -----------------------------------------------------------------------------------
+
+const std::vector<std::pair<const char*, Action>> kSteps{
+    {"InitializeGL ", initialise},
+    {"PaintGL of a frame ",
+     [](Helper& it) {
+         set(it, kARGB, ColorspaceCodeRec2020, 8);
+         paint(it);
+     }},
+    {"PaintGL again ", paint},
+    {"PaintGL without a frame ",
+     [](Helper& it) {
+         kNoFrame(it);
+         paint(it);
+     }},
+};
+
+using Picture = std::vector<std::array<float, 4>>;
+
+/// The largest difference between two pictures; the driver may interpolate by other arithmetic in
+/// another state.
+float difference(const Picture& a, const Picture& b)
+{
+    float largest = 0;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        for (std::size_t component = 0; component < 4; ++component)
+            largest = std::max(largest, std::abs(a[i][component] - b.at(i)[component]));
+    return largest;
+}
+
+struct GuardCase {
+    const char* name;
+    GLContext::Kind context;
+    CreateScreenPreviewHelperFunction create;
+    GLenum activeUnit;
+};
+
+class GLStateGuard : public DriverTest, public testing::WithParamInterface<GuardCase> {
+protected:
+    GLStateGuard() : DriverTest(GetParam().context) {}
+};
+
+TEST_P(GLStateGuard, KeepsHostAndHelperApart)
+{
+    // By itself, all as a context has it at first but for the viewport, in which a host would also
+    // have what is cleared.
+    std::vector<Picture> expected;
+    {
+        const Canvas canvas(64, 64);
+        KESTRIX_DRIVER(glViewport)(3, 5, 40, 30);
+        KESTRIX_DRIVER(glScissor)(3, 5, 40, 30);
+        KESTRIX_DRIVER(glEnable)(GL_SCISSOR_TEST);
+        Helper alone(GetParam().create());
+        for (const auto& [text, step] : kSteps) {
+            step(alone);
+            expected.push_back(canvas.read());
+        }
+        KESTRIX_DRIVER(glDisable)(GL_SCISSOR_TEST);
+    }
+    ASSERT_NE(expected[1], expected[0]);
+    ASSERT_NE(expected[1], expected[3]);
+
+    const Canvas canvas(64, 64);
+    const Host host(GetParam().context == GLContext::Kind::Legacy);
+    const StateRecorder recorder(host.array());
+    const auto bindBuffer = KESTRIX_DRIVER(glBindBuffer);
+    helper.reset(GetParam().create());
+    for (std::size_t i = 0; i < kSteps.size(); ++i) {
+        host.setState(GetParam().activeUnit);
+        host.spoilState();
+        const State before = recorder.read();
+        Picture painted;
+        {
+            const KestrixGLStateGuard guard(driverEntryPoint);
+            kSteps[i].second(helper);
+            const int packBuffer = glState(GL_PIXEL_PACK_BUFFER_BINDING);
+            bindBuffer(GL_PIXEL_PACK_BUFFER, 0);
+            painted = canvas.read();
+            bindBuffer(GL_PIXEL_PACK_BUFFER, static_cast<GLuint>(packBuffer));
+        }
+        expectSame(recorder.read(), before, kSteps[i].first);
+        EXPECT_LT(difference(painted, expected[i]), 1e-5F) << kSteps[i].first;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Helpers, GLStateGuard,
+                         testing::Values(GuardCase{"OpenGL3InACoreProfile", GLContext::Kind::Core32,
+                                                   CreateOpenGL3ScreenPreviewHelper_0002, 2},
+                                         GuardCase{"OpenGL3", GLContext::Kind::Legacy,
+                                                   CreateOpenGL3ScreenPreviewHelper_0002, 2},
+                                         GuardCase{"FixedFunction", GLContext::Kind::Legacy,
+                                                   CreateOpenGLScreenPreviewHelper_0002, 2}),
+                         caseName);
 
 } // namespace
 } // namespace kestrix::test
