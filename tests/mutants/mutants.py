@@ -208,18 +208,16 @@ class Build:
         except subprocess.TimeoutExpired:
             return True
 
-    def outcome(self, file, names=(), tables=1, programs=None):
+    def outcome(self, file, names=(), tables=1, programs=None, only=None):
         """What the tests say of the copy of the sources, in which `file` may be at fault, in what
-        has these `names`. `programs` other than those of the file's group where they are given."""
+        has these `names`. `programs` other than those of the file's group where they are given, and
+        `only` tables of these sources."""
         including = [name for name, files in self.includes.items()
                      if file in files and name in self.commands]
         library = [name for name in including if name.startswith("CMakeFiles/")]
         sources = {name: re.search(r"/conversion/KSXPixelConversion_(\w+)\.cpp", name)
                    for name in library}
         sources = {name: match[1] for name, match in sources.items() if match}
-        library = self.compile([name for name in library if name not in sources])
-        if library is None:
-            return "does not compile"
 
         def rank(name):
             text = (ROOT / f"conversion/KSXPixelConversion_{sources[name]}.cpp").read_text()
@@ -227,15 +225,20 @@ class Build:
             # The shorter ones first, as they are made sooner.
             return uses < len(names), uses == 0, len(text)
 
-        for name in sorted(sources, key=rank)[:tables]:
+        chosen = sorted(sources, key=rank)[:tables]
+        for name in [n for n in sources if sources[n] in only] if only else chosen:
             made = self.compile([name])
             if made is None:
                 return "does not compile"
-            if self.falls(MODEL, library | made, f"*_{sources[name]}_To_*:EveryColour.*"):
+            if self.falls(MODEL, made, f"*_{sources[name]}_To_*"):
                 return f"caught by {MODEL}"
 
         if programs is None:
             programs = next(p for prefix, p in PROGRAMS.items() if file.startswith(prefix))
+        library = self.compile([name for name in library if name not in sources] if programs
+                               else [])
+        if library is None:
+            return "does not compile"
         for program in programs:
             # Tests of the engine make stages themselves; others take what is in the library.
             own = [name for name in including if f" {name} " in self.link_command(program)]
@@ -263,6 +266,8 @@ def main():
     parser.add_argument("--only", default="", help="only those in files that begin like this")
     parser.add_argument("--tables", type=int, default=3,
                         help="how many tables of conversions are made anew for a stage's fault")
+    parser.add_argument("--sources", nargs="*", metavar="SOURCE",
+                        help="whose tables, such as 8YUY422, in the place of a choice by name")
     parser.add_argument("--tests", nargs="*", metavar="PROGRAM",
                         help="programs, as paths in the build, in the place of the group's own")
     parser.add_argument("--list", action="store_true", help="print the faults and do nothing")
@@ -281,10 +286,10 @@ def main():
     directory = options.build.resolve()
     with tempfile.TemporaryDirectory(prefix="mutants-", dir=directory) as scratch:
         return run(Build(directory, pathlib.Path(scratch)), faults, options.tables,
-                   options.tests)
+                   options.tests, options.sources)
 
 
-def run(build, faults, tables, programs):
+def run(build, faults, *how):
     """Tries the faults, each with its number, in turn; the exit status."""
     tree = build.scratch / "tree"
     for path in subprocess.run(["git", "ls-files"], cwd=ROOT, capture_output=True, text=True,
@@ -312,7 +317,7 @@ def run(build, faults, tables, programs):
         lines = text.split("\n")
         lines[fault.number] = fault.new
         copy.write_text("\n".join(lines))
-        outcome = build.outcome(fault.file, names_around(lines, fault.number), tables, programs)
+        outcome = build.outcome(fault.file, names_around(lines, fault.number), *how)
         copy.write_text(text)
         kind = outcome.split(" by ")[0]
         counts[kind] = counts.get(kind, 0) + 1
