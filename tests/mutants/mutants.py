@@ -134,6 +134,8 @@ PROGRAMS = {
          "tests/api/kestrix_oom_test", "tests/preview/kestrix_preview_test"],
 }
 MODEL = "tests/conversion/conversion_entries_test"
+# Of its conversions those that no row of the table leads to.
+NO_ROWS = "*_Scalar:*ToRGB3:*To709:*ToPAL:*ToNTSC"
 
 
 class Build:
@@ -208,34 +210,39 @@ class Build:
         except subprocess.TimeoutExpired:
             return True
 
-    def outcome(self, file, names=(), tables=1, programs=None):
+    def outcome(self, file, names=(), tables=1, programs=None, only=None):
         """What the tests say of the copy of the sources, in which `file` may be at fault, in what
-        has these `names`. `programs` other than those of the file's group where they are given."""
+        has these `names`, a level for each step away from it. `programs` other than those of the
+        file's group where they are given, and `only` tables of these sources."""
         including = [name for name, files in self.includes.items()
                      if file in files and name in self.commands]
         library = [name for name in including if name.startswith("CMakeFiles/")]
         sources = {name: re.search(r"/conversion/KSXPixelConversion_(\w+)\.cpp", name)
                    for name in library}
         sources = {name: match[1] for name, match in sources.items() if match}
-        library = self.compile([name for name in library if name not in sources])
-        if library is None:
-            return "does not compile"
 
         def rank(name):
             text = (ROOT / f"conversion/KSXPixelConversion_{sources[name]}.cpp").read_text()
-            uses = sum(bool(re.search(rf"\b{n}\b", text)) for n in names)
+            words = set(re.findall(r"\w+", text))
+            level = next((n for n, level in enumerate(names) if level & words), len(names))
+            uses = len(names[level] & words) if level < len(names) else 0
             # The shorter ones first, as they are made sooner.
-            return uses < len(names), uses == 0, len(text)
+            return level, -uses, len(text)
 
-        for name in sorted(sources, key=rank)[:tables]:
+        chosen = sorted(sources, key=rank)[:tables]
+        for name in [n for n in sources if sources[n] in only] if only else chosen:
             made = self.compile([name])
             if made is None:
                 return "does not compile"
-            if self.falls(MODEL, library | made, f"*_{sources[name]}_To_*:EveryColour.*"):
+            if self.falls(MODEL, made, f"*_{sources[name]}_To_*:{NO_ROWS}"):
                 return f"caught by {MODEL}"
 
         if programs is None:
             programs = next(p for prefix, p in PROGRAMS.items() if file.startswith(prefix))
+        library = self.compile([name for name in library if name not in sources] if programs
+                               else [])
+        if library is None:
+            return "does not compile"
         for program in programs:
             # Tests of the engine make stages themselves; others take what is in the library.
             own = [name for name in including if f" {name} " in self.link_command(program)]
@@ -247,13 +254,39 @@ class Build:
         return "survived"
 
 
-def names_around(lines, number):
-    """What the class or function around a line is called, and what it is specialised for."""
-    while number > 0 and not re.match(r"(template|class|struct|inline|constexpr|static)\b",
-                                      lines[number]):
-        number -= 1
-    head = "\n".join(lines[number:number + 6]).split("{")[0]
-    return set(re.findall(r"\b[A-Z]\w{5,}", head))
+def blocks_of(text):
+    """The classes and functions of a header, each with the line that it begins in."""
+    begins = [n for n, line in enumerate(text.split("\n"))
+              if re.match(r"(template|class|struct|inline|constexpr|static|using|KSX_INLINE)\b", line)]
+    # What follows a line of a template's parameters alone belongs to it.
+    lines = text.split("\n")
+    begins = [n for n in begins if n == 0 or not lines[n - 1].startswith("template<")]
+    return [(n, "\n".join(lines[n:end])) for n, end in zip(begins, begins[1:] + [len(lines)])]
+
+
+def names_around(file, number):
+    """What the class or function around a line is called and specialised for, then what those are
+    called that use it, and so on."""
+    def words(text):
+        return set(re.findall(r"\b[A-Za-z]\w{5,}", text))
+
+    if not file.startswith(("conversion/stages/", "conversion/colour/")):
+        return []  # it is in all of them
+
+    blocks = [block for path in sorted(ROOT.glob("conversion/**/*.h"))
+              for block in blocks_of(path.read_text())]
+    own = [text for n, text in blocks_of((ROOT / file).read_text()) if n <= number][-1:]
+    common = {"template", "typename", "struct", "static", "inline", "constexpr", "public", "Kernel",
+              "KSX_INLINE", "__m128i", "unsigned", "concept", "requires", "Pixels", "kVectors"}
+    levels, known = [], set(common)
+    for _ in range(5):
+        heads = {w for text in own for w in words(text.split("{")[0])} - known
+        if not heads:
+            break
+        levels.append(heads)
+        known |= heads
+        own = [text for _, text in blocks if words(text) & heads]
+    return levels
 
 
 def main():
@@ -263,6 +296,8 @@ def main():
     parser.add_argument("--only", default="", help="only those in files that begin like this")
     parser.add_argument("--tables", type=int, default=3,
                         help="how many tables of conversions are made anew for a stage's fault")
+    parser.add_argument("--sources", nargs="*", metavar="SOURCE",
+                        help="whose tables, such as 8YUY422, in the place of a choice by name")
     parser.add_argument("--tests", nargs="*", metavar="PROGRAM",
                         help="programs, as paths in the build, in the place of the group's own")
     parser.add_argument("--list", action="store_true", help="print the faults and do nothing")
@@ -281,10 +316,10 @@ def main():
     directory = options.build.resolve()
     with tempfile.TemporaryDirectory(prefix="mutants-", dir=directory) as scratch:
         return run(Build(directory, pathlib.Path(scratch)), faults, options.tables,
-                   options.tests)
+                   options.tests, options.sources)
 
 
-def run(build, faults, tables, programs):
+def run(build, faults, *how):
     """Tries the faults, each with its number, in turn; the exit status."""
     tree = build.scratch / "tree"
     for path in subprocess.run(["git", "ls-files"], cwd=ROOT, capture_output=True, text=True,
@@ -312,7 +347,7 @@ def run(build, faults, tables, programs):
         lines = text.split("\n")
         lines[fault.number] = fault.new
         copy.write_text("\n".join(lines))
-        outcome = build.outcome(fault.file, names_around(lines, fault.number), tables, programs)
+        outcome = build.outcome(fault.file, names_around(fault.file, fault.number), *how)
         copy.write_text(text)
         kind = outcome.split(" by ")[0]
         counts[kind] = counts.get(kind, 0) + 1

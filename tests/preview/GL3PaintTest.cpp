@@ -212,6 +212,8 @@ TEST_F(GL3Paint, ExchangesTheTableOnlyWhereAnotherIsNeeded)
         {code("r210"), code("2020"), 16, E_FAIL, {}},
     };
     EXPECT_THAT(tableUploads(), ElementsAre(tableCall("glTexImage3D", LutID_YCbCr_709)));
+    expectUniform("glUniform1i", "fTex", 0);
+    expectUniform("glUniform1i", "fLut", 1); // the units that the host's page tells of
     for (const auto& c : cases) {
         const Frame frame = TestFrame::create({.width = c.width,
                                                .height = 576,
