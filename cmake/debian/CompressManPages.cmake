@@ -1,5 +1,6 @@
 # Debian keeps man pages compressed. CPack runs this over what it has installed for the packages.
-file(GLOB_RECURSE pages ${CPACK_TEMPORARY_DIRECTORY}/*/man/man*/*.[1-9])
+file(GLOB_RECURSE pages ${CPACK_TEMPORARY_DIRECTORY}/*.[1-9])
+list(FILTER pages INCLUDE REGEX "/man/man[1-9]/")
 foreach(page IN LISTS pages)
   execute_process(COMMAND gzip --best --no-name ${page} COMMAND_ERROR_IS_FATAL ANY)
 endforeach()

@@ -15,11 +15,13 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import textwrap
 
 SOURCE, BUILD = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
 PAGES = sorted([*SOURCE.glob("*.md"), *SOURCE.glob("docs/**/*.md")])
-FENCE = re.compile(r"^```(.*)\n((?:.*\n)*?)^```$", re.MULTILINE)
-COMMAND = re.compile(r"^    (?:\$ |sudo |script/|cmake |ctest |ffmpeg |git |preview_host|apt)", re.MULTILINE)
+FENCE = re.compile(r"^ *```(.*)\n((?:.*\n)*?) *```$", re.MULTILINE)
+COMMAND = re.compile(r"^    (?:\$ |sudo |script/|cmake |ctest |ffmpeg |git |preview_host|apt)",
+                     re.MULTILINE)
 faults = []
 
 
@@ -33,7 +35,7 @@ def blocks(page, language):
     for match in FENCE.finditer(text):
         name, _, rest = match[1].partition(" ")
         if name == language:
-            yield text.count("\n", 0, match.start()) + 1, rest.strip(), match[2]
+            yield text.count("\n", 0, match.start()) + 1, rest.strip(), textwrap.dedent(match[2])
 
 
 def anchors(page):
