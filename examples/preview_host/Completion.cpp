@@ -94,27 +94,27 @@ std::string zshText(const std::string& text)
 
 std::string zshScript(const std::vector<const CLI::Option*>& options)
 {
-    std::string specs;
+    std::string arguments;
     for (const CLI::Option* option : options) {
         const std::string type = option->get_type_name();
         const std::string words = wordsOf(type);
         const std::string values = type == "FILE"  ? "_files"
                                    : words.empty() ? ""
                                                    : "(" + words + ")";
-        specs += " \\\n        '";
+        arguments += " \\\n        '";
         if (option->get_positional())
-            specs.append("::").append(option->get_name()).append(":").append(values);
+            arguments.append("::").append(option->get_name()).append(":").append(values);
         else
-            specs += option->get_name() + (takesValue(*option) ? "=" : "") + "[" +
+            arguments += option->get_name() + (takesValue(*option) ? "=" : "") + "[" +
                      zshText(option->get_description()) + "]" +
                      (takesValue(*option) ? ":value:" + values : "");
-        specs += "'";
+        arguments += "'";
     }
     return "#compdef preview_host\n"
            "_preview_host()\n"
            "{\n"
            "    _arguments" +
-           specs +
+           arguments +
            "\n"
            "}\n"
            "# Found on fpath this file is the function itself, sourced it is to make it known.\n"
