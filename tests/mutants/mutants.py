@@ -71,6 +71,12 @@ RULES = [
 EQUIVALENT = [
     (r"swap arguments: .*(_mm_(madd|add|adds|avg|or|and|xor|min|max|mullo|mulhi)_|std::lcm)",
      "the operation gives the same either way round"),
+    (r"Transform.h: false to true: runBlocks<false, 0, PREFETCH / kBlocksInWide>",
+     "no stage of a pipeline with wide blocks looks back, so none has a first step"),
+    (r"Pipeline.h: < to <=: return P::kBlock < 16 \? std::lcm",
+     "the least common multiple of 16 and 16 is 16"),
+    (r"Pipeline.h: && to \|\|: !LooksAhead<StageAt<I \+ 1>> && connects",
+     "an assertion at compile time, which all pipelines that there are hold"),
 ]
 
 
