@@ -18,7 +18,6 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libkestrixpreviewapi1)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
-# The trigger runs ldconfig where the scripts that CPack would write call it themselves.
 file(WRITE ${PROJECT_BINARY_DIR}/debian/triggers "activate-noawait ldconfig\n")
 file(WRITE ${PROJECT_BINARY_DIR}/debian/shlibs
   "libKestrixPreviewAPI ${PROJECT_VERSION_MAJOR} libkestrixpreviewapi1 (>= ${PROJECT_VERSION})\n")

@@ -1,8 +1,8 @@
 /// Prints docs/formats.md: sizes from the list of formats, bits from the layouts that the tests of
 /// all conversions read and write by, limits from the stages, helpers from the lookup and the
 /// shader.
-#include "tests/conversion/EntriesThatTellTheirLimits.h"
-#include "tests/conversion/FormatNames.h"
+#include "docs/printed/EntriesThatTellTheirLimits.h"
+#include "docs/printed/FormatNames.h"
 #include "tests/reference/Conversions.h"
 
 #include "conversion/PixelFormats.h"

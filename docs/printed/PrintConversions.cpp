@@ -1,7 +1,7 @@
 /// Prints docs/conversions.md, and fails where what the stages ask of rows is not what the scalar
 /// reference says.
-#include "tests/conversion/EntriesThatTellTheirLimits.h"
-#include "tests/conversion/FormatNames.h"
+#include "docs/printed/EntriesThatTellTheirLimits.h"
+#include "docs/printed/FormatNames.h"
 #include "tests/reference/Conversions.h"
 #include "tests/support/AllConversions.h"
 
