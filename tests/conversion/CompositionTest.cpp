@@ -72,6 +72,7 @@ using Single = PLAIN<6, 4>;
 using AThenB = FORM<7, 4, A, B>;
 using AThenBThenC = FORM<8, 8, A, B, C>;
 using SingleOnEights = FORM<9, 8, Single>;
+using BOnEights = FORM<0, 8, B>;
 
 } // namespace
 } // namespace kestrix::test
@@ -85,6 +86,10 @@ struct MergedForm<kestrix::test::A, kestrix::test::B> {
 template<>
 struct MergedForm<kestrix::test::A, kestrix::test::B, kestrix::test::C> {
     using type = StageList<kestrix::test::AThenBThenC>;
+};
+template<>
+struct MergedForm<kestrix::test::C, kestrix::test::B> {
+    using type = StageList<kestrix::test::C, kestrix::test::BOnEights>;
 };
 template<>
 struct MergedForm<kestrix::test::Single> {
@@ -159,6 +164,8 @@ TEST(MergedForms, TakeTheLongestRunWhoseStepDividesTheBlock)
     EXPECT_EQ((idsThatRan<BIND3<C, A, B>>()), "37") << "not at the front only";
     EXPECT_EQ((idsThatRan<BIND4<A, B, A, B>>()), "7") << "more than once";
     EXPECT_EQ((idsThatRan<BIND<B, A>>()), "12") << "in this order alone";
+    EXPECT_EQ((idsThatRan<BIND<C, B>>()), "23") << "8 does not divide 4, though 4 does";
+    EXPECT_EQ((idsThatRan<BIND3<C, B, Eights>>()), "034");
     EXPECT_EQ((idsThatRan<BIND<A, BIND<B, C>>>()), "37") << "across nested pipelines";
     EXPECT_EQ((idsThatRan<BIND<Single, Eights>>()), "49");
     EXPECT_EQ((idsThatRan<BIND<Single, Twelves>>()), "56") << "8 does not divide 12";
