@@ -76,6 +76,12 @@ EQUIVALENT = [
     (r"Pipeline.h: < to <=: return P::kBlock < 16 \? std::lcm",
      "the least common multiple of 16 and 16 is 16"),
     (r"RGB12.h: >= to >: .*from >= 9", "byte 12 of what is joined is 0, as is a byte left out"),
+    (r"(true to false|false to true): .*(UNPACK, RGBv4_RESCALE|struct MergedForm<)",
+     "a form that no list names: the chain gives the same bytes, the budgets of instructions fall"),
+    (r"Pipeline.h: >= to >: .*sizeof...\(RUN\) >= 2", "as before, of twins"),
+    (r"kLimitsLight<RGB_2020_TO_601NTSC>", "the one curve behind it limits by itself"),
+    (r"BitDepth.h: == to !=: .*slli_epi32", "no code leaves its half of a lane"),
+    (r"Rescale.h: >= to >: .*kFits = s >= 0", "what does not fit is computed the long way, to the same"),
     (r"Pipeline.h: && to \|\|: !LooksAhead<StageAt<I \+ 1>> && connects",
      "an assertion at compile time, which all pipelines that there are hold"),
 ]
