@@ -31,7 +31,7 @@ bool mapped()
 {
     std::ifstream maps("/proc/self/maps");
     for (std::string line; std::getline(maps, line);)
-        if (line.find("libKestrixPreviewAPI") != std::string::npos)
+        if (line.find("libKestrixPreviewAPI.so") != std::string::npos)
             return true;
     return false;
 }
