@@ -197,16 +197,6 @@ INSTANTIATE_TEST_SUITE_P(All, ConversionsOfOnePixelSize,
 INSTANTIATE_TEST_SUITE_P(All, ConversionsOfRec601, testing::ValuesIn(conversionsOfRec601()),
                          caseName);
 
-TEST(ScalarReference, KnowsEveryBitOfRowsOfWholeBlocks)
-{
-    for (const ConversionEntry& entry : conversions) {
-        const std::vector<std::uint8_t> in(192 * 8 + 16);
-        const auto row = reference::rowConversion(entry).convert(in.data(), 192, 1);
-        EXPECT_EQ(row.undefined, std::vector<std::uint8_t>(row.bytes.size()))
-            << "row " << &entry - conversions;
-    }
-}
-
 TEST(CopyWithoutConversion, CopiesAsManyBytesAsTheDestinationsRowsLieApart)
 {
     const std::vector<std::uint8_t> src = {1, 2, 3, 4, 5, 6, 7, 8};
