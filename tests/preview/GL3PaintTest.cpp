@@ -187,6 +187,22 @@ TEST_F(GL3Paint, KeepsStorageForAsLongAsTheEyesAreShownTheSameWay)
     }
 }
 
+// Both are uploaded with the left one's size, so that another shape would be read out of bounds.
+TEST_F(GL3Paint, LeavesOutARightEyeOfAnotherShape)
+{
+    MemoryFrameOptions higher = kSmall;
+    higher.height += 2;
+    MemoryFrameOptions longer = kSmall;
+    longer.rowBytes = 96;
+    for (const MemoryFrameOptions& shape : {higher, longer}) {
+        const Frame right = TestFrame::create(shape);
+        const Frame left = TestFrame::create(stereo(kSmall, right));
+        paint(left.get());
+        EXPECT_EQ(uploads().back(), upload(0, 0, left));
+        expectPicture(16, 4, 0);
+    }
+}
+
 // --- Colour tables -------------------------------------------------------------------------------
 
 TEST_F(GL3Paint, ExchangesTheTableOnlyWhereAnotherIsNeeded)

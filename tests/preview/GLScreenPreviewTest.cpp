@@ -282,6 +282,19 @@ TEST_F(GLPreviewWithBuffers, StreamsThroughTheSlotsBuffer)
     EXPECT_THAT(gl.callNames(), Not(Contains("glUnmapBuffer")));
     EXPECT_EQ(gl.callsTo({"glBindBuffer"}).back(), call("glBindBuffer", GL_PIXEL_UNPACK_BUFFER, 0));
     expectQuad(1, 1);
+
+    // Textures that so got no storage get it with the next picture of their slot.
+    const MemoryFrameOptions wider = rgba(32, 8);
+    for (std::size_t i = 0; i < buffers.size(); ++i) {
+        EXPECT_EQ(helper->SetFrame(taggedFrame(wider, 2).get()), S_OK);
+        EXPECT_FALSE(paint());
+    }
+    gl.fake.buffersMap = true;
+    for (std::size_t i = 0; i < 2 * buffers.size(); ++i) {
+        const Upload upload = show(taggedFrame(wider, 3));
+        EXPECT_EQ(upload.newTexture, i < buffers.size());
+        expectPart(upload, {.tag = 3, .width = 32});
+    }
 }
 
 // --- Lines ---------------------------------------------------------------------------------------
