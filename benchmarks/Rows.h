@@ -22,16 +22,6 @@ inline std::size_t rowBytes(KSX::PixelConversion::PixelFormat format, unsigned w
     return KSX::PixelConversion::rowBytes(*KSX::PixelConversion::findPixelFormat(format), width);
 }
 
-inline std::string formatName(KSX::PixelConversion::PixelFormat format)
-{
-    if (format == KSX::PixelConversion::PixelFormat_ARGB)
-        return "ARGB";
-    std::string code;
-    for (int shift = 24; shift >= 0; shift -= 8)
-        code += static_cast<char>(format >> shift & 0xff);
-    return code;
-}
-
 /// "709", or nothing for an unspecified colourspace.
 inline std::string colourspaceName(KSX::PixelConversion::Colorspace colorspace)
 {
@@ -53,7 +43,8 @@ inline std::string shortName(unsigned index)
     const auto end = [](KSX::PixelConversion::PixelFormat format,
                         KSX::PixelConversion::Colorspace colorspace) {
         const std::string suffix = colourspaceName(colorspace);
-        return formatName(format) + (suffix.empty() ? "" : ":" + suffix);
+        return KSX::PixelConversion::findPixelFormat(format)->name +
+               (suffix.empty() ? "" : ":" + suffix);
     };
     const auto& row = KSX::PixelConversion::conversions[index];
     return end(row.srcFormat, row.srcColorspace) + "/" + end(row.dstFormat, row.dstColorspace);

@@ -1,7 +1,7 @@
 /// Formats and colourspaces as the pages in docs/ name them.
 #pragma once
 
-#include "conversion/KSXPixelConversion.h"
+#include "conversion/PixelFormats.h"
 
 #include <string>
 
@@ -10,12 +10,8 @@ namespace kestrix::test {
 /// The four characters, or "32".
 inline std::string codeOf(KSX::PixelConversion::PixelFormat format)
 {
-    if (format == KSX::PixelConversion::PixelFormat_ARGB)
-        return "32";
-    std::string name;
-    for (int shift = 24; shift >= 0; shift -= 8)
-        name += static_cast<char>(format >> shift & 0xFF);
-    return name;
+    using namespace KSX::PixelConversion;
+    return format == PixelFormat_ARGB ? "32" : findPixelFormat(format)->name;
 }
 
 /// The same as Markdown.

@@ -18,7 +18,7 @@ std::string wordsOf(std::string type)
     if (type == "FORMAT") {
         std::string words;
         for (const auto& info : KSX::PixelConversion::kPixelFormats)
-            words.append(words.empty() ? "" : " ").append(formatName(info.code));
+            words.append(words.empty() ? "" : " ").append(info.name);
         return words;
     }
     if (type.find('|') == type.npos)
@@ -106,8 +106,8 @@ std::string zshScript(const std::vector<const CLI::Option*>& options)
             arguments.append("::").append(option->get_name()).append(":").append(values);
         else
             arguments += option->get_name() + (takesValue(*option) ? "=" : "") + "[" +
-                     zshText(option->get_description()) + "]" +
-                     (takesValue(*option) ? ":value:" + values : "");
+                         zshText(option->get_description()) + "]" +
+                         (takesValue(*option) ? ":value:" + values : "");
         arguments += "'";
     }
     return "#compdef preview_host\n"

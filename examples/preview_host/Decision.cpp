@@ -63,8 +63,8 @@ std::string conversionFor(const ScreenPreviewBase& base)
         return clamped + "no conversion, the rows are copied";
     const auto* row = rowOf(base.previewConversion(), base.previewFormat());
     std::string words = clamped + "row " + std::to_string(row - conversions) +
-                        " of the conversions, " + formatName(row->srcFormat) + " to " +
-                        formatName(row->dstFormat);
+                        " of the conversions, " + findPixelFormat(row->srcFormat)->name + " to " +
+                        findPixelFormat(row->dstFormat)->name;
     words += row->srcColorspace == ColorspaceUnspecified
                  ? ", the same in every colourspace"
                  : " of " + colorspaceName(row->dstColorspace);
@@ -79,9 +79,10 @@ std::string fixedFunctionDecision(IKestrixVideoFrame* frame)
         colorspaceName(base.previewColourspace()) +
         (statedCode(frame) ? " as stated" : " by width " + std::to_string(frame->GetWidth()));
     return colorspace + "; " +
-           (canBeShown ? conversionFor(base)
-                       : "not shown: no row of the conversions leads from " +
-                             formatName(frame->GetPixelFormat()) + " to RGBA of Rec. 709");
+           (canBeShown
+                ? conversionFor(base)
+                : std::string("not shown: no row of the conversions leads from ") +
+                      findPixelFormat(frame->GetPixelFormat())->name + " to RGBA of Rec. 709");
 }
 
 /// Whether the shader has a case for the format.
@@ -114,9 +115,10 @@ std::string openGL3Decision(IKestrixVideoFrame* frame)
     if (code)
         reason = *code == ColorspaceCodeRec601 ? " as stated and by size " + size : " as stated";
     return kColorspaces[table % kColorspaces.size()] + reason + "; " +
-           (shaderKnows(format) ? "colour table " + std::to_string(table) + ", " +
-                                      kInputs[table / kColorspaces.size()]
-                                : "black: the shader does not know " + formatName(format));
+           (shaderKnows(format)
+                ? "colour table " + std::to_string(table) + ", " +
+                      kInputs[table / kColorspaces.size()]
+                : std::string("black: the shader does not know ") + findPixelFormat(format)->name);
 }
 
 } // namespace

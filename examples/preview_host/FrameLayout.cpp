@@ -31,12 +31,13 @@ Colorspace encodingOf(const FrameLayout& layout)
 
 FrameLayout makeLayout(const Options& options, Size size)
 {
-    const std::size_t needed = rowBytes(*findPixelFormat(options.format), size.width);
+    const auto& format = *findPixelFormat(options.format);
+    const std::size_t needed = rowBytes(format, size.width);
     const std::size_t given = options.rowBytes.value_or(needed);
     if (given < needed)
         throw UsageError("--row-bytes: " + std::to_string(size.width) + " pixels of " +
-                         formatName(options.format) + " take " + std::to_string(needed) +
-                         " bytes a row, not " + std::to_string(given));
+                         format.name + " take " + std::to_string(needed) + " bytes a row, not " +
+                         std::to_string(given));
     if (given > kLargestFrame / size.height)
         throw UsageError("frames of " + std::to_string(given * size.height) +
                          " bytes are too large, " + std::to_string(kLargestFrame) + " is the most");

@@ -219,20 +219,10 @@ std::optional<Options> parseOptions(int argc, char** argv)
     return options;
 }
 
-std::string formatName(std::uint32_t format)
-{
-    if (format == KSX::PixelConversion::PixelFormat_ARGB)
-        return "ARGB";
-    std::string name;
-    for (int shift = 24; shift >= 0; shift -= 8)
-        name += static_cast<char>(format >> shift & 0xff);
-    return name;
-}
-
 std::optional<std::uint32_t> formatCode(const std::string& name)
 {
     for (const auto& info : KSX::PixelConversion::kPixelFormats)
-        if (formatName(info.code) == name || std::to_string(info.code) == name)
+        if (info.name == name || std::to_string(info.code) == name)
             return info.code;
     return std::nullopt;
 }

@@ -97,9 +97,6 @@ VALUE nextValue(const Named<VALUE> (&table)[N], VALUE value)
     return table[(&named(table, value) - table + 1) % N].value;
 }
 
-/// The four characters of a format code, or "ARGB" for the one that has none.
-std::string formatName(std::uint32_t format);
-
 /// The code that a format's name or number means, if it is one of the 30.
 std::optional<std::uint32_t> formatCode(const std::string& name);
 

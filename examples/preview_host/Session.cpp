@@ -62,7 +62,8 @@ std::optional<std::uint64_t> expectedFrames(std::optional<std::uint64_t> limit, 
 
 std::string nameWithEngineName(std::uint32_t format)
 {
-    return formatName(format) + " (" + findPixelFormat(format)->engineName + ")";
+    const auto* info = findPixelFormat(format);
+    return std::string(info->name) + " (" + info->engineName + ")";
 }
 
 std::string inMilliseconds(const FrameTimes& times)
@@ -212,7 +213,7 @@ std::string Session::change(Action action)
             next.format = *format;
             return tryLayout(next);
         }
-        return formatName(m_options.format) + " has one range only";
+        return findPixelFormat(m_options.format)->name + std::string(" has one range only");
     case Action::NextColorspace:
         next.colorspace = nextValue(kColorspaces, m_options.colorspace);
         return tryLayout(next);
@@ -307,7 +308,8 @@ void Session::tellStart()
                        std::to_string(layout.rowBytes) + " bytes a row" +
                        (m_options.captured ? ", captured" : "") +
                        (layout.flip ? ", bottom row first" : ""));
-    tell("colourspace", layout.colorspace ? formatName(*layout.colorspace) : "none stated");
+    tell("colourspace",
+         layout.colorspace ? named(kColorspaces, layout.colorspace).name : "none stated");
     tell("helper", m_options.helper == HelperKind::OpenGL3 ? "OpenGL 3" : "fixed function");
     tell("OpenGL", m_window.version());
 }
@@ -316,7 +318,8 @@ void Session::tellDecision()
 {
     const std::string decision = decisionFor(m_options.helper, m_reader.frame());
     tell("decided", decision);
-    m_window.setTitle("preview_host: " + formatName(m_options.format) + ", " + decision);
+    m_window.setTitle(std::string("preview_host: ") + findPixelFormat(m_options.format)->name +
+                      ", " + decision);
 }
 
 void Session::showChange(const std::string& label)

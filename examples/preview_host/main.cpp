@@ -16,7 +16,7 @@ namespace {
 void listFormats()
 {
     for (const auto& info : KSX::PixelConversion::kPixelFormats)
-        std::cout << formatName(info.code) << "  " << std::left << std::setw(25) << info.engineName
+        std::cout << info.name << "  " << std::left << std::setw(25) << info.engineName
                   << std::right << std::setw(2) << info.groupBytes << " bytes for "
                   << info.groupPixels << (info.groupPixels == 1 ? " pixel\n" : " pixels\n");
 }

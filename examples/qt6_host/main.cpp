@@ -1,14 +1,16 @@
 /// Qt 6: a `QOpenGLWidget` that shows the newest frame. A double click, or `--detach`, moves it out
 /// of its window into one of its own, and back.
-#include "BarsFrame.h"
-#include "ExampleMain.h"
 
+// Qt's headers first: with them comes a glext.h of Qt's own, which warns of another before it.
 #include <QApplication>
 #include <QMainWindow>
 #include <QOpenGLContext>
 #include <QOpenGLWidget>
 #include <QSurfaceFormat>
 #include <QTimer>
+
+#include "BarsFrame.h"
+#include "ExampleMain.h"
 
 namespace {
 

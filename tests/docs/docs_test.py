@@ -18,7 +18,7 @@ import tempfile
 import textwrap
 
 SOURCE, BUILD = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
-PAGES = sorted([*SOURCE.glob("*.md"), *SOURCE.glob("docs/**/*.md")])
+PAGES = sorted([*SOURCE.glob("*.md"), *SOURCE.glob("docs/**/*.md"), *SOURCE.glob("examples/*.md")])
 FENCE = re.compile(r"^ *```(.*)\n((?:.*\n)*?) *```$", re.MULTILINE)
 COMMAND = re.compile(r"^    (?:\$ |sudo |script/|cmake |ctest |ffmpeg |git |preview_host|apt)",
                      re.MULTILINE)
