@@ -24,7 +24,7 @@ namespace {
 
 constexpr char kHead[] = R"(# Pixel formats
 
-30 formats, each a packed layout of whole picture rows. The code is a FourCC with its first character
+%zu formats, each a packed layout of whole picture rows. The code is a FourCC with its first character
 in the top byte of a 32-bit value; 8-bit ARGB is the plain number 32. The page is printed by the
 program `print_formats` of the tests, from what the code and its tests go by.
 
@@ -84,7 +84,7 @@ constexpr char kMatrix[] = R"(
 
 Read a line from its source, then up to the destination. `a` is a conversion that is the same in all
 colourspaces, `c` has one for each of some colourspaces, and `p` has changes of primaries too. Pairs
-without a letter have no conversion. The 364 rows stand in [conversions](conversions.md).
+without a letter have no conversion. The %u rows stand in [conversions](conversions.md).
 
 ```text
 )";
@@ -350,7 +350,7 @@ void printMatrix()
 
 int main()
 {
-    std::fputs(kHead, stdout);
+    std::printf(kHead, std::size(kPixelFormats));
     printFormats();
     std::fputs(kLimits, stdout);
     printLimits();
@@ -358,7 +358,7 @@ int main()
     printHelpers();
     std::fputs(kBytes, stdout);
     printBytes();
-    std::fputs(kMatrix, stdout);
+    std::printf(kMatrix, kConversionCount);
     printMatrix();
     std::fputs("```\n", stdout);
 }
