@@ -15,6 +15,7 @@
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <mutex>
 #include <type_traits>
 
 using namespace KSX::PixelConversion;
@@ -34,10 +35,15 @@ PFNGLGETBUFFERPARAMETERIVPROC s_glGetBufferParameteriv;
 PFNGLMAPBUFFERPROC s_glMapBuffer;
 PFNGLUNMAPBUFFERPROC s_glUnmapBuffer;
 
+/// Helpers of several contexts may be initialised on several threads.
+std::mutex s_procsMutex;
+
 /// Looks the entry points up once; true when all are there. They are of use together only, so where
-/// one is missing the first is forgotten, and the next call looks again.
+/// one is missing the first is forgotten, and the next call looks again. A helper calls them after
+/// it was told true here, and then nothing writes them any more.
 bool wglInitGLExtProcs()
 {
+    const std::lock_guard lock(s_procsMutex);
     if (s_glGenBuffers)
         return true;
 
