@@ -193,10 +193,13 @@ public:
     virtual std::int64_t GetWidth() = 0;
     /// Lines.
     virtual std::int64_t GetHeight() = 0;
-    /// Bytes from one line to the next.
+    /// Bytes from one line to the next, at least those of its pixels. The OpenGL 3 helper counts in
+    /// words: a multiple of 4.
     virtual std::int64_t GetRowBytes() = 0;
     /// The layout of the bytes: a FourCC with its first character in the top byte, or 32 for 8-bit
-    /// ARGB. docs/formats.md lists them.
+    /// ARGB; docs/formats.md of the sources has them byte by byte. Both helpers paint "2vuy",
+    /// "v210", "Ay10", 32, "vRGB", "BGRA", "BGRv", "r210", "R10l", "R10L", "R10b", "R10B", "R12B",
+    /// "R12L" and "R12l"; the fixed-function helper also "RGBA", "RGB3", "R210" and "R10A".
     virtual std::uint32_t GetPixelFormat() = 0;
     /// `KestrixFrameFlags`.
     virtual std::uint32_t GetFlags() = 0;
@@ -213,6 +216,7 @@ protected:
 class IKestrixVideoBuffer : public IUnknown {
 public:
     /// Stores the address of the top-left pixel of the first line in memory. No reference is given.
+    /// All lines can be read, of `GetRowBytes` bytes each, and 64 bytes past the last.
     virtual HRESULT GetBytes(void** out) = 0;
     /// Opens an access; `flags` is a `KestrixBufferAccessFlags`. Accesses may nest and overlap.
     virtual HRESULT StartAccess(std::uint32_t flags) = 0;
@@ -228,7 +232,8 @@ class IKestrixVideoFrame3DExtensions : public IUnknown {
 public:
     /// How the two eyes lie in the frame: a `Kestrix3DPackingFormat` or any other code.
     virtual std::uint32_t Get3DPackingFormat() = 0;
-    /// Stores the right eye's frame, with a reference; it must have the size of the left one.
+    /// Stores the right eye's frame, with a reference; it must have the size, the row bytes, the
+    /// format and the colourspace of the left one, or it may be left out of the picture.
     /// `E_INVALIDARG` for a null `out`.
     virtual HRESULT GetFrameForRightEye(IKestrixVideoFrame** out) = 0;
 
@@ -241,8 +246,10 @@ protected:
 ///
 /// Threads. `InitializeGL`, `PaintGL` and the last `Release` belong to the GL thread, with the same
 /// context (or one that shares its objects) current. `SetFrame` and `Set3DPreviewFormat` of the
-/// OpenGL 3 helper may come from any thread at any time; those of the fixed-function helper must
-/// not run at the same time as any other call on the helper.
+/// OpenGL 3 helper may come from any thread at any time, and wait while `InitializeGL` builds the
+/// shaders; those of the fixed-function helper must not run at the same time as any other call on
+/// the helper. `SetFrame` calls the frames' `AddRef` and `Release` under the helper's lock: these
+/// must not call the helper, nor wait for a lock under which the host calls it.
 ///
 /// GL state. Viewport, scissor, blending, depth, masks and the framebuffer binding are never
 /// touched: the quad fills the viewport that the host has set, in the framebuffer that it has
@@ -263,7 +270,8 @@ class IKestrixGLScreenPreviewHelper : public IUnknown {
 public:
     /// Makes the helper's GL objects in the current context. May be called again, say in a new
     /// context: what was made before is deleted by its names in the context that is current then.
-    /// The fixed-function helper goes on with its picture, the other one with the next frame.
+    /// The fixed-function helper goes on with its picture; the other one is black until the next
+    /// frame.
     /// `E_FAIL` where a GL entry point is missing or a shader does not build, `E_NOTIMPL` where the
     /// context is older than OpenGL 3.2; the fixed-function helper always answers `S_OK`.
     virtual HRESULT InitializeGL() = 0;
@@ -290,10 +298,11 @@ protected:
     virtual ~IKestrixGLScreenPreviewHelper() = default;
 };
 
-/// What is known of a frame beside its pixels. Reached from a frame; one without it counts as
-/// Rec. 601 when it is 720 pixels wide and as Rec. 709 otherwise.
+/// What is known of a frame beside its pixels. Reached from a frame. One without it counts as
+/// Rec. 601 where it is 720 pixels wide (fixed-function helper), or 720 x 480, 486 or 576 (OpenGL 3
+/// helper), and as Rec. 709 otherwise.
 ///
-/// Only the first operation is part of this revision; an object's table may go on behind it.
+/// Only the first operation is part of this revision; an object's table may go on after it.
 class IKestrixVideoFrameMetadata : public IUnknown {
 public:
     /// Stores the value of `id`, a `KestrixMetadataID`. A negative status where there is none.

@@ -15,7 +15,7 @@ namespace {
 
 constexpr char kHead[] = R"(# Conversions
 
-The rows of the table in its order, behind them the entries that no row leads to. The page is
+The rows of the table in its order, after them the entries that no row leads to. The page is
 printed by the program `print_conversions` of the tests, from the stages of each conversion.
 
 - *Colourspaces*: of source and destination, "any" where the conversion is the same in all of them
@@ -24,7 +24,7 @@ printed by the program `print_conversions` of the tests, from the stages of each
   row's end. "-" has a conversion without stages.
 - *Least width*: of a row, in pixels. Narrower ones are outside the contract and nothing checks for
   them: the engine may then read and write anywhere. At 0 a row of no pixels is left alone.
-- *Reads behind*: bytes behind a source row that are read, at the width where that is most. What lies
+- *Reads after*: bytes after a source row that are read, at the width where that is most. What lies
   there counts for the chroma of one of the row's last two pixels and for nothing else. No byte
   outside a destination row is written, and none in front of a source row is read.
 
@@ -32,12 +32,12 @@ A source row has `ceil(width / pixels) x bytes` of its format's groups (docs/for
 pixel of `2vuy` and `YUY2` and 4 bytes a pixel of `ay10` and `Ay10` where the width ends inside a group.
 Behind that, by the source:
 
-- `2vuy`, `YUY2`: where a row is longer than a whole number of blocks, the 16 bytes behind the last
+- `2vuy`, `YUY2`: where a row is longer than a whole number of blocks, the 16 bytes after the last
   whole one are read.
 - `v210`: whole steps of 12 pixels are read, 32 bytes each.
 - `ay10`, `Ay10`: whole groups of 4 pixels are read, 16 bytes each.
 
-| Row | From | To | Colourspaces | Block | Least width | Reads behind |
+| Row | From | To | Colourspaces | Block | Least width | Reads after |
 |---|---|---|---|---|---|---|
 )";
 

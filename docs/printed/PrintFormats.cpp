@@ -46,11 +46,11 @@ only written. Alpha that a source doesn't have becomes opaque.
 ## What conversions ask of rows
 
 *From* and *to* are the rows of the [table](conversions.md) that begin and end with the format. Under
-*Least width* is the narrowest row in pixels that all of these take, and under *Reads behind* the most
-bytes that any of them reads behind a source row; a host that leaves 64 bytes behind its last line has
+*Least width* is the narrowest row in pixels that all of these take, and under *Reads after* the most
+bytes that any of them reads after a source row; a host that leaves 64 bytes after its last line has
 nothing to look up. Behind a destination row nothing is written.
 
-| Format | From | Least width | Reads behind | To | Least width |
+| Format | From | Least width | Reads after | To | Least width |
 |---|---|---|---|---|---|
 )";
 

@@ -59,7 +59,7 @@ struct Inputs {
 /// Opens what the options name. Throws `UsageError` and `std::runtime_error`.
 Inputs openInputs(const Options& options);
 
-/// Raw frames one behind the other in a file, or on standard input for "-".
+/// Raw frames one after the other in a file, or on standard input for "-".
 std::unique_ptr<Input> openRawInput(const std::string& path, const FrameLayout& layout);
 
 /// One still picture for ever.

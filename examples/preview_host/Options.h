@@ -90,7 +90,7 @@ const Named<VALUE>& named(const Named<VALUE> (&table)[N], VALUE value)
     return table[i];
 }
 
-/// The value behind that of `value` in the table, after the last one the first.
+/// The value after that of `value` in the table, after the last one the first.
 template<class VALUE, std::size_t N>
 VALUE nextValue(const Named<VALUE> (&table)[N], VALUE value)
 {

@@ -71,8 +71,7 @@ def check_excerpts():
 
 def run(page, block, folder, limit):
     environment = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY")}
-    environment.update(HOME=str(folder / "home"), LIBGL_ALWAYS_SOFTWARE="1", PATH=os.pathsep.join(
-        [str(folder / "build/release/examples/preview_host"), os.environ["PATH"]]))
+    environment.update(HOME=str(folder / "home"), LIBGL_ALWAYS_SOFTWARE="1")
     result = subprocess.run(["bash", "-euo", "pipefail", "-c", block], cwd=folder, env=environment,
                             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                             stderr=subprocess.STDOUT, text=True, timeout=limit)
