@@ -37,9 +37,12 @@ class Context {
 public:
     Context(EGLDisplay display, EGLint profile) : m_display(display)
     {
-        const EGLint attributes[] = {EGL_CONTEXT_MAJOR_VERSION,       3,       //
-                                     EGL_CONTEXT_MINOR_VERSION,       2,       //
-                                     EGL_CONTEXT_OPENGL_PROFILE_MASK, profile, //
+        const EGLint attributes[] = {EGL_CONTEXT_MAJOR_VERSION,
+                                     3, //
+                                     EGL_CONTEXT_MINOR_VERSION,
+                                     2, //
+                                     EGL_CONTEXT_OPENGL_PROFILE_MASK,
+                                     profile, //
                                      EGL_NONE};
         eglBindAPI(EGL_OPENGL_API);
         m_context = eglCreateContext(display, EGL_NO_CONFIG_KHR, EGL_NO_CONTEXT, attributes);
@@ -59,8 +62,7 @@ private:
 };
 
 /// A white frame, as it is painted on the calling thread in a context that is made for it.
-std::array<unsigned char, 4> paintWhite(EGLDisplay display, const Kind& kind,
-                                        std::barrier<>& start)
+std::array<unsigned char, 4> paintWhite(EGLDisplay display, const Kind& kind, std::barrier<>& start)
 {
     const Context context(display, kind.profile);
     GLuint framebuffer = 0;
@@ -95,7 +97,7 @@ TEST_P(OwnContexts, MayStartAtOnce)
     const auto getPlatformDisplay = reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(
         eglGetProcAddress("eglGetPlatformDisplayEXT"));
     ASSERT_NE(getPlatformDisplay, nullptr);
-    EGLDisplay const display = getPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, nullptr, nullptr);
+    const EGLDisplay display = getPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, nullptr, nullptr);
     ASSERT_TRUE(eglInitialize(display, nullptr, nullptr));
 
     std::barrier start(kThreads);
@@ -111,13 +113,12 @@ TEST_P(OwnContexts, MayStartAtOnce)
                                 [](unsigned char code) { return code == 255; }));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Race, OwnContexts,
-    testing::Values(Kind{"OpenGL3", CreateOpenGL3ScreenPreviewHelper_0002,
-                         EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT},
-                    Kind{"FixedFunction", CreateOpenGLScreenPreviewHelper_0002,
-                         EGL_CONTEXT_OPENGL_COMPATIBILITY_PROFILE_BIT}),
-    caseName);
+INSTANTIATE_TEST_SUITE_P(Race, OwnContexts,
+                         testing::Values(Kind{"OpenGL3", CreateOpenGL3ScreenPreviewHelper_0002,
+                                              EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT},
+                                         Kind{"FixedFunction", CreateOpenGLScreenPreviewHelper_0002,
+                                              EGL_CONTEXT_OPENGL_COMPATIBILITY_PROFILE_BIT}),
+                         caseName);
 
 } // namespace
 } // namespace kestrix::test
