@@ -62,7 +62,7 @@ answers `E_INVALIDARG` to all else. *OpenGL 3*: what the helper takes the sample
 shader doesn't know, marked -, are shown as opaque black, and `SetFrame` answers `S_OK`. A captured frame
 in 32 or `BGRA` is studio range to the fixed-function helper; the OpenGL 3 helper goes by the code alone.
 Alpha is shown by neither, but the OpenGL 3 helper writes that of `Ay10` to the framebuffer, for the
-host's blending, and 1 for all others.
+host's blending, and 1 for all others. It is straight alpha: the colours are not multiplied by it.
 
 | Format | Fixed function | Least width | OpenGL 3 |
 |---|---|---|---|
