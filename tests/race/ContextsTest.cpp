@@ -98,6 +98,7 @@ TEST_P(OwnContexts, MayStartAtOnce)
         eglGetProcAddress("eglGetPlatformDisplayEXT"));
     ASSERT_NE(getPlatformDisplay, nullptr);
     const EGLDisplay display = getPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, nullptr, nullptr);
+    // And never terminated, as drivers that are unloaded leave memory behind.
     ASSERT_TRUE(eglInitialize(display, nullptr, nullptr));
 
     std::barrier start(kThreads);
@@ -107,7 +108,6 @@ TEST_P(OwnContexts, MayStartAtOnce)
         threads.emplace_back([&] { pixel = paintWhite(display, GetParam(), start); });
     for (std::thread& thread : threads)
         thread.join();
-    eglTerminate(display);
     for (const auto& pixel : pixels)
         EXPECT_TRUE(std::all_of(pixel.begin(), pixel.begin() + 3,
                                 [](unsigned char code) { return code == 255; }));
