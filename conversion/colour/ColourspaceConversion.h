@@ -150,7 +150,7 @@ public:
              _mm_unpacklo_epi16(in[1], v0), _mm_unpackhi_epi16(in[1], v0),
              _mm_unpacklo_epi16(in[2], v0), _mm_unpackhi_epi16(in[2], v0)});
         Pixels<Output, 8> out = in;
-        for (unsigned c = 0; c < 3; ++c)
+        for (std::size_t c = 0; c < 3; ++c)
             out[c] = _mm_packs_epi32(codes.v[2 * c], codes.v[2 * c + 1]);
         return out;
     }

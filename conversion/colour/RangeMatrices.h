@@ -186,9 +186,9 @@ struct FixedRow {
 constexpr FixedRow fixedRGB2YUVRow(const float* matrix, int row)
 {
     const auto fixed = [&](int column) {
+        const float scaled = matrix[3 * row + column] * static_cast<float>(kRGB2YUVScale);
         // NOLINTNEXTLINE(bugprone-incorrect-roundings): negative ones have to go this way
-        return static_cast<std::int16_t>(
-            matrix[3 * row + column] * static_cast<float>(kRGB2YUVScale) + 0.5f);
+        return static_cast<std::int16_t>(scaled + 0.5f);
     };
     return {{fixed(0), fixed(1), fixed(2)}};
 }

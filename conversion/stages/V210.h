@@ -197,7 +197,7 @@ private:
                                    pairs.template operator()<4>(),
                                    _mm_packs_epi32(_mm_and_si128(samples.v[6], v4i_0xffff), v0)};
         Pixels<Output, 24> out;
-        unrolled<0, 3>([&]<unsigned V>() KSX_INLINE_LAMBDA {
+        unrolled<0, 3>([&]<std::size_t V>() KSX_INLINE_LAMBDA {
             const __m128i even = chroma[V];
             const __m128i odd = _mm_avg_epu16(even, _mm_alignr_epi8(chroma[V + 1], even, 4));
             out[3 * V] = _mm_packs_epi32(_mm_srli_epi32(samples.v[2 * V], 16),
