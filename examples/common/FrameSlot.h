@@ -8,6 +8,7 @@
 
 #include <KestrixPreviewAPI.h>
 
+#include <cstdint>
 #include <mutex>
 #include <utility>
 
@@ -26,21 +27,36 @@ public:
         {
             const std::lock_guard<std::mutex> lock(m_mutex);
             std::swap(frame, m_frame);
+            ++m_number;
         }
         if (frame)
             frame->Release(); // without the lock: a frame's end may take a while
     }
 
-    /// The frame, with a reference that the caller gives back, or null. Any thread.
-    IKestrixVideoFrame* newest()
+    /// Hands the newest frame to a helper, in front of each paint. `shown` belongs to the helper: 0
+    /// when it is made, or initialised anew, and otherwise left alone. A frame that the helper has
+    /// is not handed over again, which would be another upload or conversion; no signal is, because
+    /// the OpenGL 3 helper is black for one paint only. GL thread.
+    HRESULT handTo(IKestrixGLScreenPreviewHelper* helper, std::uint64_t& shown)
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        if (m_frame)
-            m_frame->AddRef();
-        return m_frame;
+        IKestrixVideoFrame* frame = nullptr;
+        {
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            if (m_frame && shown == m_number)
+                return S_OK;
+            shown = m_number;
+            frame = m_frame;
+            if (frame)
+                frame->AddRef();
+        }
+        const HRESULT status = helper->SetFrame(frame);
+        if (frame)
+            frame->Release(); // the helper has a reference of its own
+        return status;
     }
 
 private:
     std::mutex m_mutex;
     IKestrixVideoFrame* m_frame = nullptr;
+    std::uint64_t m_number = 0; // of the frame, counted from 1
 };

@@ -47,12 +47,10 @@ private:
 };
 
 /// Paints the newest frame, which may be the one before: the window may have been uncovered.
-void paint(GLFWwindow* window, IKestrixGLScreenPreviewHelper* helper, FrameSlot& slot)
+void paint(GLFWwindow* window, IKestrixGLScreenPreviewHelper* helper, FrameSlot& slot,
+           std::uint64_t& shown)
 {
-    IKestrixVideoFrame* frame = slot.newest();
-    check(helper->SetFrame(frame), "SetFrame");
-    if (frame)
-        frame->Release(); // the helper has a reference of its own
+    check(slot.handTo(helper, shown), "SetFrame");
 
     // The framebuffer's size, which on a display of high density is not glfwGetWindowSize's.
     int width = 0;
@@ -88,12 +86,13 @@ void run(const ExampleOptions& options)
     check(helper->InitializeGL(), "InitializeGL");
 
     FrameSlot slot;
+    std::uint64_t shown = 0; // no frame by this helper yet
     {
         const Capture capture(slot, options.frames);
         bool last = !options.signal();
         while (!glfwWindowShouldClose(window)) {
             last = last || capture.ended(); // asked first: what is painted then is the last
-            paint(window, helper, slot);
+            paint(window, helper, slot, shown);
             if (last && options.frames >= 0)
                 break;
             glfwSwapBuffers(window);
