@@ -38,11 +38,11 @@ public:
     Context(EGLDisplay display, EGLint profile) : m_display(display)
     {
         const EGLint attributes[] = {EGL_CONTEXT_MAJOR_VERSION,
-                                     3, //
+                                     3,
                                      EGL_CONTEXT_MINOR_VERSION,
-                                     2, //
+                                     2,
                                      EGL_CONTEXT_OPENGL_PROFILE_MASK,
-                                     profile, //
+                                     profile,
                                      EGL_NONE};
         eglBindAPI(EGL_OPENGL_API);
         m_context = eglCreateContext(display, EGL_NO_CONFIG_KHR, EGL_NO_CONTEXT, attributes);
