@@ -1,7 +1,7 @@
 /// The byte swap of 4-byte pixels, which two entries share since it is its own inverse.
 #pragma once
 
-#include "conversion/Transform.h"
+#include "conversion/pipeline/Transform.h"
 #include "conversion/stages/RGB8.h"
 
 #include <cstdint>

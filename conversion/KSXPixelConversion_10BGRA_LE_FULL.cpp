@@ -1,6 +1,6 @@
 /// From 10BGRA_LE_FULL (A04L): 10-bit BGRA in 16 bits, full range. It is BGRAv8 as it lies in
 /// memory.
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/stages/RGB10.h"
 #include "conversion/stages/RGB8.h"

@@ -1,6 +1,6 @@
 /// From 10BGRA_LE_SMPTE (A04l): 10-bit BGRA in 16 bits, studio range. It is BGRAv8 as it lies in
 /// memory.
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/colour/RGBToYUV.h"
 #include "conversion/colour/Rescale.h"

@@ -1,6 +1,6 @@
 /// From 10RGBX_BE_FULL (R10B), and from 10RGBA_BE_FULL (R10A), whose alpha nothing looks at: 10-bit
 /// RGB, full range. A big-endian word, spare bits at the bottom.
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/BitDepth.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/colour/RGBToYUV.h"

@@ -1,6 +1,6 @@
 /// From 10RGBX_BE_SMPTE (R10b): 10-bit RGB, studio range. A big-endian word, spare bits at the
 /// bottom.
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/colour/RGBToYUV.h"
 #include "conversion/colour/Rescale.h"

@@ -1,6 +1,6 @@
 /// From 10RGBX_LE_SMPTE (R10l): 10-bit RGB, studio range. A little-endian word, spare bits at the
 /// bottom.
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/BitDepth.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/colour/RGBToYUV.h"

@@ -1,5 +1,5 @@
 /// From 10XRGB_BE_SMPTE (r210): 10-bit RGB, studio range. A big-endian word, spare bits on top.
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/BitDepth.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/colour/RGBToYUV.h"

@@ -3,7 +3,7 @@
 ///
 /// Pipelines that rebuild chroma have forms of their own for rows of 4096, 2048 and 1280 pixels,
 /// common widths that end inside a block.
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/BitDepth.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/colour/RGBToYUV.h"

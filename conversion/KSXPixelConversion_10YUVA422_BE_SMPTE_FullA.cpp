@@ -1,6 +1,6 @@
 /// From 10YUVA422_BE_SMPTE_FullA (Ay10): 10-bit 4:2:2 in studio range with alpha in full range. A
 /// big-endian word a pixel.
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/colour/YUVToRGB.h"
 #include "conversion/stages/RGB8.h"

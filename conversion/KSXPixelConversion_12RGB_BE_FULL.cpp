@@ -1,5 +1,5 @@
 /// From 12RGB_BE_FULL (R12B): 12-bit RGB, full range. Groups of 8 pixels in nine big-endian words.
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/BitDepth.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/colour/RGBToYUV.h"

@@ -1,6 +1,6 @@
 /// From 12RGB_LE_FULL (R12L): 12-bit RGB, full range. Groups of 8 pixels in nine little-endian
 /// words.
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/BitDepth.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/colour/RGBToYUV.h"

@@ -1,6 +1,6 @@
 /// From 12RGB_LE_SMPTE (R12l): 12-bit RGB, studio range. Groups of 8 pixels in nine little-endian
 /// words.
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/BitDepth.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/colour/Rescale.h"

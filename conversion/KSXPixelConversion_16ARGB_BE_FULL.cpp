@@ -1,5 +1,5 @@
 /// From 16ARGB_BE_FULL (b64a): 16-bit ARGB, full range. Big-endian samples A R G B.
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/BitDepth.h"
 #include "conversion/stages/Deep.h"
 #include "conversion/stages/RGB12.h"

@@ -1,6 +1,6 @@
 /// From 8ARGB_FULL (32): 8-bit ARGB, full range. Bytes A R G B.
 #include "conversion/ByteSwap.h"
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/BitDepth.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/colour/RGBToYUV.h"

@@ -1,5 +1,5 @@
 /// From 8ARGB_SMPTE (vRGB): 8-bit ARGB, studio range. Bytes A R G B.
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/colour/Rescale.h"
 #include "conversion/stages/RGB8.h"

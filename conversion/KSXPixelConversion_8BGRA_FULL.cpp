@@ -1,6 +1,6 @@
 /// From 8BGRA_FULL (BGRA): 8-bit BGRA, full range. Bytes B G R A.
 #include "conversion/ByteSwap.h"
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/BitDepth.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/colour/RGBToYUV.h"

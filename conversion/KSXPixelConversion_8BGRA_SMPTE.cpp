@@ -1,5 +1,5 @@
 /// From 8BGRA_SMPTE (BGRv): 8-bit BGRA, studio range. Bytes B G R A.
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/colour/RGBToYUV.h"
 #include "conversion/colour/Rescale.h"

@@ -1,6 +1,6 @@
 /// From 8BGRX_FULL (BGRX): 8-bit BGR with an ignored fourth byte, full range. Bytes B G R -. Reads
 /// as opaque.
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/RGBToYUV.h"
 #include "conversion/colour/Rescale.h"
 #include "conversion/stages/RGB8.h"

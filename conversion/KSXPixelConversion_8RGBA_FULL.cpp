@@ -1,5 +1,5 @@
 /// From 8RGBA_FULL (RGBA): 8-bit RGBA, full range. Bytes R G B A.
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/BitDepth.h"
 #include "conversion/colour/RGBToYUV.h"
 #include "conversion/colour/Rescale.h"

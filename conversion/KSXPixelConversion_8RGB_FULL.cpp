@@ -1,5 +1,5 @@
 /// From 8RGB_FULL (RGB3): 8-bit RGB without alpha, full range. Bytes R G B.
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/BitDepth.h"
 #include "conversion/colour/RGBToYUV.h"
 #include "conversion/colour/Rescale.h"

@@ -2,7 +2,7 @@
 ///
 /// Where chroma is rebuilt, that of the pair behind a whole block is read from up to 14 bytes
 /// behind the row.
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/BitDepth.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/colour/RGBToYUV.h"

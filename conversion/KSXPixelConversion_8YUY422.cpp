@@ -1,5 +1,5 @@
 /// From 8YUY422 (YUY2): 8-bit 4:2:2, studio range. Bytes Y Cb Y Cr.
-#include "conversion/Convert.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/colour/RGBToYUV.h"
 #include "conversion/colour/Rescale.h"

@@ -2,7 +2,7 @@
 /// working depth of 10 bits; A stays 1.
 #include "preview/ScreenPreviewLutFill.h"
 
-#include "conversion/Transform.h"
+#include "conversion/pipeline/Transform.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/colour/Rescale.h"
 #include "conversion/colour/YUVToRGB.h"

@@ -9,10 +9,10 @@
 /// Both round alike; the first has no sum that can leave the lane.
 #pragma once
 
-#include "conversion/EachVector.h"
-#include "conversion/Pipeline.h"
-#include "conversion/VectorConstants.h"
 #include "conversion/colour/Flags.h"
+#include "conversion/pipeline/EachVector.h"
+#include "conversion/pipeline/Pipeline.h"
+#include "conversion/pipeline/VectorConstants.h"
 
 namespace KSX::PixelConversion {
 
@@ -25,20 +25,20 @@ class BitDepth {
     static constexpr int kCap = ((1 << WIDTH) - 1) >> (n > 0 ? n : 0);
 
 protected:
-    KSX_INLINE static __m128i apply(__m128i x)
+    KSX_INLINE static Vector apply(Vector x)
     {
         if constexpr (SHIFT > 0) {
-            return VECTOR == kRGBLanes ? _mm_slli_epi32(x, SHIFT) : _mm_slli_epi16(x, SHIFT);
+            return VECTOR == kRGBLanes ? shiftLeft32(x, SHIFT) : shiftLeft16(x, SHIFT);
         } else if constexpr (VECTOR == kRGBLanes) {
             // At most 16384, so a signed minimum of 16 bits will do.
-            const __m128i rounded = _mm_srli_epi32(_mm_add_epi32(x, v4i(1 << (n - 1))), n);
-            return _mm_min_epi16(rounded, v4i(kCap));
+            const Vector rounded = shiftRightU32(add32(x, v4i(1 << (n - 1))), n);
+            return min16(rounded, v4i(kCap));
         } else if constexpr (WIDTH == 16) {
-            const __m128i half = _mm_and_si128(_mm_srli_epi16(x, n - 1), v8i_1);
-            return _mm_min_epi16(_mm_adds_epi16(_mm_srli_epi16(x, n), half), v8i(kCap));
+            const Vector half = bitAnd(shiftRightU16(x, n - 1), v8i_1);
+            return min16(addSaturate16(shiftRightU16(x, n), half), v8i(kCap));
         } else {
-            const __m128i rounded = _mm_srli_epi16(_mm_adds_epi16(x, v8i(1 << (n - 1))), n);
-            return _mm_min_epi16(rounded, v8i(kCap));
+            const Vector rounded = shiftRightU16(addSaturate16(x, v8i(1 << (n - 1))), n);
+            return min16(rounded, v8i(kCap));
         }
     }
 };

@@ -5,26 +5,23 @@
 /// Pairs are sited on the even pixels (ITU-R BT.709-6, 3.4). There are no more taps than these two.
 #pragma once
 
-#include "conversion/Kernel.h"
-#include "conversion/VectorConstants.h"
-
-#include <tmmintrin.h>
+#include "conversion/pipeline/Kernel.h"
+#include "conversion/pipeline/VectorConstants.h"
 
 namespace KSX::PixelConversion {
 
 /// Spreads 4 pixels of `UYVYv8`. `next` begins with the chroma pair behind them.
-KSX_INLINE Pixels<UYVY444v8, 4> rebuildChroma(__m128i x, __m128i next)
+KSX_INLINE Pixels<UYVY444v8, 4> rebuildChroma(Vector x, Vector next)
 {
-    const __m128i mean = _mm_avg_epu16(x, _mm_alignr_epi8(next, x, 8));
-    const __m128i odd =
-        _mm_or_si128(_mm_and_si128(mean, v4i_0xffff), _mm_andnot_si128(v4i_0xffff, x));
-    return {{_mm_unpacklo_epi64(x, odd), _mm_unpackhi_epi64(x, odd)}};
+    const Vector mean = averageU16(x, combineShiftRightBytes<8>(next, x));
+    const Vector odd = bitOr(bitAnd(mean, v4i_0xffff), bitAndNot(v4i_0xffff, x));
+    return {{interleaveLow64(x, odd), interleaveHigh64(x, odd)}};
 }
 
 /// What `next` is at the end of a row: the last pair of `x` counts as its own successor.
-KSX_INLINE __m128i repeatLastPair(__m128i x)
+KSX_INLINE Vector repeatLastPair(Vector x)
 {
-    return _mm_srli_si128(x, 8);
+    return shiftRightBytes<8>(x);
 }
 
 } // namespace KSX::PixelConversion

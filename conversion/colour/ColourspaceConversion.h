@@ -5,10 +5,10 @@
 /// `Rec709OETF`, `MATRIX` one of the matrices between RGB of two colourspaces.
 #pragma once
 
-#include "conversion/Pipeline.h"
-#include "conversion/VectorConstants.h"
 #include "conversion/colour/GamutMatrices.h"
 #include "conversion/colour/TransferCharacteristicRec709OETF.h"
+#include "conversion/pipeline/Pipeline.h"
+#include "conversion/pipeline/VectorConstants.h"
 #include "conversion/stages/RGB8.h"
 
 namespace KSX::PixelConversion {
@@ -32,10 +32,10 @@ namespace details {
 
 /// Light behind a matrix, on its way to `CURVE`.
 template<class MATRIX, class CURVE>
-KSX_INLINE __m128 limitLight(__m128 light)
+KSX_INLINE FloatVector limitLight(FloatVector light)
 {
     if constexpr (kLimitsLight<MATRIX> && !CURVE::kLimitsLight)
-        return _mm_max_ps(_mm_min_ps(light, _mm_set1_ps(1)), _mm_setzero_ps());
+        return max(min(light, v4f(1)), v4f(0));
     else
         return light;
 }
@@ -43,13 +43,12 @@ KSX_INLINE __m128 limitLight(__m128 light)
 /// Output component `ROW` of four pixels. Of the input, vectors of components lie `STRIDE` apart.
 /// Products are added in the order of components `A`, `B` and `C`.
 template<class MATRIX, class CURVE, int ROW, int A, int B, int C, std::size_t STRIDE>
-KSX_INLINE __m128 component(const __m128* rgb)
+KSX_INLINE FloatVector component(const FloatVector* rgb)
 {
     constexpr const float* row = MATRIX::get() + 3 * ROW;
     return limitLight<MATRIX, CURVE>(
-        _mm_add_ps(_mm_add_ps(_mm_mul_ps(rgb[A * STRIDE], _mm_set1_ps(row[A])),
-                              _mm_mul_ps(rgb[B * STRIDE], _mm_set1_ps(row[B]))),
-                   _mm_mul_ps(rgb[C * STRIDE], _mm_set1_ps(row[C]))));
+        add(add(mul(rgb[A * STRIDE], v4f(row[A])), mul(rgb[B * STRIDE], v4f(row[B]))),
+            mul(rgb[C * STRIDE], v4f(row[C]))));
 }
 
 /// Converts `N` vectors, R of all pixels, then G, then B. They go side by side, for a table's
@@ -81,33 +80,31 @@ public:
 
     KSX_INLINE Pixels<Output, 2> step(const Pixels<Input, 2>& in) const
     {
-        const Light<2> light = IN::template inverse<3, 2>(
-            {_mm_unpacklo_epi16(in[0], v0), _mm_unpackhi_epi16(in[0], v0)});
+        const Light<2> light =
+            IN::template inverse<3, 2>({interleaveLow16(in[0], v0), interleaveHigh16(in[0], v0)});
         const Codes<2> bgra =
             OUT::template forward<3, 2>({{convert(light.v[0]), convert(light.v[1])}});
-        return {
-            {_mm_or_si128(_mm_and_si128(_mm_packs_epi32(bgra.v[0], bgra.v[1]), v8i_mask_x654x210),
-                          _mm_and_si128(in[0], v8i_mask_7xxx3xxx))}};
+        return {{bitOr(bitAnd(packSaturate32To16(bgra.v[0], bgra.v[1]), v8i_mask_x654x210),
+                       bitAnd(in[0], v8i_mask_7xxx3xxx))}};
     }
 
 private:
     /// The weights of input component `c`, R G B, in each output component.
-    static constexpr __m128 column(int c)
+    static constexpr FloatVector column(int c)
     {
         const float* m = MATRIX::get();
-        return __m128{m[6 + c], m[3 + c], m[c], 0};
+        return FloatVector{m[6 + c], m[3 + c], m[c], 0};
     }
 
-    KSX_INLINE static __m128 convert(__m128 bgra)
+    KSX_INLINE static FloatVector convert(FloatVector bgra)
     {
-        constexpr __m128 mR = column(0);
-        constexpr __m128 mG = column(1);
-        constexpr __m128 mB = column(2);
-        const __m128 b = _mm_shuffle_ps(bgra, bgra, _MM_SHUFFLE(0, 0, 0, 0));
-        const __m128 g = _mm_shuffle_ps(bgra, bgra, _MM_SHUFFLE(1, 1, 1, 1));
-        const __m128 r = _mm_shuffle_ps(bgra, bgra, _MM_SHUFFLE(2, 2, 2, 2));
-        return details::limitLight<MATRIX, OUT>(
-            _mm_add_ps(_mm_add_ps(_mm_mul_ps(g, mG), _mm_mul_ps(r, mR)), _mm_mul_ps(b, mB)));
+        constexpr FloatVector mR = column(0);
+        constexpr FloatVector mG = column(1);
+        constexpr FloatVector mB = column(2);
+        const FloatVector b = shuffle32<0, 0, 0, 0>(bgra, bgra);
+        const FloatVector g = shuffle32<1, 1, 1, 1>(bgra, bgra);
+        const FloatVector r = shuffle32<2, 2, 2, 2>(bgra, bgra);
+        return details::limitLight<MATRIX, OUT>(add(add(mul(g, mG), mul(r, mR)), mul(b, mB)));
     }
 };
 
@@ -146,12 +143,11 @@ public:
     KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
     {
         const Codes<6> codes = convertPlanes<Curve, MATRIX, Curve, A, B, C, 6>(
-            {_mm_unpacklo_epi16(in[0], v0), _mm_unpackhi_epi16(in[0], v0),
-             _mm_unpacklo_epi16(in[1], v0), _mm_unpackhi_epi16(in[1], v0),
-             _mm_unpacklo_epi16(in[2], v0), _mm_unpackhi_epi16(in[2], v0)});
+            {interleaveLow16(in[0], v0), interleaveHigh16(in[0], v0), interleaveLow16(in[1], v0),
+             interleaveHigh16(in[1], v0), interleaveLow16(in[2], v0), interleaveHigh16(in[2], v0)});
         Pixels<Output, 8> out = in;
         for (std::size_t c = 0; c < 3; ++c)
-            out[c] = _mm_packs_epi32(codes.v[2 * c], codes.v[2 * c + 1]);
+            out[c] = packSaturate32To16(codes.v[2 * c], codes.v[2 * c + 1]);
         return out;
     }
 };

@@ -8,21 +8,19 @@
 /// chroma only through their even neighbours.
 #pragma once
 
-#include "conversion/Kernel.h"
-#include "conversion/VectorConstants.h"
 #include "conversion/colour/ClampLanes.h"
 #include "conversion/colour/Flags.h"
 #include "conversion/colour/RangeMatrices.h"
-
-#include <tmmintrin.h>
+#include "conversion/pipeline/Kernel.h"
+#include "conversion/pipeline/VectorConstants.h"
 
 namespace KSX::PixelConversion {
 
 /// Y of 4 pixels, and Cb, Cr of the even ones: lanes of 32 bits with the offsets of video levels
 /// on, not clamped.
 struct Y4C4 {
-    __m128i y;      ///< Y0 Y1 Y2 Y3
-    __m128i chroma; ///< Cb0 Cr0 Cb2 Cr2
+    Vector y;      ///< Y0 Y1 Y2 Y3
+    Vector chroma; ///< Cb0 Cr0 Cb2 Cr2
 };
 
 /// The arithmetic that all stages from RGB to YUV share. `A` is the depth of the RGB, `B` that of
@@ -59,56 +57,54 @@ protected:
     KSX_INLINE Y4C4 group(const Pixels<Input, 4>& in)
     {
         const Pixels<Input, 4> rgb = withoutBlack(in);
-        const __m128i oddPixels = _mm_unpackhi_epi64(rgb[0], rgb[1]);
-        return convert(rgb, _mm_alignr_epi8(oddPixels, m_oddPixels, 8));
+        const Vector oddPixels = interleaveHigh64(rgb[0], rgb[1]);
+        return convert(rgb, combineShiftRightBytes<8>(oddPixels, m_oddPixels));
     }
 
 private:
     KSX_INLINE static Pixels<Input, 4> withoutBlack(const Pixels<Input, 4>& in)
     {
         if constexpr (kIsStudioRange<RANGE>)
-            return {{_mm_sub_epi16(in[0], v8i(16 << (A - 8))),
-                     _mm_sub_epi16(in[1], v8i(16 << (A - 8)))}};
+            return {{sub16(in[0], v8i(16 << (A - 8))), sub16(in[1], v8i(16 << (A - 8)))}};
         else
             return in;
     }
 
     /// `left` holds the left neighbours of p0 and p2: the last pixel of the group before, and p1.
-    KSX_INLINE Y4C4 convert(const Pixels<Input, 4>& rgb, __m128i left)
+    KSX_INLINE Y4C4 convert(const Pixels<Input, 4>& rgb, Vector left)
     {
-        const __m128i evenPixels = _mm_unpacklo_epi64(rgb[0], rgb[1]);
-        const __m128i oddPixels = _mm_unpackhi_epi64(rgb[0], rgb[1]);
+        const Vector evenPixels = interleaveLow64(rgb[0], rgb[1]);
+        const Vector oddPixels = interleaveHigh64(rgb[0], rgb[1]);
         m_oddPixels = oddPixels;
-        const __m128i filtered = _mm_avg_epu16(evenPixels, _mm_avg_epu16(left, oddPixels));
+        const Vector filtered = averageU16(evenPixels, averageU16(left, oddPixels));
 
-        constexpr __m128i yRow = coefficients(0);
-        constexpr __m128i cbRow = coefficients(1);
-        constexpr __m128i crRow = coefficients(2);
-        const __m128i y =
-            _mm_hadd_epi32(_mm_madd_epi16(rgb[0], yRow), _mm_madd_epi16(rgb[1], yRow));
-        const __m128i cbcr =
-            _mm_hadd_epi32(_mm_madd_epi16(filtered, cbRow), _mm_madd_epi16(filtered, crRow));
+        constexpr Vector yRow = coefficients(0);
+        constexpr Vector cbRow = coefficients(1);
+        constexpr Vector crRow = coefficients(2);
+        const Vector y = addPairs32(mulAddPairs16(rgb[0], yRow), mulAddPairs16(rgb[1], yRow));
+        const Vector cbcr =
+            addPairs32(mulAddPairs16(filtered, cbRow), mulAddPairs16(filtered, crRow));
         // Cb0 Cb2 Cr0 Cr2 to pairs.
-        const __m128i chroma = _mm_shuffle_epi32(cbcr, _MM_SHUFFLE(3, 1, 2, 0));
+        const Vector chroma = shuffle32<0, 2, 1, 3>(cbcr);
         return {scaled(y, kYOffset), scaled(chroma, kChromaOffset)};
     }
 
     /// The offset goes in before the shift, with what rounds: no sum reaches 2^31.
-    KSX_INLINE static __m128i scaled(__m128i sum, int offset)
+    KSX_INLINE static Vector scaled(Vector sum, int offset)
     {
-        const __m128i added = v4i(static_cast<std::uint32_t>((offset << kShift) + kRounding));
-        return _mm_srai_epi32(_mm_add_epi32(sum, added), kShift);
+        const Vector added = v4i(static_cast<std::uint32_t>((offset << kShift) + kRounding));
+        return shiftRight32(add32(sum, added), kShift);
     }
 
     /// A row of the matrix beneath the lanes B, G, R, A of two pixels; alpha weighs nothing.
-    static constexpr __m128i coefficients(int row)
+    static constexpr Vector coefficients(int row)
     {
         const FixedRow c = fixedRGB2YUVRow(RANGE::RGB2YUVMatrix(), row);
         return v8i(c.at[2], c.at[1], c.at[0], 0, c.at[2], c.at[1], c.at[0], 0);
     }
 
     /// p1 and p3 of the group before.
-    __m128i m_oddPixels = v0;
+    Vector m_oddPixels = v0;
 };
 
 /// Converts BGRAv8 to UYVYv8. 4 pixels a step: 2 vectors in, 1 out. Looks back.
@@ -131,27 +127,26 @@ public:
 private:
     KSX_INLINE static Pixels<Output, 4> join(const Y4C4& yuv)
     {
-        return {{_mm_or_si128(_mm_slli_epi32(yuv.y, 16), yuv.chroma)}};
+        return {{bitOr(shiftLeft32(yuv.y, 16), yuv.chroma)}};
     }
 };
 
 namespace details {
 
 /// Y, chroma and alpha of 4 pixels as `UYVYAv8`, all limited to 10 bits.
-KSX_INLINE Pixels<UYVYAv8, 4> joinYUVA(const Y4C4& yuv, __m128i alpha)
+KSX_INLINE Pixels<UYVYAv8, 4> joinYUVA(const Y4C4& yuv, Vector alpha)
 {
-    const __m128i y = clampLanes(yuv.y, 0, 1023);
-    const __m128i chroma = clampLanes(yuv.chroma, 0, 1023);
-    return {{_mm_or_si128(_mm_slli_epi32(y, 16), chroma), clampLanes(alpha, 0, 1023)}};
+    const Vector y = clampLanes(yuv.y, 0, 1023);
+    const Vector chroma = clampLanes(yuv.chroma, 0, 1023);
+    return {{bitOr(shiftLeft32(y, 16), chroma), clampLanes(alpha, 0, 1023)}};
 }
 
 /// The alpha lanes of `BGRAv8`, a pixel a lane of 32 bits with its sign.
-KSX_INLINE __m128i alphaOf(const Pixels<BGRAv8, 4>& in)
+KSX_INLINE Vector alphaOf(const Pixels<BGRAv8, 4>& in)
 {
-    const __m128i ra = _mm_unpackhi_epi32(_mm_shuffle_epi32(in[0], _MM_SHUFFLE(3, 1, 2, 0)),
-                                          _mm_shuffle_epi32(in[1], _MM_SHUFFLE(3, 1, 2, 0)));
+    const Vector ra = interleaveHigh32(shuffle32<0, 2, 1, 3>(in[0]), shuffle32<0, 2, 1, 3>(in[1]));
     // R A of pixels 0 2 1 3.
-    return _mm_srai_epi32(_mm_shuffle_epi32(ra, _MM_SHUFFLE(3, 1, 2, 0)), 16);
+    return shiftRight32(shuffle32<0, 2, 1, 3>(ra), 16);
 }
 
 } // namespace details
@@ -179,10 +174,10 @@ public:
     }
 
 private:
-    KSX_INLINE static __m128i alphaTo10Bits(const Pixels<Input, 4>& in)
+    KSX_INLINE static Vector alphaTo10Bits(const Pixels<Input, 4>& in)
     {
-        const __m128i shifted = _mm_slli_epi16(details::alphaOf(in), 2);
-        return _mm_adds_epu16(_mm_mulhi_epu16(shifted, v4i(56119)), v4i(64));
+        const Vector shifted = shiftLeft16(details::alphaOf(in), 2);
+        return addSaturateU16(mulHighU16(shifted, v4i(56119)), v4i(64));
     }
 };
 

@@ -12,13 +12,12 @@
 /// bits, and n lets k use all 16 bits where the gain is above 1.
 #pragma once
 
-#include "conversion/EachVector.h"
-#include "conversion/Pipeline.h"
-#include "conversion/VectorConstants.h"
 #include "conversion/colour/Flags.h"
+#include "conversion/pipeline/EachVector.h"
+#include "conversion/pipeline/Pipeline.h"
+#include "conversion/pipeline/VectorConstants.h"
 
 #include <bit>
-#include <tmmintrin.h>
 
 namespace KSX::PixelConversion {
 
@@ -76,32 +75,32 @@ template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P
          VectorTypeFlag VECTOR>
 class RGB_RESCALE_T {
 protected:
-    KSX_INLINE static __m128i apply(__m128i x)
+    KSX_INLINE static Vector apply(Vector x)
     {
         constexpr auto k = details::rescaleConstants(IN_BITS, IN_FULL, OUT_BITS, OUT_FULL);
         if constexpr (!IN_FULL) {
             if constexpr (k.white != details::kNoLimit)
-                x = _mm_min_epi16(x, lanes(k.white));
-            x = _mm_subs_epu16(x, lanes(k.black));
+                x = min16(x, lanes(k.white));
+            x = subSaturateU16(x, lanes(k.black));
         }
-        __m128i y;
+        Vector y;
         if constexpr (P == kExact && k.shift == 0 && k.gain < 32768) {
             // One bit more of the product, and an average that rounds it off again.
-            y = _mm_avg_epu16(_mm_mulhi_epu16(x, lanes(2 * k.gain)), v0);
+            y = averageU16(mulHighU16(x, lanes(2 * k.gain)), v0);
         } else {
-            const __m128i z = _mm_slli_epi16(x, k.shift);
-            y = _mm_mulhi_epu16(z, lanes(k.gain));
+            const Vector z = shiftLeft16(x, k.shift);
+            y = mulHighU16(z, lanes(k.gain));
             // Bit 15 of the product is what half of a unit carries into bit 16.
             if constexpr (P == kExact)
-                y = _mm_add_epi16(y, _mm_srli_epi16(_mm_mullo_epi16(z, lanes(k.gain)), 15));
+                y = add16(y, shiftRightU16(mulLow16(z, lanes(k.gain)), 15));
         }
         if constexpr (!OUT_FULL)
-            y = _mm_adds_epu16(y, lanes(k.outBlack));
+            y = addSaturateU16(y, lanes(k.outBlack));
         return y;
     }
 
 private:
-    static constexpr __m128i lanes(std::uint16_t value)
+    static constexpr Vector lanes(std::uint16_t value)
     {
         return VECTOR == kRGBLanes ? v4i(value) : v8i(value);
     }
@@ -112,7 +111,7 @@ namespace details {
 /// (v 2^n k + 32768) >> 16 in signed lanes, for the gain of video levels of `IN_BITS` to a full
 /// range of `OUT_BITS`.
 template<int IN_BITS, int OUT_BITS>
-KSX_INLINE __m128i scaleLevels(__m128i v)
+KSX_INLINE Vector scaleLevels(Vector v)
 {
     constexpr RescaleConstants k = rescaleConstants(IN_BITS, false, OUT_BITS, true);
     constexpr unsigned kGain = unsigned{k.gain} << k.shift;
@@ -120,12 +119,11 @@ KSX_INLINE __m128i scaleLevels(__m128i v)
     constexpr unsigned kPart = kGain & 0xffff;
     if constexpr (kPart % 2 == 0) {
         static_assert(kWhole == 1 || kWhole == 4);
-        const __m128i whole = kWhole == 1 ? v : _mm_slli_epi16(v, 2);
-        return _mm_add_epi16(whole, _mm_mulhrs_epi16(v, v8i(kPart / 2)));
+        const Vector whole = kWhole == 1 ? v : shiftLeft16(v, 2);
+        return add16(whole, mulRound16(v, v8i(kPart / 2)));
     } else {
         static_assert(kWhole == 0 && kPart < 32768);
-        return _mm_add_epi16(_mm_mulhi_epi16(v, v8i(kPart)),
-                             _mm_srli_epi16(_mm_mullo_epi16(v, v8i(kPart)), 15));
+        return add16(mulHigh16(v, v8i(kPart)), shiftRightU16(mulLow16(v, v8i(kPart)), 15));
     }
 }
 
@@ -191,13 +189,10 @@ protected:
     static constexpr int kBlack = k.outBlack;
 
     /// Without the black of video levels.
-    KSX_INLINE static __m128i scaled(__m128i x)
+    KSX_INLINE static Vector scaled(Vector x) { return mulRound16(shiftLeft16(x, s), v8i(m)); }
+    KSX_INLINE static Vector apply(Vector x)
     {
-        return _mm_mulhrs_epi16(_mm_slli_epi16(x, s), v8i(m));
-    }
-    KSX_INLINE static __m128i apply(__m128i x)
-    {
-        return OUT_FULL ? scaled(x) : _mm_add_epi16(scaled(x), v8i(kBlack));
+        return OUT_FULL ? scaled(x) : add16(scaled(x), v8i(kBlack));
     }
 };
 
@@ -229,8 +224,8 @@ class BGRAv8_RESCALE_KEEPALPHA : public BGRAv8_RESCALE<IN_BITS, IN_FULL, OUT_BIT
 public:
     KSX_INLINE Pixels<BGRAv8, 2> step(const Pixels<BGRAv8, 2>& in) const
     {
-        return {{_mm_or_si128(_mm_and_si128(in[0], v8i_mask_7xxx3xxx),
-                              _mm_and_si128(this->apply(in[0]), v8i_mask_x654x210))}};
+        return {{bitOr(bitAnd(in[0], v8i_mask_7xxx3xxx),
+                       bitAnd(this->apply(in[0]), v8i_mask_x654x210))}};
     }
 };
 
@@ -261,9 +256,9 @@ namespace details {
 template<int BITS>
 class ClampToStudio {
 protected:
-    KSX_INLINE static __m128i apply(__m128i x)
+    KSX_INLINE static Vector apply(Vector x)
     {
-        return _mm_max_epi16(_mm_min_epi16(x, v8i(235 << (BITS - 8))), v8i(16 << (BITS - 8)));
+        return max16(min16(x, v8i(235 << (BITS - 8))), v8i(16 << (BITS - 8)));
     }
 };
 

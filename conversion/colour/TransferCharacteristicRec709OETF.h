@@ -12,8 +12,8 @@
 /// meaning, coming or going.
 #pragma once
 
-#include "conversion/Kernel.h"
 #include "conversion/colour/Flags.h"
+#include "conversion/pipeline/Kernel.h"
 
 #include <cstdint>
 
@@ -21,11 +21,11 @@ namespace KSX::PixelConversion {
 
 template<std::size_t N>
 struct Codes {
-    __m128i v[N];
+    Vector v[N];
 };
 template<std::size_t N>
 struct Light {
-    __m128 v[N];
+    FloatVector v[N];
 };
 
 /// Linear light of each 8-bit code.
@@ -86,29 +86,27 @@ public:
 
 private:
     template<int LANES>
-    KSX_INLINE static __m128i encode(__m128 linear)
+    KSX_INLINE static Vector encode(FloatVector linear)
     {
-        const __m128 last = _mm_set1_ps(kRec709OETFFromLinear8IdxMax);
-        const __m128 scaled = _mm_mul_ps(linear, last);
-        const __m128 f = _mm_max_ps(_mm_min_ps(scaled, last), _mm_setzero_ps());
-        const __m128i i0 = _mm_cvttps_epi32(f);
+        const FloatVector last = v4f(kRec709OETFFromLinear8IdxMax);
+        const FloatVector scaled = mul(linear, last);
+        const FloatVector f = max(min(scaled, last), v4f(0));
+        const Vector i0 = truncate32(f);
         const Indices i(i0);
-        const __m128 first = twoRises(i.a, i.b);
-        const __m128 second = LANES == 3 ? oneRise(i.c) : twoRises(i.c, i.d);
-        const __m128 from = _mm_shuffle_ps(first, second, _MM_SHUFFLE(2, 0, 2, 0));
-        const __m128i code =
-            _mm_castps_si128(_mm_shuffle_ps(first, second, _MM_SHUFFLE(3, 1, 3, 1)));
-        return _mm_sub_epi32(code, _mm_castps_si128(_mm_cmple_ps(from, f)));
+        const FloatVector first = twoRises(i.a, i.b);
+        const FloatVector second = LANES == 3 ? oneRise(i.c) : twoRises(i.c, i.d);
+        const FloatVector from = shuffle32<0, 2, 0, 2>(first, second);
+        const Vector code = bitsOf(shuffle32<1, 3, 1, 3>(first, second));
+        return sub32(code, bitsOf(lessOrEqual(from, f)));
     }
 
     /// Four lanes that are at least 0. Two at once on their way to where addresses are made: the
     /// way is narrow.
     struct Indices {
-        KSX_INLINE explicit Indices(__m128i lanes)
+        KSX_INLINE explicit Indices(Vector lanes)
         {
-            const auto low = static_cast<std::uint64_t>(_mm_cvtsi128_si64(lanes));
-            const auto high =
-                static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(lanes, lanes)));
+            const auto low = low64(lanes);
+            const auto high = low64(interleaveHigh64(lanes, lanes));
             a = static_cast<std::uint32_t>(low);
             b = low >> 32;
             c = static_cast<std::uint32_t>(high);
@@ -117,27 +115,26 @@ private:
         std::uint64_t a, b, c, d;
     };
 
-    KSX_INLINE static __m128 oneRise(std::uint64_t i)
+    KSX_INLINE static FloatVector oneRise(std::uint64_t i)
     {
-        return _mm_castsi128_ps(
-            _mm_loadl_epi64(reinterpret_cast<const __m128i*>(kRec709OETFRises8 + i)));
+        return loadLow64(kRec709OETFRises8 + i);
     }
-    KSX_INLINE static __m128 twoRises(std::uint64_t i, std::uint64_t j)
+    KSX_INLINE static FloatVector twoRises(std::uint64_t i, std::uint64_t j)
     {
-        return _mm_loadh_pi(oneRise(i), reinterpret_cast<const __m64*>(kRec709OETFRises8 + j));
+        return loadHigh64(oneRise(i), kRec709OETFRises8 + j);
     }
 
     template<int LANES>
-    KSX_INLINE static __m128 lookUp(const float* table, __m128i index)
+    KSX_INLINE static FloatVector lookUp(const float* table, Vector index)
     {
         const Indices i(index);
-        const __m128 a = _mm_load_ss(table + i.a);
-        const __m128 b = _mm_load_ss(table + i.b);
-        const __m128 c = _mm_load_ss(table + i.c);
+        const FloatVector a = loadLane32(table + i.a);
+        const FloatVector b = loadLane32(table + i.b);
+        const FloatVector c = loadLane32(table + i.c);
         if constexpr (LANES == 3)
-            return _mm_movelh_ps(_mm_unpacklo_ps(a, b), c);
-        const __m128 d = _mm_load_ss(table + i.d);
-        return _mm_movelh_ps(_mm_unpacklo_ps(a, b), _mm_unpacklo_ps(c, d));
+            return interleaveLow64(interleaveLow32(a, b), c);
+        const FloatVector d = loadLane32(table + i.d);
+        return interleaveLow64(interleaveLow32(a, b), interleaveLow32(c, d));
     }
 };
 
@@ -158,22 +155,20 @@ public:
                                           -0.1441316641773179,  0.039394104289797664};
         Pairs<N> signal;
         unrolled<0, N>([&]<unsigned I>() KSX_INLINE_LAMBDA {
-            const __m128d scale = _mm_set1_pd(0.0009775171065493646); // 1/1023
-            const __m128i upper = _mm_shuffle_epi32(codes.v[I], _MM_SHUFFLE(3, 2, 3, 2));
-            signal.v[2 * I] = _mm_mul_pd(_mm_cvtepi32_pd(codes.v[I]), scale);
-            signal.v[2 * I + 1] = _mm_mul_pd(_mm_cvtepi32_pd(upper), scale);
+            const DoubleVector scale = v2d(0.0009775171065493646); // 1/1023
+            const Vector upper = shuffle32<2, 3, 2, 3>(codes.v[I]);
+            signal.v[2 * I] = mul(lowToDoubles(codes.v[I]), scale);
+            signal.v[2 * I + 1] = mul(lowToDoubles(upper), scale);
         });
         Pairs<N> light = evaluate<N>(kPolynomial, signal);
         for (std::size_t i = 0; i < 2 * N; ++i) {
-            const __m128d line = _mm_mul_pd(signal.v[i], _mm_set1_pd(0.2222222222222222)); // 1/4.5
-            light.v[i] =
-                select(_mm_cmplt_pd(signal.v[i], _mm_set1_pd(0.08124285829863151)), // 4.5 beta
-                       line, light.v[i]);
+            const DoubleVector line = mul(signal.v[i], v2d(0.2222222222222222)); // 1/4.5
+            light.v[i] = select(lessThan(signal.v[i], v2d(0.08124285829863151)), // 4.5 beta
+                                line, light.v[i]);
         }
         Light<N> result;
         for (std::size_t i = 0; i < N; ++i)
-            result.v[i] =
-                _mm_movelh_ps(_mm_cvtpd_ps(light.v[2 * i]), _mm_cvtpd_ps(light.v[2 * i + 1]));
+            result.v[i] = interleaveLow64(toFloats(light.v[2 * i]), toFloats(light.v[2 * i + 1]));
         return result;
     }
 
@@ -190,14 +185,14 @@ public:
             -1860229944.5869374, 679796309.953305,  -152180100.8505276,  15730929.805408714};
         Pairs<N> l;
         for (std::size_t i = 0; i < N; ++i) {
-            l.v[2 * i] = _mm_cvtps_pd(light.v[i]);
-            l.v[2 * i + 1] = _mm_cvtps_pd(_mm_movehl_ps(light.v[i], light.v[i]));
+            l.v[2 * i] = lowToDoubles(light.v[i]);
+            l.v[2 * i + 1] = lowToDoubles(upperHalf(light.v[i]));
         }
         const Pairs<N> power = evaluate<N>(kPolynomial, l);
         Codes<N> codes;
         for (std::size_t i = 0; i < N; ++i)
-            codes.v[i] = _mm_unpacklo_epi64(encode(l.v[2 * i], power.v[2 * i]),
-                                            encode(l.v[2 * i + 1], power.v[2 * i + 1]));
+            codes.v[i] = interleaveLow64(encode(l.v[2 * i], power.v[2 * i]),
+                                         encode(l.v[2 * i + 1], power.v[2 * i + 1]));
         return codes;
     }
 
@@ -205,7 +200,7 @@ private:
     /// The lanes of `N` vectors in double precision, two by two.
     template<std::size_t N>
     struct Pairs {
-        __m128d v[2 * N];
+        DoubleVector v[2 * N];
     };
 
     /// By Horner's rule, from the highest power down. All lanes go side by side, since each step
@@ -215,12 +210,11 @@ private:
     KSX_INLINE static Pairs<N> evaluate(const double (&polynomial)[TERMS], const Pairs<N>& x)
     {
         Pairs<N> sums;
-        for (__m128d& sum : sums.v)
-            sum = _mm_set1_pd(polynomial[TERMS - 1]);
+        for (DoubleVector& sum : sums.v)
+            sum = v2d(polynomial[TERMS - 1]);
         unrolled<2, TERMS + 1>([&]<unsigned FROM_END>() KSX_INLINE_LAMBDA {
             unrolled<0, 2 * N>([&]<unsigned I>() KSX_INLINE_LAMBDA {
-                sums.v[I] = _mm_add_pd(_mm_mul_pd(sums.v[I], x.v[I]),
-                                       _mm_set1_pd(polynomial[TERMS - FROM_END]));
+                sums.v[I] = add(mul(sums.v[I], x.v[I]), v2d(polynomial[TERMS - FROM_END]));
             });
             keepTogether(sums.v);
         });
@@ -228,27 +222,27 @@ private:
     }
 
     /// Lets the compiler begin nothing behind it before all sums are there. No instruction.
-    KSX_INLINE static void keepTogether(__m128d (&v)[4])
+    KSX_INLINE static void keepTogether(DoubleVector (&v)[4])
     {
         asm("" : "+x"(v[0]), "+x"(v[1]), "+x"(v[2]), "+x"(v[3]));
     }
-    KSX_INLINE static void keepTogether(__m128d (&v)[6])
+    KSX_INLINE static void keepTogether(DoubleVector (&v)[6])
     {
         asm("" : "+x"(v[0]), "+x"(v[1]), "+x"(v[2]), "+x"(v[3]), "+x"(v[4]), "+x"(v[5]));
     }
 
-    KSX_INLINE static __m128i encode(__m128d l, __m128d power)
+    KSX_INLINE static Vector encode(DoubleVector l, DoubleVector power)
     {
-        const __m128d line = _mm_mul_pd(l, _mm_set1_pd(4.5));
-        const __m128d curve = _mm_sub_pd(_mm_mul_pd(power, _mm_set1_pd(1.099296826809442)),
-                                         _mm_set1_pd(0.09929682680944207));
-        const __m128d isLine = _mm_cmplt_pd(l, _mm_set1_pd(0.018053968510807)); // beta
-        return _mm_cvtpd_epi32(_mm_mul_pd(select(isLine, line, curve), _mm_set1_pd(1023)));
+        const DoubleVector line = mul(l, v2d(4.5));
+        const DoubleVector curve =
+            sub(mul(power, v2d(1.099296826809442)), v2d(0.09929682680944207));
+        const DoubleVector isLine = lessThan(l, v2d(0.018053968510807)); // beta
+        return toNearest32(mul(select(isLine, line, curve), v2d(1023)));
     }
 
-    KSX_INLINE static __m128d select(__m128d mask, __m128d a, __m128d b)
+    KSX_INLINE static DoubleVector select(DoubleVector mask, DoubleVector a, DoubleVector b)
     {
-        return _mm_or_pd(_mm_and_pd(mask, a), _mm_andnot_pd(mask, b));
+        return bitOr(bitAnd(mask, a), bitAndNot(mask, b));
     }
 };
 

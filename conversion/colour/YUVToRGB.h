@@ -1,14 +1,12 @@
 /// 4:4:4 YUV to RGB by the matrix of a range family.
 #pragma once
 
-#include "conversion/Pipeline.h"
-#include "conversion/VectorConstants.h"
 #include "conversion/colour/ClampLanes.h"
 #include "conversion/colour/Flags.h"
 #include "conversion/colour/RangeMatrices.h"
 #include "conversion/colour/Rescale.h"
-
-#include <tmmintrin.h>
+#include "conversion/pipeline/Pipeline.h"
+#include "conversion/pipeline/VectorConstants.h"
 
 namespace KSX::PixelConversion {
 
@@ -45,12 +43,12 @@ class YUV_TO_RGB_BASE {
 protected:
     KSX_INLINE Pixels<RGBv4, 4> convert(const Pixels<UYVY444v8, 4>& in) const
     {
-        constexpr __m128i offsets = v4i(std::uint32_t{kYOffset} << 16 | kChromaOffset);
-        const __m128i first = _mm_sub_epi16(in[0], offsets);
-        const __m128i second = _mm_sub_epi16(in[1], offsets);
-        constexpr __m128i rRow = coefficients(0);
-        constexpr __m128i gRow = coefficients(1);
-        constexpr __m128i bRow = coefficients(2);
+        constexpr Vector offsets = v4i(std::uint32_t{kYOffset} << 16 | kChromaOffset);
+        const Vector first = sub16(in[0], offsets);
+        const Vector second = sub16(in[1], offsets);
+        constexpr Vector rRow = coefficients(0);
+        constexpr Vector gRow = coefficients(1);
+        constexpr Vector bRow = coefficients(2);
         return {{component<kFirstShift>(first, second, rRow),
                  component<kFirstShift>(first, second, gRow),
                  component<kFirstShift - 1>(first, second, bRow)}};
@@ -58,26 +56,26 @@ protected:
 
 private:
     template<int SHIFT>
-    KSX_INLINE static __m128i component(__m128i first, __m128i second, __m128i row)
+    KSX_INLINE static Vector component(Vector first, Vector second, Vector row)
     {
-        const __m128i parts = _mm_packs_epi32(partialSums<SHIFT>(_mm_madd_epi16(first, row)),
-                                              partialSums<SHIFT>(_mm_madd_epi16(second, row)));
-        __m128i sums = _mm_madd_epi16(parts, v8i_1);
+        const Vector parts = packSaturate32To16(partialSums<SHIFT>(mulAddPairs16(first, row)),
+                                                partialSums<SHIFT>(mulAddPairs16(second, row)));
+        Vector sums = mulAddPairs16(parts, v8i_1);
         if constexpr (P == kExact)
-            sums = _mm_srai_epi32(_mm_add_epi32(sums, v4i(1 << (kSecondShift - 1))), kSecondShift);
+            sums = shiftRight32(add32(sums, v4i(1 << (kSecondShift - 1))), kSecondShift);
         return clampLanes(sums, kLowest, kHighest);
     }
 
     template<int SHIFT>
-    KSX_INLINE static __m128i partialSums(__m128i sums)
+    KSX_INLINE static Vector partialSums(Vector sums)
     {
         if constexpr (P == kExact)
-            sums = _mm_add_epi32(sums, v4i(1 << (SHIFT - 1)));
-        return _mm_srai_epi32(sums, SHIFT);
+            sums = add32(sums, v4i(1 << (SHIFT - 1)));
+        return shiftRight32(sums, SHIFT);
     }
 
     /// A row of the matrix beneath the lanes of a pixel pair.
-    static constexpr __m128i coefficients(int row)
+    static constexpr Vector coefficients(int row)
     {
         const FixedRow c = fixedYUV2RGBRow(RANGE::YUV2RGBMatrix(), row);
         return v8i(c.at[1], c.at[0], c.at[2], 0, c.at[1], 0, c.at[2], c.at[0]);
@@ -127,23 +125,19 @@ protected:
         static_assert(r.at[0] == 1 << 14 && g.at[0] == 1 << 14 && b.at[0] == 1 << 13);
 
         constexpr int kRounding = 1 << (kShift - 1);
-        const __m128i y =
-            _mm_add_epi16(_mm_slli_epi16(in[0], 14 - A),
-                          v8i(static_cast<std::uint16_t>(kRounding - (BELOW << kShift))));
-        const __m128i middle = v8i(128 << 7); // of chroma, at 15 bits
-        const __m128i cb = _mm_sub_epi16(_mm_slli_epi16(in[1], 15 - A), middle);
-        const __m128i cr = _mm_sub_epi16(_mm_slli_epi16(in[2], 15 - A), middle);
+        const Vector y = add16(shiftLeft16(in[0], 14 - A),
+                               v8i(static_cast<std::uint16_t>(kRounding - (BELOW << kShift))));
+        const Vector middle = v8i(128 << 7); // of chroma, at 15 bits
+        const Vector cb = sub16(shiftLeft16(in[1], 15 - A), middle);
+        const Vector cr = sub16(shiftLeft16(in[2], 15 - A), middle);
 
-        const __m128i red = _mm_mulhrs_epi16(cr, v8i(static_cast<std::uint16_t>(r.at[2])));
-        const __m128i green =
-            _mm_add_epi16(_mm_mulhrs_epi16(cb, v8i(static_cast<std::uint16_t>(g.at[1]))),
-                          _mm_mulhrs_epi16(cr, v8i(static_cast<std::uint16_t>(g.at[2]))));
+        const Vector red = mulRound16(cr, v8i(static_cast<std::uint16_t>(r.at[2])));
+        const Vector green = add16(mulRound16(cb, v8i(static_cast<std::uint16_t>(g.at[1]))),
+                                   mulRound16(cr, v8i(static_cast<std::uint16_t>(g.at[2]))));
         // Blue's row is at half the scale.
-        const __m128i blue =
-            _mm_mulhrs_epi16(_mm_add_epi16(cb, cb), v8i(static_cast<std::uint16_t>(b.at[1])));
-        return {{_mm_srai_epi16(_mm_add_epi16(y, red), kShift),
-                 _mm_srai_epi16(_mm_add_epi16(y, green), kShift),
-                 _mm_srai_epi16(_mm_add_epi16(y, blue), kShift)}};
+        const Vector blue = mulRound16(add16(cb, cb), v8i(static_cast<std::uint16_t>(b.at[1])));
+        return {{shiftRight16(add16(y, red), kShift), shiftRight16(add16(y, green), kShift),
+                 shiftRight16(add16(y, blue), kShift)}};
     }
 };
 
@@ -159,8 +153,8 @@ public:
     KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
     {
         auto rgb = this->template convert<0>(in);
-        for (__m128i& lanes : rgb.v)
-            lanes = _mm_max_epi16(_mm_min_epi16(lanes, v8i(235 << (B - 8))), v8i(16 << (B - 8)));
+        for (Vector& lanes : rgb.v)
+            lanes = max16(min16(lanes, v8i(235 << (B - 8))), v8i(16 << (B - 8)));
         return rgb;
     }
 };
@@ -189,7 +183,7 @@ public:
     KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
     {
         auto rgb = this->template convert<16 << (A - 8)>(in);
-        for (__m128i& v : rgb.v)
+        for (Vector& v : rgb.v)
             v = details::scaleLevels<A, B>(v);
         return rgb;
     }
@@ -223,20 +217,20 @@ public:
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
         const auto rgb = this->convert({{in[0], in[1]}});
-        const __m128i bg = _mm_or_si128(rgb[2], _mm_slli_epi32(rgb[1], 16));
-        const __m128i ra = _mm_or_si128(rgb[0], _mm_slli_epi32(alphaTo8Bits(in[2]), 16));
-        return {{_mm_unpacklo_epi32(bg, ra), _mm_unpackhi_epi32(bg, ra)}};
+        const Vector bg = bitOr(rgb[2], shiftLeft32(rgb[1], 16));
+        const Vector ra = bitOr(rgb[0], shiftLeft32(alphaTo8Bits(in[2]), 16));
+        return {{interleaveLow32(bg, ra), interleaveHigh32(bg, ra)}};
     }
 
 private:
-    KSX_INLINE static __m128i alphaTo8Bits(__m128i alpha)
+    KSX_INLINE static Vector alphaTo8Bits(Vector alpha)
     {
         if constexpr (FULLA) {
-            const __m128i rounding = _mm_srli_epi16(_mm_mullo_epi16(alpha, v4i(16336)), 15);
-            return _mm_add_epi16(_mm_mulhi_epu16(alpha, v4i(16336)), rounding);
+            const Vector rounding = shiftRightU16(mulLow16(alpha, v4i(16336)), 15);
+            return add16(mulHighU16(alpha, v4i(16336)), rounding);
         } else {
-            const __m128i above = _mm_subs_epu16(_mm_min_epi16(alpha, v4i(940)), v4i(64));
-            return _mm_srli_epi16(_mm_mulhi_epu16(_mm_slli_epi16(above, 1), v4i(38267)), 2);
+            const Vector above = subSaturateU16(min16(alpha, v4i(940)), v4i(64));
+            return shiftRightU16(mulHighU16(shiftLeft16(above, 1), v4i(38267)), 2);
         }
     }
 };
@@ -263,69 +257,68 @@ public:
         constexpr FixedRow g = fixedYUV2RGBRow(RANGE::YUV2RGBMatrix(), 1);
         constexpr FixedRow b = fixedYUV2RGBRow(RANGE::YUV2RGBMatrix(), 2);
 
-        const __m128i y = _mm_sub_epi16(in[0], v8i(64));
-        const __m128i cb = _mm_sub_epi16(in[1], v8i(512));
-        const __m128i cr = _mm_sub_epi16(in[2], v8i(512));
-        const __m128i evenCbY = evenLanes(cb, _mm_slli_epi32(y, 16));
-        const __m128i oddCrY = evenLanes(_mm_srli_epi32(cr, 16), y);
+        const Vector y = sub16(in[0], v8i(64));
+        const Vector cb = sub16(in[1], v8i(512));
+        const Vector cr = sub16(in[2], v8i(512));
+        const Vector evenCbY = evenLanes(cb, shiftLeft32(y, 16));
+        const Vector oddCrY = evenLanes(shiftRightU32(cr, 16), y);
 
-        const __m128i red =
-            evenLanes(_mm_add_epi16(part(y, r.at[0]), part(cr, r.at[2])),
-                      _mm_slli_epi32(jointSums<kShift>(oddCrY, r.at[2], r.at[0]), 16 - kShift));
-        const __m128i green = _mm_add_epi16(
-            evenLanes(jointPart<kShift>(evenCbY, g.at[1], g.at[0]),
-                      _mm_slli_epi32(jointSums<kShift>(oddCrY, g.at[2], g.at[0]), 16 - kShift)),
-            evenLanes(part(cr, g.at[2]), part(cb, g.at[1])));
+        const Vector red =
+            evenLanes(add16(part(y, r.at[0]), part(cr, r.at[2])),
+                      shiftLeft32(jointSums<kShift>(oddCrY, r.at[2], r.at[0]), 16 - kShift));
+        const Vector green =
+            add16(evenLanes(jointPart<kShift>(evenCbY, g.at[1], g.at[0]),
+                            shiftLeft32(jointSums<kShift>(oddCrY, g.at[2], g.at[0]), 16 - kShift)),
+                  evenLanes(part(cr, g.at[2]), part(cb, g.at[1])));
         // Blue's row is at half the scale, and its coefficient of Cb leaves no bit to double it.
         // Its sums can leave 16 bits, where they saturate, far beyond what the pack lets through.
-        const __m128i evenBlue = jointPart<kShift - 1>(evenCbY, b.at[1], b.at[0]);
-        const __m128i oddBlue =
-            _mm_adds_epi16(part(y, 2 * b.at[0]), part(_mm_add_epi16(cb, cb), b.at[1]));
-        const __m128i blues = _mm_packs_epi32(evenBlue, _mm_srai_epi32(oddBlue, 16));
-        const __m128i blue = _mm_unpacklo_epi16(blues, _mm_unpackhi_epi64(blues, blues));
+        const Vector evenBlue = jointPart<kShift - 1>(evenCbY, b.at[1], b.at[0]);
+        const Vector oddBlue = addSaturate16(part(y, 2 * b.at[0]), part(add16(cb, cb), b.at[1]));
+        const Vector blues = packSaturate32To16(evenBlue, shiftRight32(oddBlue, 16));
+        const Vector blue = interleaveLow16(blues, interleaveHigh64(blues, blues));
         return {{scaled(red), scaled(green), scaled(blue), alphaTo8Bits(in[3])}};
     }
 
 private:
     /// The lower halves of 32-bit lanes from `even`, the upper ones from `odd`.
-    KSX_INLINE static __m128i evenLanes(__m128i even, __m128i odd)
+    KSX_INLINE static Vector evenLanes(Vector even, Vector odd)
     {
-        return _mm_or_si128(_mm_and_si128(even, v4i_0xffff), _mm_andnot_si128(v4i_0xffff, odd));
+        return bitOr(bitAnd(even, v4i_0xffff), bitAndNot(v4i_0xffff, odd));
     }
 
-    KSX_INLINE static __m128i part(__m128i x, int coefficient)
+    KSX_INLINE static Vector part(Vector x, int coefficient)
     {
-        const __m128i c = v8i(static_cast<std::uint16_t>(coefficient));
-        return P == kExact ? _mm_mulhrs_epi16(_mm_slli_epi16(x, 5), c) : _mm_mulhi_epi16(x, c);
+        const Vector c = v8i(static_cast<std::uint16_t>(coefficient));
+        return P == kExact ? mulRound16(shiftLeft16(x, 5), c) : mulHigh16(x, c);
     }
 
     /// To be cut off at bit `SHIFT`.
     template<int SHIFT>
-    KSX_INLINE static __m128i jointSums(__m128i x, int low, int high)
+    KSX_INLINE static Vector jointSums(Vector x, int low, int high)
     {
-        const __m128i sums = _mm_madd_epi16(x, v4i(static_cast<std::uint32_t>(high) << 16 |
-                                                   (static_cast<std::uint32_t>(low) & 0xffff)));
-        return P == kExact ? _mm_add_epi32(sums, v4i(1 << (SHIFT - 1))) : sums;
+        const Vector sums = mulAddPairs16(x, v4i(static_cast<std::uint32_t>(high) << 16 |
+                                                 (static_cast<std::uint32_t>(low) & 0xffff)));
+        return P == kExact ? add32(sums, v4i(1 << (SHIFT - 1))) : sums;
     }
 
     template<int SHIFT>
-    KSX_INLINE static __m128i jointPart(__m128i x, int low, int high)
+    KSX_INLINE static Vector jointPart(Vector x, int low, int high)
     {
-        return _mm_srai_epi32(jointSums<SHIFT>(x, low, high), SHIFT);
+        return shiftRight32(jointSums<SHIFT>(x, low, high), SHIFT);
     }
 
-    KSX_INLINE static __m128i scaled(__m128i x)
+    KSX_INLINE static Vector scaled(Vector x)
     {
-        return P == kExact ? _mm_srai_epi16(_mm_adds_epi16(x, v8i(32)), 6) : x;
+        return P == kExact ? shiftRight16(addSaturate16(x, v8i(32)), 6) : x;
     }
 
-    KSX_INLINE static __m128i alphaTo8Bits(__m128i alpha)
+    KSX_INLINE static Vector alphaTo8Bits(Vector alpha)
     {
         if constexpr (FULLA) {
-            return _mm_mulhrs_epi16(alpha, v8i(16336 / 2));
+            return mulRound16(alpha, v8i(16336 / 2));
         } else {
-            const __m128i above = _mm_subs_epu16(_mm_min_epi16(alpha, v8i(940)), v8i(64));
-            return _mm_srli_epi16(_mm_mulhi_epu16(_mm_slli_epi16(above, 1), v8i(38267)), 2);
+            const Vector above = subSaturateU16(min16(alpha, v8i(940)), v8i(64));
+            return shiftRightU16(mulHighU16(shiftLeft16(above, 1), v8i(38267)), 2);
         }
     }
 };

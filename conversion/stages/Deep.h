@@ -10,13 +10,11 @@
 /// v216 needs no stage: it is `UYVYv8` as it lies in memory.
 #pragma once
 
-#include "conversion/EachVector.h"
-#include "conversion/Pipeline.h"
-#include "conversion/VectorConstants.h"
 #include "conversion/colour/BitDepth.h"
+#include "conversion/pipeline/EachVector.h"
+#include "conversion/pipeline/Pipeline.h"
+#include "conversion/pipeline/VectorConstants.h"
 #include "conversion/stages/V210.h"
-
-#include <tmmintrin.h>
 
 namespace KSX::PixelConversion {
 
@@ -29,19 +27,17 @@ namespace details {
 
 class ReverseBytes {
 protected:
-    KSX_INLINE static __m128i apply(__m128i x)
+    KSX_INLINE static Vector apply(Vector x)
     {
-        return _mm_shuffle_epi8(
-            x, _mm_setr_epi8(7, 6, 5, 4, 3, 2, 1, 0, 15, 14, 13, 12, 11, 10, 9, 8));
+        return shuffleBytes(x, v16i(7, 6, 5, 4, 3, 2, 1, 0, 15, 14, 13, 12, 11, 10, 9, 8));
     }
 };
 
 class ReverseLanes {
 protected:
-    KSX_INLINE static __m128i apply(__m128i x)
+    KSX_INLINE static Vector apply(Vector x)
     {
-        return _mm_shuffle_epi8(
-            x, _mm_setr_epi8(6, 7, 4, 5, 2, 3, 0, 1, 14, 15, 12, 13, 10, 11, 8, 9));
+        return shuffleBytes(x, v16i(6, 7, 4, 5, 2, 3, 0, 1, 14, 15, 12, 13, 10, 11, 8, 9));
     }
 };
 
@@ -60,9 +56,9 @@ namespace details {
 /// pack to bytes behind it would have it.
 class RoundTo8Bits {
 protected:
-    KSX_INLINE static __m128i apply(__m128i x)
+    KSX_INLINE static Vector apply(Vector x)
     {
-        return _mm_srli_epi16(_mm_adds_epu16(x, v8i(128)), 8);
+        return shiftRightU16(addSaturateU16(x, v8i(128)), 8);
     }
 };
 
@@ -87,7 +83,7 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        return {{_mm_srli_epi16(in[0], 4)}};
+        return {{shiftRightU16(in[0], 4)}};
     }
 };
 
@@ -101,7 +97,7 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        return {{_mm_srli_epi16(_mm_adds_epu16(in[0], v8i(32)), 6)}};
+        return {{shiftRightU16(addSaturateU16(in[0], v8i(32)), 6)}};
     }
 };
 
@@ -129,14 +125,13 @@ namespace details {
 template<int BITS>
 KSX_INLINE Pixels<BGRAv8, 4> codesOf(const Pixels<Packed<12>, 4>& in)
 {
-    const auto codes = [](__m128i pixel) KSX_INLINE_LAMBDA {
-        return _mm_cvtps_epi32(
-            _mm_mul_ps(_mm_castsi128_ps(pixel), _mm_set1_ps(kLargestCode<BITS>)));
+    const auto codes = [](Vector pixel) KSX_INLINE_LAMBDA {
+        return toNearest32(mul(floatsOfBits(pixel), v4f(kLargestCode<BITS>)));
     };
     // a0 b0 c0 a1 | b1 c1 a2 b2 | c2 a3 b3 c3
-    return {{_mm_packs_epi32(codes(in[0]), codes(_mm_alignr_epi8(in[1], in[0], 12))),
-             _mm_packs_epi32(codes(_mm_alignr_epi8(in[2], in[1], 8)),
-                             codes(_mm_srli_si128(in[2], 4)))}};
+    return {{packSaturate32To16(codes(in[0]), codes(combineShiftRightBytes<12>(in[1], in[0]))),
+             packSaturate32To16(codes(combineShiftRightBytes<8>(in[2], in[1])),
+                                codes(shiftRightBytes<4>(in[2])))}};
 }
 
 } // namespace details
@@ -156,11 +151,9 @@ public:
     }
 
 private:
-    KSX_INLINE static __m128i bgra(__m128i rgb)
+    KSX_INLINE static Vector bgra(Vector rgb)
     {
-        constexpr int kExchanged = _MM_SHUFFLE(3, 0, 1, 2);
-        return _mm_or_si128(_mm_shufflehi_epi16(_mm_shufflelo_epi16(rgb, kExchanged), kExchanged),
-                            v8i_mask_7xxx3xxx);
+        return bitOr(shuffleHigh16<2, 1, 0, 3>(shuffleLow16<2, 1, 0, 3>(rgb)), v8i_mask_7xxx3xxx);
     }
 };
 
@@ -179,10 +172,9 @@ public:
     }
 
 private:
-    KSX_INLINE static __m128i uyvy(__m128i yuv)
+    KSX_INLINE static Vector uyvy(Vector yuv)
     {
-        constexpr int kCbYCrY = _MM_SHUFFLE(0, 2, 0, 1);
-        return _mm_shufflehi_epi16(_mm_shufflelo_epi16(yuv, kCbYCrY), kCbYCrY);
+        return shuffleHigh16<1, 0, 2, 0>(shuffleLow16<1, 0, 2, 0>(yuv));
     }
 };
 
@@ -196,26 +188,25 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        const __m128 r = floats(in[0]);
-        const __m128 g = floats(in[1]);
-        const __m128 b = floats(in[2]);
-        const __m128 rgLow = _mm_unpacklo_ps(r, g);  // R0 G0 R1 G1
-        const __m128 rgHigh = _mm_unpackhi_ps(r, g); // R2 G2 R3 G3
-        const __m128 b0r1 = _mm_shuffle_ps(b, rgLow, _MM_SHUFFLE(2, 2, 0, 0));
-        const __m128 g1b1 = _mm_shuffle_ps(rgLow, b, _MM_SHUFFLE(1, 1, 3, 3));
-        const __m128 b2r3 = _mm_shuffle_ps(b, rgHigh, _MM_SHUFFLE(2, 2, 2, 2));
-        const __m128 g3b3 = _mm_shuffle_ps(rgHigh, b, _MM_SHUFFLE(3, 3, 3, 3));
-        return {{_mm_castps_si128(_mm_shuffle_ps(rgLow, b0r1, _MM_SHUFFLE(2, 0, 1, 0))),
-                 _mm_castps_si128(_mm_shuffle_ps(g1b1, rgHigh, _MM_SHUFFLE(1, 0, 2, 0))),
-                 _mm_castps_si128(_mm_shuffle_ps(b2r3, g3b3, _MM_SHUFFLE(2, 0, 2, 0)))}};
+        const FloatVector r = floats(in[0]);
+        const FloatVector g = floats(in[1]);
+        const FloatVector b = floats(in[2]);
+        const FloatVector rgLow = interleaveLow32(r, g);   // R0 G0 R1 G1
+        const FloatVector rgHigh = interleaveHigh32(r, g); // R2 G2 R3 G3
+        const FloatVector b0r1 = shuffle32<0, 0, 2, 2>(b, rgLow);
+        const FloatVector g1b1 = shuffle32<3, 3, 1, 1>(rgLow, b);
+        const FloatVector b2r3 = shuffle32<2, 2, 2, 2>(b, rgHigh);
+        const FloatVector g3b3 = shuffle32<3, 3, 3, 3>(rgHigh, b);
+        return {{bitsOf(shuffle32<0, 1, 0, 2>(rgLow, b0r1)),
+                 bitsOf(shuffle32<0, 2, 0, 1>(g1b1, rgHigh)),
+                 bitsOf(shuffle32<0, 2, 0, 2>(b2r3, g3b3))}};
     }
 
 private:
-    KSX_INLINE static __m128 floats(__m128i codes)
+    KSX_INLINE static FloatVector floats(Vector codes)
     {
-        const __m128 scaled =
-            _mm_mul_ps(_mm_cvtepi32_ps(codes), _mm_set1_ps(1 / kLargestCode<BITS>));
-        return _mm_min_ps(_mm_max_ps(scaled, _mm_setzero_ps()), _mm_set1_ps(1));
+        const FloatVector scaled = mul(toFloats(codes), v4f(1 / kLargestCode<BITS>));
+        return min(max(scaled, v4f(0)), v4f(1));
     }
 };
 

@@ -13,14 +13,11 @@
 /// A04l and A04L need no stage: they are `BGRAv8` as it lies in memory.
 #pragma once
 
-#include "conversion/ByteOrder.h"
-#include "conversion/Pipeline.h"
-#include "conversion/VectorConstants.h"
 #include "conversion/colour/BitDepth.h"
 #include "conversion/colour/Rescale.h"
+#include "conversion/pipeline/Pipeline.h"
+#include "conversion/pipeline/VectorConstants.h"
 #include "conversion/stages/RGB8.h"
-
-#include <tmmintrin.h>
 
 namespace KSX::PixelConversion {
 
@@ -28,11 +25,11 @@ namespace details {
 
 /// Cuts words into components of 10 bits; `B` is the lowest bit of the lowest one.
 template<int B>
-KSX_INLINE Pixels<RGBv4, 4> splitRGB10(__m128i words)
+KSX_INLINE Pixels<RGBv4, 4> splitRGB10(Vector words)
 {
     const auto field = [&]<int BIT>() KSX_INLINE_LAMBDA {
-        const __m128i shifted = _mm_srli_epi32(words, BIT);
-        return BIT == 22 ? shifted : _mm_and_si128(shifted, v4i_0x3ff);
+        const Vector shifted = shiftRightU32(words, BIT);
+        return BIT == 22 ? shifted : bitAnd(shifted, v4i_0x3ff);
     };
     return {{field.template operator()<B + 20>(), field.template operator()<B + 10>(),
              field.template operator()<B>()}};
@@ -41,13 +38,13 @@ KSX_INLINE Pixels<RGBv4, 4> splitRGB10(__m128i words)
 /// Joins components to words, each limited to 0 and 1023. Of a lane the low 16 bits count, as a
 /// signed value.
 template<int B>
-KSX_INLINE __m128i joinRGB10(const Pixels<RGBv4, 4>& in)
+KSX_INLINE Vector joinRGB10(const Pixels<RGBv4, 4>& in)
 {
     // Upper halves of a limit are 0, and so are those of what two limits leave.
-    const auto field = [](__m128i x, int bit) KSX_INLINE_LAMBDA {
-        return _mm_slli_epi32(_mm_max_epi16(_mm_min_epi16(x, v4i_0x3ff), v0), bit);
+    const auto field = [](Vector x, int bit) KSX_INLINE_LAMBDA {
+        return shiftLeft32(max16(min16(x, v4i_0x3ff), v0), bit);
     };
-    return _mm_or_si128(_mm_or_si128(field(in[0], B + 20), field(in[1], B + 10)), field(in[2], B));
+    return bitOr(bitOr(field(in[0], B + 20), field(in[1], B + 10)), field(in[2], B));
 }
 
 /// Unpacks words to RGBv8. 8 pixels a step: 32 bytes in, 3 vectors out. `B` is the lowest bit of
@@ -66,32 +63,31 @@ public:
     {
         constexpr int kR = B + 20, kG = B + 10;
         // R and B of 4 pixels at once, and G of 4 into either half.
-        const __m128i redBlue =
-            _mm_setr_epi8(low(kR), high(kR), low(kR, 1), high(kR, 1), low(kR, 2), high(kR, 2),
-                          low(kR, 3), high(kR, 3), low(B), high(B), low(B, 1), high(B, 1),
-                          low(B, 2), high(B, 2), low(B, 3), high(B, 3));
-        const __m128i greenLow =
-            _mm_setr_epi8(low(kG), high(kG), low(kG, 1), high(kG, 1), low(kG, 2), high(kG, 2),
-                          low(kG, 3), high(kG, 3), -1, -1, -1, -1, -1, -1, -1, -1);
-        const __m128i greenHigh =
-            _mm_setr_epi8(-1, -1, -1, -1, -1, -1, -1, -1, low(kG), high(kG), low(kG, 1),
-                          high(kG, 1), low(kG, 2), high(kG, 2), low(kG, 3), high(kG, 3));
-        const __m128i first = _mm_shuffle_epi8(in[0], redBlue);
-        const __m128i second = _mm_shuffle_epi8(in[1], redBlue);
-        const __m128i green =
-            _mm_or_si128(_mm_shuffle_epi8(in[0], greenLow), _mm_shuffle_epi8(in[1], greenHigh));
-        return {{aligned<kR>(_mm_unpacklo_epi64(first, second)), aligned<kG>(green),
-                 aligned<B>(_mm_unpackhi_epi64(first, second))}};
+        const Vector redBlue =
+            v16i(low(kR), high(kR), low(kR, 1), high(kR, 1), low(kR, 2), high(kR, 2), low(kR, 3),
+                 high(kR, 3), low(B), high(B), low(B, 1), high(B, 1), low(B, 2), high(B, 2),
+                 low(B, 3), high(B, 3));
+        const Vector greenLow =
+            v16i(low(kG), high(kG), low(kG, 1), high(kG, 1), low(kG, 2), high(kG, 2), low(kG, 3),
+                 high(kG, 3), -1, -1, -1, -1, -1, -1, -1, -1);
+        const Vector greenHigh =
+            v16i(-1, -1, -1, -1, -1, -1, -1, -1, low(kG), high(kG), low(kG, 1), high(kG, 1),
+                 low(kG, 2), high(kG, 2), low(kG, 3), high(kG, 3));
+        const Vector first = shuffleBytes(in[0], redBlue);
+        const Vector second = shuffleBytes(in[1], redBlue);
+        const Vector green = bitOr(shuffleBytes(in[0], greenLow), shuffleBytes(in[1], greenHigh));
+        return {{aligned<kR>(interleaveLow64(first, second)), aligned<kG>(green),
+                 aligned<B>(interleaveHigh64(first, second))}};
     }
 
     /// G of 4 words, in the lower half.
-    KSX_INLINE static __m128i greenOf(__m128i words)
+    KSX_INLINE static Vector greenOf(Vector words)
     {
         constexpr int kG = B + 10;
-        const __m128i lanes =
-            _mm_setr_epi8(low(kG), high(kG), low(kG, 1), high(kG, 1), low(kG, 2), high(kG, 2),
-                          low(kG, 3), high(kG, 3), -1, -1, -1, -1, -1, -1, -1, -1);
-        return aligned<kG>(_mm_shuffle_epi8(words, lanes));
+        const Vector lanes =
+            v16i(low(kG), high(kG), low(kG, 1), high(kG, 1), low(kG, 2), high(kG, 2), low(kG, 3),
+                 high(kG, 3), -1, -1, -1, -1, -1, -1, -1, -1);
+        return aligned<kG>(shuffleBytes(words, lanes));
     }
 
 private:
@@ -106,10 +102,10 @@ private:
     }
 
     template<int BIT>
-    KSX_INLINE static __m128i aligned(__m128i lanes)
+    KSX_INLINE static Vector aligned(Vector lanes)
     {
         constexpr int kToTop = 6 - BIT % 8;
-        return _mm_srli_epi16(_mm_slli_epi16(lanes, kToTop), 6);
+        return shiftRightU16(shiftLeft16(lanes, kToTop), 6);
     }
 };
 
@@ -124,23 +120,20 @@ public:
 
     KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
     {
-        const __m128i r = limited(in[0]), g = limited(in[1]), b = limited(in[2]);
-        return {{words(_mm_unpacklo_epi16(b, g), _mm_unpacklo_epi16(v0, r)),
-                 words(_mm_unpackhi_epi16(b, g), _mm_unpackhi_epi16(v0, r))}};
+        const Vector r = limited(in[0]), g = limited(in[1]), b = limited(in[2]);
+        return {{words(interleaveLow16(b, g), interleaveLow16(v0, r)),
+                 words(interleaveHigh16(b, g), interleaveHigh16(v0, r))}};
     }
 
 private:
-    KSX_INLINE static __m128i limited(__m128i x)
-    {
-        return _mm_max_epi16(_mm_min_epi16(x, v8i_0x3ff), v0);
-    }
+    KSX_INLINE static Vector limited(Vector x) { return max16(min16(x, v8i_0x3ff), v0); }
 
     /// B and G by a multiply-and-add, R from the upper half of its lane.
-    KSX_INLINE static __m128i words(__m128i bg, __m128i r)
+    KSX_INLINE static Vector words(Vector bg, Vector r)
     {
-        constexpr __m128i weights = v4i((1024 << B) << 16 | 1 << B);
-        const __m128i joined = _mm_or_si128(_mm_madd_epi16(bg, weights), _mm_slli_epi32(r, B + 4));
-        return SWAPPED ? swapWords(joined) : joined;
+        constexpr Vector weights = v4i((1024 << B) << 16 | 1 << B);
+        const Vector joined = bitOr(mulAddPairs16(bg, weights), shiftLeft32(r, B + 4));
+        return SWAPPED ? reverseBytes32(joined) : joined;
     }
 };
 
@@ -159,7 +152,7 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        return details::splitRGB10<0>(swapWords(in[0]));
+        return details::splitRGB10<0>(reverseBytes32(in[0]));
     }
 };
 
@@ -182,7 +175,7 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        return {{swapWords(details::joinRGB10<0>(in))}};
+        return {{reverseBytes32(details::joinRGB10<0>(in))}};
     }
 };
 
@@ -218,7 +211,7 @@ public:
     static constexpr bool kSwapped = true;
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        return UNPACK_R10KLE_TO_RGBv4::step({{swapWords(in[0])}});
+        return UNPACK_R10KLE_TO_RGBv4::step({{reverseBytes32(in[0])}});
     }
 };
 
@@ -243,7 +236,7 @@ public:
     static constexpr bool kSwapped = true;
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        return {{swapWords(PACK_RGBv4_TO_R10KLE::step(in)[0])}};
+        return {{reverseBytes32(PACK_RGBv4_TO_R10KLE::step(in)[0])}};
     }
 };
 
@@ -266,7 +259,7 @@ struct Twin<PACK_RGBv4_TO_R10KBE> {
 
 namespace details {
 
-inline constexpr __m128i v4i_r10kpaddingbe = v4i(0x03000000);
+inline constexpr Vector v4i_r10kpaddingbe = v4i(0x03000000);
 
 } // namespace details
 
@@ -279,7 +272,7 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        return {{_mm_or_si128(in[0], details::v4i_r10kpaddingbe)}};
+        return {{bitOr(in[0], details::v4i_r10kpaddingbe)}};
     }
 };
 
@@ -301,14 +294,14 @@ public:
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
         constexpr int kR = UNPACK::kBytes[0], kG = UNPACK::kBytes[1], kB = UNPACK::kBytes[2];
-        const __m128i outer = _mm_setr_epi8(kB, -1, kR, -1, kB + 4, -1, kR + 4, -1, //
-                                            kB + 8, -1, kR + 8, -1, kB + 12, -1, kR + 12, -1);
-        const __m128i inner = _mm_setr_epi8(-1, kG, -1, -1, -1, kG + 4, -1, -1, //
-                                            -1, kG + 8, -1, -1, -1, kG + 12, -1, -1);
-        constexpr __m128i factors = v4i((64 << B) << 16 | 4 << B);
-        const __m128i words = _mm_or_si128(_mm_mullo_epi16(_mm_shuffle_epi8(in[0], outer), factors),
-                                           _mm_slli_epi32(_mm_shuffle_epi8(in[0], inner), B + 4));
-        return {{PACK::kSwapped ? swapWords(words) : words}};
+        const Vector outer = v16i(kB, -1, kR, -1, kB + 4, -1, kR + 4, -1, //
+                                  kB + 8, -1, kR + 8, -1, kB + 12, -1, kR + 12, -1);
+        const Vector inner = v16i(-1, kG, -1, -1, -1, kG + 4, -1, -1, //
+                                  -1, kG + 8, -1, -1, -1, kG + 12, -1, -1);
+        constexpr Vector factors = v4i((64 << B) << 16 | 4 << B);
+        const Vector words = bitOr(mulLow16(shuffleBytes(in[0], outer), factors),
+                                   shiftLeft32(shuffleBytes(in[0], inner), B + 4));
+        return {{PACK::kSwapped ? reverseBytes32(words) : words}};
     }
 };
 
@@ -325,32 +318,32 @@ public:
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
         constexpr int kR = UNPACK::kBytes[0], kG = UNPACK::kBytes[1], kB = UNPACK::kBytes[2];
-        const __m128i outer = _mm_setr_epi8(kB, -1, kR, -1, kB + 4, -1, kR + 4, -1, //
-                                            kB + 8, -1, kR + 8, -1, kB + 12, -1, kR + 12, -1);
-        const __m128i inner = _mm_setr_epi8(kG, -1, -1, -1, kG + 4, -1, -1, -1, //
-                                            kG + 8, -1, -1, -1, kG + 12, -1, -1, -1);
-        constexpr __m128i factors = v4i((16 << B) << 16 | 1 << B);
-        constexpr __m128i black = v4i((kBlack << 20 | kBlack << 10 | kBlack) << B);
-        const __m128i redBlue = _mm_mullo_epi16(scaled(_mm_shuffle_epi8(in[0], outer)), factors);
-        const __m128i green = _mm_slli_epi32(scaled(_mm_shuffle_epi8(in[0], inner)), B + 10);
-        const __m128i words = _mm_add_epi32(_mm_or_si128(redBlue, green), black);
-        return {{PACK::kSwapped ? swapWords(words) : words}};
+        const Vector outer = v16i(kB, -1, kR, -1, kB + 4, -1, kR + 4, -1, //
+                                  kB + 8, -1, kR + 8, -1, kB + 12, -1, kR + 12, -1);
+        const Vector inner = v16i(kG, -1, -1, -1, kG + 4, -1, -1, -1, //
+                                  kG + 8, -1, -1, -1, kG + 12, -1, -1, -1);
+        constexpr Vector factors = v4i((16 << B) << 16 | 1 << B);
+        constexpr Vector black = v4i((kBlack << 20 | kBlack << 10 | kBlack) << B);
+        const Vector redBlue = mulLow16(scaled(shuffleBytes(in[0], outer)), factors);
+        const Vector green = shiftLeft32(scaled(shuffleBytes(in[0], inner)), B + 10);
+        const Vector words = add32(bitOr(redBlue, green), black);
+        return {{PACK::kSwapped ? reverseBytes32(words) : words}};
     }
 };
 
 /// A shuffle of 4 words: the two bytes that have the component which begins at bit `EVEN` into each
 /// even lane, and those for `ODD` into each odd one. No byte for -1.
 template<class UNPACK, int EVEN, int ODD>
-KSX_INLINE __m128i lanesOf()
+KSX_INLINE Vector lanesOf()
 {
     constexpr auto byte = [](int bit, int i, int pixel) {
         const int in = bit / 8 + i;
         return static_cast<char>(bit < 0 ? -1 : 4 * pixel + (UNPACK::kSwapped ? 3 - in : in));
     };
-    return _mm_setr_epi8(byte(EVEN, 0, 0), byte(EVEN, 1, 0), byte(ODD, 0, 0), byte(ODD, 1, 0), //
-                         byte(EVEN, 0, 1), byte(EVEN, 1, 1), byte(ODD, 0, 1), byte(ODD, 1, 1), //
-                         byte(EVEN, 0, 2), byte(EVEN, 1, 2), byte(ODD, 0, 2), byte(ODD, 1, 2), //
-                         byte(EVEN, 0, 3), byte(EVEN, 1, 3), byte(ODD, 0, 3), byte(ODD, 1, 3));
+    return v16i(byte(EVEN, 0, 0), byte(EVEN, 1, 0), byte(ODD, 0, 0), byte(ODD, 1, 0), //
+                byte(EVEN, 0, 1), byte(EVEN, 1, 1), byte(ODD, 0, 1), byte(ODD, 1, 1), //
+                byte(EVEN, 0, 2), byte(EVEN, 1, 2), byte(ODD, 0, 2), byte(ODD, 1, 2), //
+                byte(EVEN, 0, 3), byte(EVEN, 1, 3), byte(ODD, 0, 3), byte(ODD, 1, 3));
 }
 
 /// From words of 10-bit RGB straight to opaque bytes, rounded. 4 pixels a step: 16 bytes in, 16
@@ -369,9 +362,9 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        const __m128i lower = rounded<at(0), at(2)>(in[0]);
-        const __m128i upper = rounded<at(1), at(3)>(in[0]);
-        return {{_mm_or_si128(_mm_srli_epi16(lower, 8), _mm_and_si128(upper, v8i(0xff00)))}};
+        const Vector lower = rounded<at(0), at(2)>(in[0]);
+        const Vector upper = rounded<at(1), at(3)>(in[0]);
+        return {{bitOr(shiftRightU16(lower, 8), bitAnd(upper, v8i(0xff00)))}};
     }
 
 private:
@@ -393,15 +386,14 @@ private:
     static constexpr std::int16_t half(int bit) { return bit == kNone ? -256 : 128; }
 
     template<int LOW, int HIGH>
-    KSX_INLINE static __m128i rounded(__m128i words)
+    KSX_INLINE static Vector rounded(Vector words)
     {
-        constexpr __m128i factors = v8i(factor(LOW), factor(HIGH), factor(LOW), factor(HIGH),
-                                        factor(LOW), factor(HIGH), factor(LOW), factor(HIGH));
-        constexpr __m128i halves = v8i(half(LOW), half(HIGH), half(LOW), half(HIGH), half(LOW),
-                                       half(HIGH), half(LOW), half(HIGH));
-        return _mm_adds_epu16(
-            _mm_mullo_epi16(_mm_shuffle_epi8(words, lanesOf<UNPACK, LOW, HIGH>()), factors),
-            halves);
+        constexpr Vector factors = v8i(factor(LOW), factor(HIGH), factor(LOW), factor(HIGH),
+                                       factor(LOW), factor(HIGH), factor(LOW), factor(HIGH));
+        constexpr Vector halves = v8i(half(LOW), half(HIGH), half(LOW), half(HIGH), half(LOW),
+                                      half(HIGH), half(LOW), half(HIGH));
+        return addSaturateU16(mulLow16(shuffleBytes(words, lanesOf<UNPACK, LOW, HIGH>()), factors),
+                              halves);
     }
 };
 
@@ -418,34 +410,33 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        const __m128i bytes =
-            _mm_packus_epi16(scaled<kR, kB, 0>(in[0]), scaled<kG, -1, 255>(in[0]));
+        const Vector bytes =
+            packSaturate16ToU8(scaled<kR, kB, 0>(in[0]), scaled<kG, -1, 255>(in[0]));
         constexpr auto from = [](int byte) {
             const auto& at = PACK::kBytes;
             return static_cast<char>(byte == at[0] ? 0 : byte == at[1] ? 8 : byte == at[2] ? 1 : 9);
         };
         constexpr char k0 = from(0), k1 = from(1), k2 = from(2), k3 = from(3);
-        const __m128i order =
-            _mm_setr_epi8(k0, k1, k2, k3, k0 + 2, k1 + 2, k2 + 2, k3 + 2, //
-                          k0 + 4, k1 + 4, k2 + 4, k3 + 4, k0 + 6, k1 + 6, k2 + 6, k3 + 6);
-        return {{_mm_shuffle_epi8(bytes, order)}};
+        const Vector order = v16i(k0, k1, k2, k3, k0 + 2, k1 + 2, k2 + 2, k3 + 2, //
+                                  k0 + 4, k1 + 4, k2 + 4, k3 + 4, k0 + 6, k1 + 6, k2 + 6, k3 + 6);
+        return {{shuffleBytes(bytes, order)}};
     }
 
 private:
     /// The components that begin at bits `EVEN` and `ODD`, in even and odd lanes. In the place of
     /// one that begins at -1 stands `FILL`.
     template<int EVEN, int ODD, int FILL>
-    KSX_INLINE static __m128i scaled(__m128i words)
+    KSX_INLINE static Vector scaled(Vector words)
     {
         constexpr auto k = rescaleConstants(10, false, 8, true);
         constexpr auto pairs = [](int even, int odd) {
             return v4i(static_cast<int>(static_cast<unsigned>(odd) << 16 | unsigned(even)));
         };
         constexpr auto lane = [](int bit) { return bit < 0 ? 0 : 64 >> bit % 8; };
-        const __m128i fields = _mm_mullo_epi16(
-            _mm_shuffle_epi8(words, lanesOf<UNPACK, EVEN, ODD>()), pairs(lane(EVEN), lane(ODD)));
-        const __m128i codes = _mm_subs_epu16(_mm_srli_epi16(fields, 6), v8i(k.black));
-        return _mm_avg_epu16(_mm_mulhi_epu16(codes, v8i(2 * k.gain)), pairs(0, 2 * FILL));
+        const Vector fields = mulLow16(shuffleBytes(words, lanesOf<UNPACK, EVEN, ODD>()),
+                                       pairs(lane(EVEN), lane(ODD)));
+        const Vector codes = subSaturateU16(shiftRightU16(fields, 6), v8i(k.black));
+        return averageU16(mulHighU16(codes, v8i(2 * k.gain)), pairs(0, 2 * FILL));
     }
 };
 

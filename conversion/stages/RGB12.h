@@ -16,13 +16,10 @@
 /// to 35.
 #pragma once
 
-#include "conversion/ByteOrder.h"
-#include "conversion/Pipeline.h"
-#include "conversion/VectorConstants.h"
 #include "conversion/colour/BitDepth.h"
+#include "conversion/pipeline/Pipeline.h"
+#include "conversion/pipeline/VectorConstants.h"
 #include "conversion/stages/RGB8.h"
-
-#include <tmmintrin.h>
 
 namespace KSX::PixelConversion {
 
@@ -43,10 +40,10 @@ public:
 
     KSX_INLINE Pixels<Output, kPart> step(const Pixels<Input, kPart>& in) const
     {
-        constexpr __m128i alpha = v8i(0, 0, 0, ALPHA, 0, 0, 0, ALPHA);
+        constexpr Vector alpha = v8i(0, 0, 0, ALPHA, 0, 0, 0, ALPHA);
         auto pairs = pairsAtTop(in);
-        for (__m128i& lanes : pairs.v)
-            lanes = _mm_or_si128(_mm_srli_epi16(lanes, 4), alpha);
+        for (Vector& lanes : pairs.v)
+            lanes = bitOr(shiftRightU16(lanes, 4), alpha);
         return pairs;
     }
 
@@ -55,17 +52,17 @@ protected:
     /// sample begins at bit 0 or 4 of two bytes; the multiplication brings both to bit 4 and drops
     /// what stood above.
     template<int B>
-    KSX_INLINE static __m128i pairAtTop(__m128i stream)
+    KSX_INLINE static Vector pairAtTop(Vector stream)
     {
-        const __m128i bytes = _mm_setr_epi8(B + 3, B + 4, B + 1, B + 2, B + 0, B + 1, -1, -1, //
-                                            B + 7, B + 8, B + 6, B + 7, B + 4, B + 5, -1, -1);
-        constexpr __m128i factors = v8i(16, 1, 16, 0, 1, 16, 1, 0);
-        return _mm_mullo_epi16(_mm_shuffle_epi8(stream, bytes), factors);
+        const Vector bytes = v16i(B + 3, B + 4, B + 1, B + 2, B + 0, B + 1, -1, -1, //
+                                  B + 7, B + 8, B + 6, B + 7, B + 4, B + 5, -1, -1);
+        constexpr Vector factors = v8i(16, 1, 16, 0, 1, 16, 1, 0);
+        return mulLow16(shuffleBytes(stream, bytes), factors);
     }
 
     KSX_INLINE static Pixels<Output, kPart> pairsAtTop(const Pixels<Input, kPart>& in)
     {
-        return {{pairAtTop<0>(in[0]), pairAtTop<0>(_mm_alignr_epi8(in[1], in[0], 9)),
+        return {{pairAtTop<0>(in[0]), pairAtTop<0>(combineShiftRightBytes<9>(in[1], in[0])),
                  pairAtTop<2>(in[1]), pairAtTop<7>(in[2])}};
     }
 };
@@ -79,7 +76,7 @@ class UNPACK_R12B_TO_BGRAv8_SSSE3_T : public UNPACK_R12L_TO_BGRAv8_SSSE3_T<ORDER
 public:
     KSX_INLINE Pixels<BGRAv8, 8> step(const Pixels<Packed<36, 8>, 8>& in) const
     {
-        return Base::step({{swapWords(in[0]), swapWords(in[1]), swapWords(in[2])}});
+        return Base::step({{reverseBytes32(in[0]), reverseBytes32(in[1]), reverseBytes32(in[2])}});
     }
 };
 
@@ -90,24 +87,23 @@ namespace details {
 /// The 9 bytes of two pixels, whose samples lie two by two in the low 24 bits of three lanes, from
 /// byte `AT` of a vector on: those that lie in it.
 template<int AT>
-KSX_INLINE __m128i placed(__m128i joined)
+KSX_INLINE Vector placed(Vector joined)
 {
     constexpr auto byte = [](int i) {
         const int from = i - AT;
         return static_cast<char>(from < 0 || from >= 9 ? -1 : from / 3 * 4 + from % 3);
     };
-    return _mm_shuffle_epi8(joined,
-                            _mm_setr_epi8(byte(0), byte(1), byte(2), byte(3), byte(4), byte(5),
-                                          byte(6), byte(7), byte(8), byte(9), byte(10), byte(11),
-                                          byte(12), byte(13), byte(14), byte(15)));
+    return shuffleBytes(joined, v16i(byte(0), byte(1), byte(2), byte(3), byte(4), byte(5), byte(6),
+                                     byte(7), byte(8), byte(9), byte(10), byte(11), byte(12),
+                                     byte(13), byte(14), byte(15)));
 }
 
 /// The group of four pixel pairs.
-KSX_INLINE Pixels<Packed<36, 8>, 8> groupOf(__m128i q0, __m128i q1, __m128i q2, __m128i q3)
+KSX_INLINE Pixels<Packed<36, 8>, 8> groupOf(Vector q0, Vector q1, Vector q2, Vector q3)
 {
-    return {{_mm_or_si128(placed<0>(q0), placed<9>(q1)),
-             _mm_or_si128(_mm_or_si128(placed<-7>(q1), placed<2>(q2)), placed<11>(q3)),
-             _mm_or_si128(placed<-2>(q2), placed<7>(q3))}};
+    return {{bitOr(placed<0>(q0), placed<9>(q1)),
+             bitOr(bitOr(placed<-7>(q1), placed<2>(q2)), placed<11>(q3)),
+             bitOr(placed<-2>(q2), placed<7>(q3))}};
 }
 
 } // namespace details
@@ -128,11 +124,11 @@ public:
 
 private:
     /// Two samples in the low 24 bits of each of three lanes: R0 G0, B0 R1, G1 B1.
-    KSX_INLINE static __m128i joined(__m128i bgra)
+    KSX_INLINE static Vector joined(Vector bgra)
     {
-        const __m128i order = _mm_setr_epi8(4, 5, 2, 3, 0, 1, 12, 13, 10, 11, 8, 9, -1, -1, -1, -1);
-        constexpr __m128i weights = v4i(4096 << 16 | 1);
-        return _mm_madd_epi16(_mm_shuffle_epi8(_mm_and_si128(bgra, v8i_0xfff), order), weights);
+        const Vector order = v16i(4, 5, 2, 3, 0, 1, 12, 13, 10, 11, 8, 9, -1, -1, -1, -1);
+        constexpr Vector weights = v4i(4096 << 16 | 1);
+        return mulAddPairs16(shuffleBytes(bitAnd(bgra, v8i_0xfff), order), weights);
     }
 };
 
@@ -143,7 +139,7 @@ public:
     KSX_INLINE Pixels<Packed<36, 8>, 8> step(const Pixels<BGRAv8, 8>& in) const
     {
         const auto words = PACK_BGRAv8_TO_R12L_SSSE3_T<ORDER>::step(in);
-        return {{swapWords(words[0]), swapWords(words[1]), swapWords(words[2])}};
+        return {{reverseBytes32(words[0]), reverseBytes32(words[1]), reverseBytes32(words[2])}};
     }
 };
 
@@ -157,7 +153,7 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        return {{_mm_and_si128(in[0], v8i_mask_x654x210), _mm_and_si128(in[1], v8i_mask_x654x210)}};
+        return {{bitAnd(in[0], v8i_mask_x654x210), bitAnd(in[1], v8i_mask_x654x210)}};
     }
 };
 
@@ -167,10 +163,10 @@ namespace details {
 
 /// Rounds samples at the top of their lanes to 8 bits, alpha to 255. What the rounding carries over
 /// the top saturates there, as the pack would have it.
-KSX_INLINE __m128i roundTo8Bits(__m128i lanes)
+KSX_INLINE Vector roundTo8Bits(Vector lanes)
 {
-    constexpr __m128i half = v8i(128, 128, 128, -256, 128, 128, 128, -256);
-    return _mm_srli_epi16(_mm_adds_epu16(lanes, half), 8);
+    constexpr Vector half = v8i(128, 128, 128, -256, 128, 128, 128, -256);
+    return shiftRightU16(addSaturateU16(lanes, half), 8);
 }
 
 /// From BGRA straight to R12L, zeros below. The second sample of a lane falls on whole bytes, the
@@ -189,11 +185,11 @@ public:
 private:
     /// Two pixels from byte `B` on.
     template<int B>
-    KSX_INLINE static __m128i joined(__m128i bgra)
+    KSX_INLINE static Vector joined(Vector bgra)
     {
-        const __m128i order = _mm_setr_epi8(B + 2, -1, B + 1, -1, B + 0, -1, B + 6, -1, //
-                                            B + 5, -1, B + 4, -1, -1, -1, -1, -1);
-        return _mm_mullo_epi16(_mm_shuffle_epi8(bgra, order), v4i(1 << 16 | 16));
+        const Vector order = v16i(B + 2, -1, B + 1, -1, B + 0, -1, B + 6, -1, //
+                                  B + 5, -1, B + 4, -1, -1, -1, -1, -1);
+        return mulLow16(shuffleBytes(bgra, order), v4i(1 << 16 | 16));
     }
 };
 
@@ -203,7 +199,7 @@ public:
     KSX_INLINE Pixels<Output, kPart> step(const Pixels<Input, kPart>& in) const
     {
         const auto words = BGRA_TO_R12L::step(in);
-        return {{swapWords(words[0]), swapWords(words[1]), swapWords(words[2])}};
+        return {{reverseBytes32(words[0]), reverseBytes32(words[1]), reverseBytes32(words[2])}};
     }
 };
 
@@ -214,7 +210,7 @@ public:
     KSX_INLINE Pixels<BGRAv8, 8> step(const Pixels<Packed<36, 8>, 8>& in) const
     {
         auto pairs = this->pairsAtTop(in);
-        for (__m128i& lanes : pairs.v)
+        for (Vector& lanes : pairs.v)
             lanes = roundTo8Bits(lanes);
         return pairs;
     }
@@ -227,7 +223,7 @@ public:
     KSX_INLINE Pixels<BGRAv8, 8> step(const Pixels<Packed<36, 8>, 8>& in) const
     {
         return UNPACK_R12L_TO_8BIT_BGRAv8<ORDER, ALPHA>::step(
-            {{swapWords(in[0]), swapWords(in[1]), swapWords(in[2])}});
+            {{reverseBytes32(in[0]), reverseBytes32(in[1]), reverseBytes32(in[2])}});
     }
 };
 

@@ -13,11 +13,8 @@
 /// and the packs from them write 255.
 #pragma once
 
-#include "conversion/ByteOrder.h"
-#include "conversion/Pipeline.h"
-#include "conversion/VectorConstants.h"
-
-#include <tmmintrin.h>
+#include "conversion/pipeline/Pipeline.h"
+#include "conversion/pipeline/VectorConstants.h"
 
 namespace KSX::PixelConversion {
 
@@ -34,21 +31,18 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        return {{_mm_unpacklo_epi8(in[0], v0), _mm_unpackhi_epi8(in[0], v0)}};
+        return {{interleaveLow8(in[0], v0), interleaveHigh8(in[0], v0)}};
     }
 };
 
 namespace details {
 
 /// Shuffles the lanes of both pixels of a `BGRAv8` vector alike.
-template<int LANES>
-KSX_INLINE __m128i shufflePixels(__m128i bgra)
+template<int A, int B, int C, int D>
+KSX_INLINE Vector shufflePixels(Vector bgra)
 {
-    return _mm_shufflehi_epi16(_mm_shufflelo_epi16(bgra, LANES), LANES);
+    return shuffleHigh16<A, B, C, D>(shuffleLow16<A, B, C, D>(bgra));
 }
-
-constexpr int kReversed = _MM_SHUFFLE(0, 1, 2, 3);
-constexpr int kRedAndBlueExchanged = _MM_SHUFFLE(3, 0, 1, 2);
 
 } // namespace details
 
@@ -60,8 +54,8 @@ public:
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
         const auto argb = UNPACK_BGRA_TO_BGRAv8::step(in);
-        return {{details::shufflePixels<details::kReversed>(argb[0]),
-                 details::shufflePixels<details::kReversed>(argb[1])}};
+        return {{details::shufflePixels<3, 2, 1, 0>(argb[0]),
+                 details::shufflePixels<3, 2, 1, 0>(argb[1])}};
     }
 };
 
@@ -72,8 +66,8 @@ public:
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
         const auto rgba = UNPACK_BGRA_TO_BGRAv8::step(in);
-        return {{details::shufflePixels<details::kRedAndBlueExchanged>(rgba[0]),
-                 details::shufflePixels<details::kRedAndBlueExchanged>(rgba[1])}};
+        return {{details::shufflePixels<2, 1, 0, 3>(rgba[0]),
+                 details::shufflePixels<2, 1, 0, 3>(rgba[1])}};
     }
 };
 
@@ -83,7 +77,7 @@ class UNPACK_BGRX_TO_BGRAv8 : public UNPACK_BGRA_TO_BGRAv8 {
 public:
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        return UNPACK_BGRA_TO_BGRAv8::step({{_mm_or_si128(in[0], v4i_0xff000000)}});
+        return UNPACK_BGRA_TO_BGRAv8::step({{bitOr(in[0], v4i_0xff000000)}});
     }
 };
 
@@ -110,10 +104,10 @@ public:
 
 private:
     template<int BYTE>
-    KSX_INLINE static __m128i component(__m128i words)
+    KSX_INLINE static Vector component(Vector words)
     {
-        const __m128i shifted = _mm_srli_epi32(words, 8 * BYTE);
-        return BYTE == 3 ? shifted : _mm_and_si128(shifted, v4i_0xff);
+        const Vector shifted = shiftRightU32(words, 8 * BYTE);
+        return BYTE == 3 ? shifted : bitAnd(shifted, v4i_0xff);
     }
 };
 
@@ -140,17 +134,16 @@ public:
 
     KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
     {
-        const __m128i redGreen = _mm_setr_epi8(R, -1, R + 4, -1, R + 8, -1, R + 12, -1, //
-                                               G, -1, G + 4, -1, G + 8, -1, G + 12, -1);
-        const __m128i blueLow = _mm_setr_epi8(B, -1, B + 4, -1, B + 8, -1, B + 12, -1, //
-                                              -1, -1, -1, -1, -1, -1, -1, -1);
-        const __m128i blueHigh = _mm_setr_epi8(-1, -1, -1, -1, -1, -1, -1, -1, //
-                                               B, -1, B + 4, -1, B + 8, -1, B + 12, -1);
-        const __m128i first = _mm_shuffle_epi8(in[0], redGreen);
-        const __m128i second = _mm_shuffle_epi8(in[1], redGreen);
-        return {
-            {_mm_unpacklo_epi64(first, second), _mm_unpackhi_epi64(first, second),
-             _mm_or_si128(_mm_shuffle_epi8(in[0], blueLow), _mm_shuffle_epi8(in[1], blueHigh))}};
+        const Vector redGreen = v16i(R, -1, R + 4, -1, R + 8, -1, R + 12, -1, //
+                                     G, -1, G + 4, -1, G + 8, -1, G + 12, -1);
+        const Vector blueLow = v16i(B, -1, B + 4, -1, B + 8, -1, B + 12, -1, //
+                                    -1, -1, -1, -1, -1, -1, -1, -1);
+        const Vector blueHigh = v16i(-1, -1, -1, -1, -1, -1, -1, -1, //
+                                     B, -1, B + 4, -1, B + 8, -1, B + 12, -1);
+        const Vector first = shuffleBytes(in[0], redGreen);
+        const Vector second = shuffleBytes(in[1], redGreen);
+        return {{interleaveLow64(first, second), interleaveHigh64(first, second),
+                 bitOr(shuffleBytes(in[0], blueLow), shuffleBytes(in[1], blueHigh))}};
     }
 };
 
@@ -175,12 +168,11 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        const __m128i evenPixels = _mm_unpacklo_epi16(in[0], in[1]);  // B0 B2 G0 G2 R0 R2 A0 A2
-        const __m128i oddPixels = _mm_unpackhi_epi16(in[0], in[1]);   // B1 B3 G1 G3 R1 R3 A1 A3
-        const __m128i bg = _mm_unpacklo_epi16(evenPixels, oddPixels); // B0..B3 G0..G3
-        const __m128i ra = _mm_unpackhi_epi16(evenPixels, oddPixels); // R0..R3 A0..A3
-        return {
-            {_mm_unpacklo_epi16(ra, v0), _mm_unpackhi_epi16(bg, v0), _mm_unpacklo_epi16(bg, v0)}};
+        const Vector evenPixels = interleaveLow16(in[0], in[1]);   // B0 B2 G0 G2 R0 R2 A0 A2
+        const Vector oddPixels = interleaveHigh16(in[0], in[1]);   // B1 B3 G1 G3 R1 R3 A1 A3
+        const Vector bg = interleaveLow16(evenPixels, oddPixels);  // B0..B3 G0..G3
+        const Vector ra = interleaveHigh16(evenPixels, oddPixels); // R0..R3 A0..A3
+        return {{interleaveLow16(ra, v0), interleaveHigh16(bg, v0), interleaveLow16(bg, v0)}};
     }
 };
 
@@ -193,9 +185,9 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        const __m128i bg = _mm_or_si128(in[2], _mm_slli_epi32(in[1], 16));
-        const __m128i ra = _mm_or_si128(in[0], v4i_0xffff0000);
-        return {{_mm_unpacklo_epi32(bg, ra), _mm_unpackhi_epi32(bg, ra)}};
+        const Vector bg = bitOr(in[2], shiftLeft32(in[1], 16));
+        const Vector ra = bitOr(in[0], v4i_0xffff0000);
+        return {{interleaveLow32(bg, ra), interleaveHigh32(bg, ra)}};
     }
 };
 
@@ -207,16 +199,16 @@ public:
 
     KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
     {
-        const __m128i even0 = _mm_unpacklo_epi16(in[0], in[1]); // B0 B2 G0 G2 R0 R2 A0 A2
-        const __m128i odd0 = _mm_unpackhi_epi16(in[0], in[1]);  // B1 B3 G1 G3 R1 R3 A1 A3
-        const __m128i even4 = _mm_unpacklo_epi16(in[2], in[3]);
-        const __m128i odd4 = _mm_unpackhi_epi16(in[2], in[3]);
-        const __m128i bg0 = _mm_unpacklo_epi16(even0, odd0); // B0..B3 G0..G3
-        const __m128i bg4 = _mm_unpacklo_epi16(even4, odd4);
-        const __m128i ra0 = _mm_unpackhi_epi16(even0, odd0); // R0..R3 A0..A3
-        const __m128i ra4 = _mm_unpackhi_epi16(even4, odd4);
-        return {{_mm_unpacklo_epi64(ra0, ra4), _mm_unpackhi_epi64(bg0, bg4),
-                 _mm_unpacklo_epi64(bg0, bg4), _mm_unpackhi_epi64(ra0, ra4)}};
+        const Vector even0 = interleaveLow16(in[0], in[1]); // B0 B2 G0 G2 R0 R2 A0 A2
+        const Vector odd0 = interleaveHigh16(in[0], in[1]); // B1 B3 G1 G3 R1 R3 A1 A3
+        const Vector even4 = interleaveLow16(in[2], in[3]);
+        const Vector odd4 = interleaveHigh16(in[2], in[3]);
+        const Vector bg0 = interleaveLow16(even0, odd0); // B0..B3 G0..G3
+        const Vector bg4 = interleaveLow16(even4, odd4);
+        const Vector ra0 = interleaveHigh16(even0, odd0); // R0..R3 A0..A3
+        const Vector ra4 = interleaveHigh16(even4, odd4);
+        return {{interleaveLow64(ra0, ra4), interleaveHigh64(bg0, bg4), interleaveLow64(bg0, bg4),
+                 interleaveHigh64(ra0, ra4)}};
     }
 };
 
@@ -228,12 +220,12 @@ public:
 
     KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
     {
-        const __m128i bgLow = _mm_unpacklo_epi16(in[2], in[1]);
-        const __m128i bgHigh = _mm_unpackhi_epi16(in[2], in[1]);
-        const __m128i raLow = _mm_unpacklo_epi16(in[0], in[3]);
-        const __m128i raHigh = _mm_unpackhi_epi16(in[0], in[3]);
-        return {{_mm_unpacklo_epi32(bgLow, raLow), _mm_unpackhi_epi32(bgLow, raLow),
-                 _mm_unpacklo_epi32(bgHigh, raHigh), _mm_unpackhi_epi32(bgHigh, raHigh)}};
+        const Vector bgLow = interleaveLow16(in[2], in[1]);
+        const Vector bgHigh = interleaveHigh16(in[2], in[1]);
+        const Vector raLow = interleaveLow16(in[0], in[3]);
+        const Vector raHigh = interleaveHigh16(in[0], in[3]);
+        return {{interleaveLow32(bgLow, raLow), interleaveHigh32(bgLow, raLow),
+                 interleaveLow32(bgHigh, raHigh), interleaveHigh32(bgHigh, raHigh)}};
     }
 };
 
@@ -266,7 +258,7 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        return {{_mm_packus_epi16(in[0], in[1])}};
+        return {{packSaturate16ToU8(in[0], in[1])}};
     }
 };
 
@@ -275,9 +267,8 @@ class PACK_BGRAv8_TO_RGBA : public PACK_BGRAv8_TO_BGRA {
 public:
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        return PACK_BGRAv8_TO_BGRA::step(
-            {{details::shufflePixels<details::kRedAndBlueExchanged>(in[0]),
-              details::shufflePixels<details::kRedAndBlueExchanged>(in[1])}});
+        return PACK_BGRAv8_TO_BGRA::step({{details::shufflePixels<2, 1, 0, 3>(in[0]),
+                                           details::shufflePixels<2, 1, 0, 3>(in[1])}});
     }
 };
 
@@ -287,7 +278,7 @@ class PACK_BGRAv8_TO_ARGB : public PACK_BGRAv8_TO_BGRA {
 public:
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        return {{swapWords(PACK_BGRAv8_TO_BGRA::step(in)[0])}};
+        return {{reverseBytes32(PACK_BGRAv8_TO_BGRA::step(in)[0])}};
     }
 };
 
@@ -304,11 +295,11 @@ public:
 
     KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
     {
-        const __m128i c02 = _mm_packus_epi16(in[plane(0)], in[plane(2)]);
-        const __m128i c13 = _mm_packus_epi16(in[plane(1)], in[plane(3)]);
-        const __m128i c01 = _mm_unpacklo_epi8(c02, c13);
-        const __m128i c23 = _mm_unpackhi_epi8(c02, c13);
-        return {{_mm_unpacklo_epi16(c01, c23), _mm_unpackhi_epi16(c01, c23)}};
+        const Vector c02 = packSaturate16ToU8(in[plane(0)], in[plane(2)]);
+        const Vector c13 = packSaturate16ToU8(in[plane(1)], in[plane(3)]);
+        const Vector c01 = interleaveLow8(c02, c13);
+        const Vector c23 = interleaveHigh8(c02, c13);
+        return {{interleaveLow16(c01, c23), interleaveHigh16(c01, c23)}};
     }
 
 private:
@@ -348,23 +339,23 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        const __m128i first = join(lane<0>(in), lane<1>(in));
-        const __m128i second = join(lane<2>(in), lane<3>(in));
-        return {{_mm_packus_epi16(_mm_unpacklo_epi32(first, second),
-                                  _mm_unpackhi_epi32(first, second))}};
+        const Vector first = join(lane<0>(in), lane<1>(in));
+        const Vector second = join(lane<2>(in), lane<3>(in));
+        return {
+            {packSaturate16ToU8(interleaveLow32(first, second), interleaveHigh32(first, second))}};
     }
 
 private:
     /// The component that lies at `BYTE` of a pixel.
     template<int BYTE>
-    KSX_INLINE static __m128i lane(const Pixels<Input, 4>& in)
+    KSX_INLINE static Vector lane(const Pixels<Input, 4>& in)
     {
         return BYTE == R ? in[0] : BYTE == G ? in[1] : BYTE == B ? in[2] : v4i_0x3fff;
     }
 
-    KSX_INLINE static __m128i join(__m128i low, __m128i high)
+    KSX_INLINE static Vector join(Vector low, Vector high)
     {
-        return _mm_or_si128(_mm_and_si128(low, v4i_0xffff), _mm_slli_epi32(high, 16));
+        return bitOr(bitAnd(low, v4i_0xffff), shiftLeft32(high, 16));
     }
 };
 
@@ -421,15 +412,15 @@ public:
 
     KSX_INLINE Pixels<Output, 16> step(const Pixels<Input, 16>& in) const
     {
-        return {{widen(in[0]), widen(_mm_alignr_epi8(in[1], in[0], 12)),
-                 widen(_mm_alignr_epi8(in[2], in[1], 8)), widen(_mm_srli_si128(in[2], 4))}};
+        return {{widen(in[0]), widen(combineShiftRightBytes<12>(in[1], in[0])),
+                 widen(combineShiftRightBytes<8>(in[2], in[1])), widen(shiftRightBytes<4>(in[2]))}};
     }
 
 private:
-    KSX_INLINE static __m128i widen(__m128i rgb)
+    KSX_INLINE static Vector widen(Vector rgb)
     {
-        const __m128i gaps = _mm_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1);
-        return _mm_or_si128(_mm_shuffle_epi8(rgb, gaps), v4i_0xff000000);
+        const Vector gaps = v16i(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1);
+        return bitOr(shuffleBytes(rgb, gaps), v4i_0xff000000);
     }
 };
 
@@ -448,28 +439,28 @@ public:
 
     KSX_INLINE Pixels<Output, 16> step(const Pixels<Input, 16>& in) const
     {
-        const __m128i q0 = closed<0>(in[0]);
-        const __m128i q1 = closed<4>(in[1]);
-        const __m128i q2 = closed<8>(in[2]);
-        const __m128i q3 = closed<12>(in[3]);
-        return {
-            {_mm_alignr_epi8(q1, q0, 4), _mm_alignr_epi8(q2, q1, 8), _mm_alignr_epi8(q3, q2, 12)}};
+        const Vector q0 = closed<0>(in[0]);
+        const Vector q1 = closed<4>(in[1]);
+        const Vector q2 = closed<8>(in[2]);
+        const Vector q3 = closed<12>(in[3]);
+        return {{combineShiftRightBytes<4>(q1, q0), combineShiftRightBytes<8>(q2, q1),
+                 combineShiftRightBytes<12>(q3, q2)}};
     }
 
 private:
     /// The bytes of 4 pixels without gaps, from byte 0 on below byte `SPLIT` and from byte 4 on
     /// above.
     template<int SPLIT>
-    KSX_INLINE static __m128i closed(__m128i pixels)
+    KSX_INLINE static Vector closed(Vector pixels)
     {
         constexpr auto at = [](int byte) {
             const int i = byte < SPLIT ? byte : byte - 4;
             const int component = i % 3 == 0 ? R : i % 3 == 1 ? G : B;
             return static_cast<char>(i < 0 ? -1 : i / 3 * 4 + component);
         };
-        return _mm_shuffle_epi8(pixels, _mm_setr_epi8(at(0), at(1), at(2), at(3), at(4), at(5),
-                                                      at(6), at(7), at(8), at(9), at(10), at(11),
-                                                      at(12), at(13), at(14), at(15)));
+        return shuffleBytes(pixels,
+                            v16i(at(0), at(1), at(2), at(3), at(4), at(5), at(6), at(7), at(8),
+                                 at(9), at(10), at(11), at(12), at(13), at(14), at(15)));
     }
 };
 
@@ -487,7 +478,7 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        return {{swapWords(in[0])}};
+        return {{reverseBytes32(in[0])}};
     }
 };
 
@@ -506,16 +497,16 @@ public:
     KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
     {
         constexpr int R = REVERSED ? 1 : 2, G = 3 - R, B = REVERSED ? 3 : 0, A = 3 - B;
-        const __m128i redBlue = _mm_setr_epi8(R, -1, R + 4, -1, R + 8, -1, R + 12, -1, //
-                                              B, -1, B + 4, -1, B + 8, -1, B + 12, -1);
-        const __m128i greenAlpha = _mm_setr_epi8(G, -1, G + 4, -1, G + 8, -1, G + 12, -1, //
-                                                 A, -1, A + 4, -1, A + 8, -1, A + 12, -1);
-        const __m128i rb0 = _mm_shuffle_epi8(in[0], redBlue);
-        const __m128i rb4 = _mm_shuffle_epi8(in[1], redBlue);
-        const __m128i ga0 = _mm_shuffle_epi8(in[0], greenAlpha);
-        const __m128i ga4 = _mm_shuffle_epi8(in[1], greenAlpha);
-        return {{_mm_unpacklo_epi64(rb0, rb4), _mm_unpacklo_epi64(ga0, ga4),
-                 _mm_unpackhi_epi64(rb0, rb4), _mm_unpackhi_epi64(ga0, ga4)}};
+        const Vector redBlue = v16i(R, -1, R + 4, -1, R + 8, -1, R + 12, -1, //
+                                    B, -1, B + 4, -1, B + 8, -1, B + 12, -1);
+        const Vector greenAlpha = v16i(G, -1, G + 4, -1, G + 8, -1, G + 12, -1, //
+                                       A, -1, A + 4, -1, A + 8, -1, A + 12, -1);
+        const Vector rb0 = shuffleBytes(in[0], redBlue);
+        const Vector rb4 = shuffleBytes(in[1], redBlue);
+        const Vector ga0 = shuffleBytes(in[0], greenAlpha);
+        const Vector ga4 = shuffleBytes(in[1], greenAlpha);
+        return {{interleaveLow64(rb0, rb4), interleaveLow64(ga0, ga4), interleaveHigh64(rb0, rb4),
+                 interleaveHigh64(ga0, ga4)}};
     }
 };
 
@@ -546,7 +537,7 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        return {{_mm_or_si128(_mm_shuffle_epi8(in[0], vector(kOrder)), vector(kOpaque))}};
+        return {{bitOr(shuffleBytes(in[0], vector(kOrder)), vector(kOpaque))}};
     }
 
 private:
@@ -574,10 +565,7 @@ private:
         return alpha;
     }
 
-    KSX_INLINE static __m128i vector(const Bytes& bytes)
-    {
-        return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes.at));
-    }
+    KSX_INLINE static Vector vector(const Bytes& bytes) { return load(bytes.at); }
 
     alignas(16) static constexpr Bytes kOrder = order();
     alignas(16) static constexpr Bytes kOpaque = opaque();

@@ -12,15 +12,13 @@
 /// have no defined value.
 #pragma once
 
-#include "conversion/Pipeline.h"
-#include "conversion/VectorConstants.h"
 #include "conversion/colour/BitDepth.h"
 #include "conversion/colour/ChromaReconstruction.h"
 #include "conversion/colour/Flags.h"
 #include "conversion/colour/RGBToYUV.h"
+#include "conversion/pipeline/Pipeline.h"
+#include "conversion/pipeline/VectorConstants.h"
 #include "conversion/stages/YUV8.h"
-
-#include <tmmintrin.h>
 
 namespace KSX::PixelConversion {
 
@@ -30,43 +28,43 @@ namespace details {
 /// that sample 3i + k of a group begins at bit 2k; the multiplication drops what stood above.
 /// `FIRST` is the number of the first one.
 template<int FIRST>
-KSX_INLINE __m128i samplesAtTop(__m128i lanes)
+KSX_INLINE Vector samplesAtTop(Vector lanes)
 {
     constexpr auto factor = [](int lane) {
         return static_cast<std::int16_t>(64 >> 2 * ((FIRST + lane) % 3));
     };
-    constexpr __m128i factors =
+    constexpr Vector factors =
         v8i(factor(0), factor(1), factor(2), factor(3), factor(4), factor(5), factor(6), factor(7));
-    return _mm_mullo_epi16(lanes, factors);
+    return mulLow16(lanes, factors);
 }
 
 /// Cuts two groups into 24 samples at the top of a lane each.
-KSX_INLINE Pixels<UYVYv8, 12> samplesAtTop(__m128i first, __m128i second)
+KSX_INLINE Pixels<UYVYv8, 12> samplesAtTop(Vector first, Vector second)
 {
-    const __m128i from0 = _mm_setr_epi8(0, 1, 1, 2, 2, 3, 4, 5, 5, 6, 6, 7, 8, 9, 9, 10);
+    const Vector from0 = v16i(0, 1, 1, 2, 2, 3, 4, 5, 5, 6, 6, 7, 8, 9, 9, 10);
     // Samples 8 to 11 of the first group and 0 to 3 of the second, in a vector of half of each.
-    const __m128i from8 = _mm_setr_epi8(2, 3, 4, 5, 5, 6, 6, 7, 8, 9, 9, 10, 10, 11, 12, 13);
-    const __m128i from16 = _mm_setr_epi8(5, 6, 6, 7, 8, 9, 9, 10, 10, 11, 12, 13, 13, 14, 14, 15);
-    return {{samplesAtTop<0>(_mm_shuffle_epi8(first, from0)),
-             samplesAtTop<8>(_mm_shuffle_epi8(_mm_alignr_epi8(second, first, 8), from8)),
-             samplesAtTop<16>(_mm_shuffle_epi8(second, from16))}};
+    const Vector from8 = v16i(2, 3, 4, 5, 5, 6, 6, 7, 8, 9, 9, 10, 10, 11, 12, 13);
+    const Vector from16 = v16i(5, 6, 6, 7, 8, 9, 9, 10, 10, 11, 12, 13, 13, 14, 14, 15);
+    return {{samplesAtTop<0>(shuffleBytes(first, from0)),
+             samplesAtTop<8>(shuffleBytes(combineShiftRightBytes<8>(second, first), from8)),
+             samplesAtTop<16>(shuffleBytes(second, from16))}};
 }
 
 /// The same with each sample as the value of its lane.
-KSX_INLINE Pixels<UYVYv8, 12> samplesOf(__m128i first, __m128i second)
+KSX_INLINE Pixels<UYVYv8, 12> samplesOf(Vector first, Vector second)
 {
     auto samples = samplesAtTop(first, second);
-    for (__m128i& lanes : samples.v)
-        lanes = _mm_srli_epi16(lanes, 6);
+    for (Vector& lanes : samples.v)
+        lanes = shiftRightU16(lanes, 6);
     return samples;
 }
 
 /// The first chroma pair of a group, with its luma between Cb and Cr.
-KSX_INLINE __m128i firstPair(__m128i group)
+KSX_INLINE Vector firstPair(Vector group)
 {
-    const __m128i pair = _mm_shuffle_epi8(
-        group, _mm_setr_epi8(0, 1, 1, 2, 2, 3, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1));
-    return _mm_srli_epi16(samplesAtTop<0>(pair), 6);
+    const Vector pair =
+        shuffleBytes(group, v16i(0, 1, 1, 2, 2, 3, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1));
+    return shiftRightU16(samplesAtTop<0>(pair), 6);
 }
 
 } // namespace details
@@ -100,7 +98,7 @@ public:
     using Input = Packed<32, 12>;
     using Output = UYVY444v8;
 
-    KSX_INLINE Pixels<Output, 12> step(const Pixels<Input, 12>& in, __m128i next) const
+    KSX_INLINE Pixels<Output, 12> step(const Pixels<Input, 12>& in, Vector next) const
     {
         return unpack(details::samplesOf(in[0], in[1]), details::firstPair(next));
     }
@@ -124,7 +122,7 @@ public:
 
 private:
     /// `next` begins with the pair behind the step.
-    KSX_INLINE static Pixels<Output, 12> unpack(const Pixels<UYVYv8, 12>& samples, __m128i next)
+    KSX_INLINE static Pixels<Output, 12> unpack(const Pixels<UYVYv8, 12>& samples, Vector next)
     {
         Pixels<Output, 12> out;
         unrolled<0, 3>([&]<unsigned V>() KSX_INLINE_LAMBDA {
@@ -151,7 +149,7 @@ public:
     using Input = Packed<32, 12>;
     using Output = YUVv8;
 
-    KSX_INLINE Pixels<Output, 24> step(const Pixels<Input, 24>& in, __m128i next) const
+    KSX_INLINE Pixels<Output, 24> step(const Pixels<Input, 24>& in, Vector next) const
     {
         Samples samples = samplesFrom(in);
         samples.v[6] = firstPair(next);
@@ -176,7 +174,7 @@ public:
 private:
     /// Vectors of `UYVYv8`, and one that begins with the pair behind them.
     struct Samples {
-        __m128i v[7];
+        Vector v[7];
     };
 
     KSX_INLINE static Samples samplesFrom(const Pixels<Input, 24>& in)
@@ -190,21 +188,20 @@ private:
     {
         // Cb and Cr of four pairs a vector.
         const auto pairs = [&]<unsigned V>() KSX_INLINE_LAMBDA {
-            return _mm_packs_epi32(_mm_and_si128(samples.v[V], v4i_0xffff),
-                                   _mm_and_si128(samples.v[V + 1], v4i_0xffff));
+            return packSaturate32To16(bitAnd(samples.v[V], v4i_0xffff),
+                                      bitAnd(samples.v[V + 1], v4i_0xffff));
         };
-        const __m128i chroma[4] = {pairs.template operator()<0>(), pairs.template operator()<2>(),
-                                   pairs.template operator()<4>(),
-                                   _mm_packs_epi32(_mm_and_si128(samples.v[6], v4i_0xffff), v0)};
+        const Vector chroma[4] = {pairs.template operator()<0>(), pairs.template operator()<2>(),
+                                  pairs.template operator()<4>(),
+                                  packSaturate32To16(bitAnd(samples.v[6], v4i_0xffff), v0)};
         Pixels<Output, 24> out;
         unrolled<0, 3>([&]<std::size_t V>() KSX_INLINE_LAMBDA {
-            const __m128i even = chroma[V];
-            const __m128i odd = _mm_avg_epu16(even, _mm_alignr_epi8(chroma[V + 1], even, 4));
-            out[3 * V] = _mm_packs_epi32(_mm_srli_epi32(samples.v[2 * V], 16),
-                                         _mm_srli_epi32(samples.v[2 * V + 1], 16));
-            out[3 * V + 1] = _mm_or_si128(_mm_and_si128(even, v4i_0xffff), _mm_slli_epi32(odd, 16));
-            out[3 * V + 2] =
-                _mm_or_si128(_mm_srli_epi32(even, 16), _mm_andnot_si128(v4i_0xffff, odd));
+            const Vector even = chroma[V];
+            const Vector odd = averageU16(even, combineShiftRightBytes<4>(chroma[V + 1], even));
+            out[3 * V] = packSaturate32To16(shiftRightU32(samples.v[2 * V], 16),
+                                            shiftRightU32(samples.v[2 * V + 1], 16));
+            out[3 * V + 1] = bitOr(bitAnd(even, v4i_0xffff), shiftLeft32(odd, 16));
+            out[3 * V + 2] = bitOr(shiftRightU32(even, 16), bitAndNot(v4i_0xffff, odd));
         });
         return out;
     }
@@ -231,32 +228,23 @@ public:
     {
         // Sample 3i + k is brought to bit 2k of its lane, from where whole bytes go to their word:
         // the first and third of a word side by side, the second over both.
-        const __m128i a = shifted<0>(in[0]);
-        const __m128i b = shifted<8>(in[1]);
-        const __m128i c = shifted<16>(in[2]);
+        const Vector a = shifted<0>(in[0]);
+        const Vector b = shifted<8>(in[1]);
+        const Vector c = shifted<16>(in[2]);
 
-        const __m128i outerA =
-            _mm_setr_epi8(0, 1, 4, 5, 6, 7, 10, 11, 12, 13, -1, -1, -1, -1, -1, -1);
-        const __m128i innerA =
-            _mm_setr_epi8(-1, 2, 3, -1, -1, 8, 9, -1, -1, 14, 15, -1, -1, -1, -1, -1);
-        const __m128i outerB0 =
-            _mm_setr_epi8(-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, 0, 1, 2, 3, 6, 7);
-        const __m128i innerB0 =
-            _mm_setr_epi8(-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, 4, 5, -1);
-        const __m128i outerB1 =
-            _mm_setr_epi8(8, 9, 12, 13, 14, 15, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1);
-        const __m128i innerB1 =
-            _mm_setr_epi8(-1, 10, 11, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1);
-        const __m128i outerC =
-            _mm_setr_epi8(-1, -1, -1, -1, -1, -1, 2, 3, 4, 5, 8, 9, 10, 11, 14, 15);
-        const __m128i innerC =
-            _mm_setr_epi8(-1, -1, -1, -1, -1, 0, 1, -1, -1, 6, 7, -1, -1, 12, 13, -1);
+        const Vector outerA = v16i(0, 1, 4, 5, 6, 7, 10, 11, 12, 13, -1, -1, -1, -1, -1, -1);
+        const Vector innerA = v16i(-1, 2, 3, -1, -1, 8, 9, -1, -1, 14, 15, -1, -1, -1, -1, -1);
+        const Vector outerB0 = v16i(-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, 0, 1, 2, 3, 6, 7);
+        const Vector innerB0 = v16i(-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, 4, 5, -1);
+        const Vector outerB1 = v16i(8, 9, 12, 13, 14, 15, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1);
+        const Vector innerB1 = v16i(-1, 10, 11, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1);
+        const Vector outerC = v16i(-1, -1, -1, -1, -1, -1, 2, 3, 4, 5, 8, 9, 10, 11, 14, 15);
+        const Vector innerC = v16i(-1, -1, -1, -1, -1, 0, 1, -1, -1, 6, 7, -1, -1, 12, 13, -1);
 
-        const auto join = [](__m128i x, __m128i outerX, __m128i innerX, __m128i y, __m128i outerY,
-                             __m128i innerY) KSX_INLINE_LAMBDA {
-            return _mm_or_si128(
-                _mm_or_si128(_mm_shuffle_epi8(x, outerX), _mm_shuffle_epi8(x, innerX)),
-                _mm_or_si128(_mm_shuffle_epi8(y, outerY), _mm_shuffle_epi8(y, innerY)));
+        const auto join = [](Vector x, Vector outerX, Vector innerX, Vector y, Vector outerY,
+                             Vector innerY) KSX_INLINE_LAMBDA {
+            return bitOr(bitOr(shuffleBytes(x, outerX), shuffleBytes(x, innerX)),
+                         bitOr(shuffleBytes(y, outerY), shuffleBytes(y, innerY)));
         };
         return {{join(a, outerA, innerA, b, outerB0, innerB0),
                  join(b, outerB1, innerB1, c, outerC, innerC)}};
@@ -264,14 +252,14 @@ public:
 
 private:
     template<int FIRST>
-    KSX_INLINE static __m128i shifted(__m128i x)
+    KSX_INLINE static Vector shifted(Vector x)
     {
         constexpr auto factor = [](int lane) {
             return static_cast<std::int16_t>(1 << 2 * ((FIRST + lane) % 3));
         };
-        constexpr __m128i factors = v8i(factor(0), factor(1), factor(2), factor(3), factor(4),
-                                        factor(5), factor(6), factor(7));
-        return _mm_mullo_epi16(x, factors);
+        constexpr Vector factors = v8i(factor(0), factor(1), factor(2), factor(3), factor(4),
+                                       factor(5), factor(6), factor(7));
+        return mulLow16(x, factors);
     }
 };
 
@@ -288,10 +276,7 @@ public:
     }
 
 private:
-    KSX_INLINE static __m128i limited(__m128i x)
-    {
-        return _mm_max_epi16(_mm_min_epi16(x, v8i_0x3ff), v0);
-    }
+    KSX_INLINE static Vector limited(Vector x) { return max16(min16(x, v8i_0x3ff), v0); }
 };
 
 // --- Merged forms --------------------------------------------------------------------------------
@@ -310,8 +295,8 @@ public:
     KSX_INLINE Pixels<Output, 12> step(const Pixels<Input, 12>& in) const
     {
         auto samples = samplesAtTop(in[0], in[1]);
-        for (__m128i& lanes : samples.v)
-            lanes = _mm_srli_epi16(_mm_adds_epu16(lanes, v8i(128)), 8);
+        for (Vector& lanes : samples.v)
+            lanes = shiftRightU16(addSaturateU16(lanes, v8i(128)), 8);
         return samples;
     }
 };
@@ -326,22 +311,22 @@ public:
 
     KSX_INLINE Pixels<Output, 24> step(const Pixels<Input, 24>& in) const
     {
-        return {{group<0>(in[0]), group<0>(_mm_alignr_epi8(in[1], in[0], 12)),
-                 group<0>(_mm_alignr_epi8(in[2], in[1], 8)), group<4>(in[2])}};
+        return {{group<0>(in[0]), group<0>(combineShiftRightBytes<12>(in[1], in[0])),
+                 group<0>(combineShiftRightBytes<8>(in[2], in[1])), group<4>(in[2])}};
     }
 
 private:
     /// A group from the 12 bytes that begin at byte `B`.
     template<int B>
-    KSX_INLINE static __m128i group(__m128i bytes)
+    KSX_INLINE static Vector group(Vector bytes)
     {
-        const __m128i outer = _mm_setr_epi8(B, -1, B + 2, -1, B + 3, -1, B + 5, -1, //
-                                            B + 6, -1, B + 8, -1, B + 9, -1, B + 11, -1);
-        const __m128i inner = _mm_setr_epi8(-1, B + 1, -1, -1, -1, B + 4, -1, -1, //
-                                            -1, B + 7, -1, -1, -1, B + 10, -1, -1);
-        constexpr __m128i factors = v4i(64 << 16 | 4);
-        return _mm_or_si128(_mm_mullo_epi16(_mm_shuffle_epi8(bytes, outer), factors),
-                            _mm_slli_epi32(_mm_shuffle_epi8(bytes, inner), 4));
+        const Vector outer = v16i(B, -1, B + 2, -1, B + 3, -1, B + 5, -1, //
+                                  B + 6, -1, B + 8, -1, B + 9, -1, B + 11, -1);
+        const Vector inner = v16i(-1, B + 1, -1, -1, -1, B + 4, -1, -1, //
+                                  -1, B + 7, -1, -1, -1, B + 10, -1, -1);
+        constexpr Vector factors = v4i(64 << 16 | 4);
+        return bitOr(mulLow16(shuffleBytes(bytes, outer), factors),
+                     shiftLeft32(shuffleBytes(bytes, inner), 4));
     }
 };
 

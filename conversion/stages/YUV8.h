@@ -8,20 +8,18 @@
 /// ends with a whole pair when written.
 #pragma once
 
-#include "conversion/Pipeline.h"
-#include "conversion/VectorConstants.h"
 #include "conversion/colour/Flags.h"
-
-#include <tmmintrin.h>
+#include "conversion/pipeline/Pipeline.h"
+#include "conversion/pipeline/VectorConstants.h"
 
 namespace KSX::PixelConversion {
 
 namespace details {
 
 /// Exchanges the bytes of every pair: YUY2 to 2vuy and back.
-KSX_INLINE __m128i exchangeBytes(__m128i v)
+KSX_INLINE Vector exchangeBytes(Vector v)
 {
-    return _mm_or_si128(_mm_slli_epi16(v, 8), _mm_srli_epi16(v, 8));
+    return bitOr(shiftLeft16(v, 8), shiftRightU16(v, 8));
 }
 
 } // namespace details
@@ -38,7 +36,7 @@ public:
 
     KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
     {
-        return {{_mm_unpacklo_epi8(in[0], v0), _mm_unpackhi_epi8(in[0], v0)}};
+        return {{interleaveLow8(in[0], v0), interleaveHigh8(in[0], v0)}};
     }
 };
 
@@ -62,7 +60,7 @@ public:
 
     KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
     {
-        return {{_mm_packus_epi16(in[0], in[1])}};
+        return {{packSaturate16ToU8(in[0], in[1])}};
     }
 };
 
@@ -85,8 +83,8 @@ public:
 
     KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
     {
-        const __m128i order = _mm_setr_epi8(1, 0, 3, 2, 5, 4, 7, 6, 9, 8, 11, 10, 13, 12, 15, 14);
-        return {{_mm_shuffle_epi8(in[0], order)}};
+        const Vector order = v16i(1, 0, 3, 2, 5, 4, 7, 6, 9, 8, 11, 10, 13, 12, 15, 14);
+        return {{shuffleBytes(in[0], order)}};
     }
 };
 
@@ -118,37 +116,36 @@ public:
     using Input = Packed<2>;
     using Output = UYVY444v8;
 
-    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in, __m128i next) const
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in, Vector next) const
     {
-        return unpack(in[0], _mm_alignr_epi8(next, in[0], 4));
+        return unpack(in[0], combineShiftRightBytes<4>(next, in[0]));
     }
 
     KSX_INLINE Pixels<Output, 8> lastStep(const Pixels<Input, 8>& in) const
     {
-        return unpack(in[0], _mm_shuffle_epi32(in[0], _MM_SHUFFLE(3, 3, 2, 1)));
+        return unpack(in[0], shuffle32<1, 2, 3, 3>(in[0]));
     }
 
 private:
     template<int BYTE>
-    KSX_INLINE static __m128i field(__m128i v)
+    KSX_INLINE static Vector field(Vector v)
     {
-        return BYTE == 0 ? _mm_and_si128(v, v8i_0xff) : _mm_srli_epi16(v, 8);
+        return BYTE == 0 ? bitAnd(v, v8i_0xff) : shiftRightU16(v, 8);
     }
 
     /// `successors` has the pair behind each pair of `v`.
-    KSX_INLINE static Pixels<Output, 8> unpack(__m128i v, __m128i successors)
+    KSX_INLINE static Pixels<Output, 8> unpack(Vector v, Vector successors)
     {
-        const __m128i evenChroma = field<CHROMA_BYTE>(v);
-        const __m128i oddChroma = _mm_avg_epu16(evenChroma, field<CHROMA_BYTE>(successors));
-        const __m128i luma = field<1 - CHROMA_BYTE>(v);
+        const Vector evenChroma = field<CHROMA_BYTE>(v);
+        const Vector oddChroma = averageU16(evenChroma, field<CHROMA_BYTE>(successors));
+        const Vector luma = field<1 - CHROMA_BYTE>(v);
 
-        const __m128i chromaLow = _mm_unpacklo_epi32(evenChroma, oddChroma); // Cb Cr of 0 1 2 3
-        const __m128i chromaHigh = _mm_unpackhi_epi32(evenChroma, oddChroma);
-        const __m128i lumaLow = _mm_unpacklo_epi32(luma, luma); // Y0 Y1 Y0 Y1 Y2 Y3 Y2 Y3
-        const __m128i lumaHigh = _mm_unpackhi_epi32(luma, luma);
-        return {{_mm_unpacklo_epi16(chromaLow, lumaLow), _mm_unpackhi_epi16(chromaLow, lumaLow),
-                 _mm_unpacklo_epi16(chromaHigh, lumaHigh),
-                 _mm_unpackhi_epi16(chromaHigh, lumaHigh)}};
+        const Vector chromaLow = interleaveLow32(evenChroma, oddChroma); // Cb Cr of 0 1 2 3
+        const Vector chromaHigh = interleaveHigh32(evenChroma, oddChroma);
+        const Vector lumaLow = interleaveLow32(luma, luma); // Y0 Y1 Y0 Y1 Y2 Y3 Y2 Y3
+        const Vector lumaHigh = interleaveHigh32(luma, luma);
+        return {{interleaveLow16(chromaLow, lumaLow), interleaveHigh16(chromaLow, lumaLow),
+                 interleaveLow16(chromaHigh, lumaHigh), interleaveHigh16(chromaHigh, lumaHigh)}};
     }
 };
 
@@ -159,30 +156,29 @@ public:
     using Input = Packed<2>;
     using Output = YUVv8;
 
-    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in, __m128i next) const
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in, Vector next) const
     {
-        return unpack(in[0], _mm_alignr_epi8(next, in[0], 4));
+        return unpack(in[0], combineShiftRightBytes<4>(next, in[0]));
     }
 
     KSX_INLINE Pixels<Output, 8> lastStep(const Pixels<Input, 8>& in) const
     {
-        return unpack(in[0], _mm_shuffle_epi32(in[0], _MM_SHUFFLE(3, 3, 2, 1)));
+        return unpack(in[0], shuffle32<1, 2, 3, 3>(in[0]));
     }
 
 private:
     /// Means of all bytes, of which those of chroma count. Beside the stored ones they make the
     /// chroma of a pixel pair: Cb even, Cb odd, Cr even, Cr odd.
-    KSX_INLINE static Pixels<Output, 8> unpack(__m128i v, __m128i successors)
+    KSX_INLINE static Pixels<Output, 8> unpack(Vector v, Vector successors)
     {
-        const __m128i mean = _mm_avg_epu8(v, successors);
-        const __m128i chroma =
-            CHROMA_BYTE == 0 ? _mm_or_si128(_mm_and_si128(v, v8i_0xff), _mm_slli_epi16(mean, 8))
-                             : _mm_or_si128(_mm_srli_epi16(v, 8), _mm_andnot_si128(v8i_0xff, mean));
-        const __m128i luma = CHROMA_BYTE == 0 ? _mm_srli_epi16(v, 8) : _mm_and_si128(v, v8i_0xff);
-        const __m128i cb = _mm_setr_epi8(0, -1, 1, -1, 4, -1, 5, -1, 8, -1, 9, -1, 12, -1, 13, -1);
-        const __m128i cr =
-            _mm_setr_epi8(2, -1, 3, -1, 6, -1, 7, -1, 10, -1, 11, -1, 14, -1, 15, -1);
-        return {{luma, _mm_shuffle_epi8(chroma, cb), _mm_shuffle_epi8(chroma, cr)}};
+        const Vector mean = averageU8(v, successors);
+        const Vector chroma = CHROMA_BYTE == 0
+                                  ? bitOr(bitAnd(v, v8i_0xff), shiftLeft16(mean, 8))
+                                  : bitOr(shiftRightU16(v, 8), bitAndNot(v8i_0xff, mean));
+        const Vector luma = CHROMA_BYTE == 0 ? shiftRightU16(v, 8) : bitAnd(v, v8i_0xff);
+        const Vector cb = v16i(0, -1, 1, -1, 4, -1, 5, -1, 8, -1, 9, -1, 12, -1, 13, -1);
+        const Vector cr = v16i(2, -1, 3, -1, 6, -1, 7, -1, 10, -1, 11, -1, 14, -1, 15, -1);
+        return {{luma, shuffleBytes(chroma, cb), shuffleBytes(chroma, cr)}};
     }
 };
 

@@ -8,11 +8,10 @@
 /// ignored when read and 0 when written. A row is written in whole groups of 4 pixels.
 #pragma once
 
-#include "conversion/ByteOrder.h"
-#include "conversion/Pipeline.h"
-#include "conversion/VectorConstants.h"
 #include "conversion/colour/ChromaReconstruction.h"
 #include "conversion/colour/Flags.h"
+#include "conversion/pipeline/Pipeline.h"
+#include "conversion/pipeline/VectorConstants.h"
 #include "conversion/stages/RGB10.h"
 #include "conversion/stages/V210.h"
 
@@ -21,10 +20,10 @@ namespace KSX::PixelConversion {
 namespace details {
 
 /// The samples of 4 words as `UYVYv8`, without alpha.
-KSX_INLINE __m128i yuvOf(__m128i words)
+KSX_INLINE Vector yuvOf(Vector words)
 {
-    return _mm_or_si128(_mm_and_si128(_mm_srli_epi32(words, 10), v4i_0x3ff),
-                        _mm_and_si128(_mm_slli_epi32(words, 16), v4i_0x3ff0000));
+    return bitOr(bitAnd(shiftRightU32(words, 10), v4i_0x3ff),
+                 bitAnd(shiftLeft32(words, 16), v4i_0x3ff0000));
 }
 
 } // namespace details
@@ -38,7 +37,7 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        return {{details::yuvOf(swapWords(in[0]))}};
+        return {{details::yuvOf(reverseBytes32(in[0]))}};
     }
 };
 
@@ -53,24 +52,24 @@ public:
     using Input = Packed<16, 4>;
     using Output = UYVY444Av8;
 
-    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in, __m128i next) const
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in, Vector next) const
     {
-        const __m128i words = swapWords(in[0]);
-        return unpack(words, details::yuvOf(words), details::yuvOf(swapWords(next)));
+        const Vector words = reverseBytes32(in[0]);
+        return unpack(words, details::yuvOf(words), details::yuvOf(reverseBytes32(next)));
     }
 
     KSX_INLINE Pixels<Output, 4> lastStep(const Pixels<Input, 4>& in) const
     {
-        const __m128i words = swapWords(in[0]);
-        const __m128i yuv = details::yuvOf(words);
+        const Vector words = reverseBytes32(in[0]);
+        const Vector yuv = details::yuvOf(words);
         return unpack(words, yuv, repeatLastPair(yuv));
     }
 
 private:
-    KSX_INLINE static Pixels<Output, 4> unpack(__m128i words, __m128i yuv, __m128i next)
+    KSX_INLINE static Pixels<Output, 4> unpack(Vector words, Vector yuv, Vector next)
     {
         const auto pixels = rebuildChroma(yuv, next);
-        return {{pixels[0], pixels[1], _mm_and_si128(_mm_srli_epi32(words, 20), v4i_0x3ff)}};
+        return {{pixels[0], pixels[1], bitAnd(shiftRightU32(words, 20), v4i_0x3ff)}};
     }
 };
 
@@ -85,7 +84,7 @@ public:
     using Input = Packed<16, 4>;
     using Output = YUVAv8;
 
-    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in, __m128i next) const
+    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in, Vector next) const
     {
         return unpack(Fields().step({{in[0], in[1]}}), Fields::greenOf(next));
     }
@@ -93,18 +92,17 @@ public:
     KSX_INLINE Pixels<Output, 8> lastStep(const Pixels<Input, 8>& in) const
     {
         const auto fields = Fields().step({{in[0], in[1]}});
-        return unpack(fields, _mm_srli_si128(fields[1], 12));
+        return unpack(fields, shiftRightBytes<12>(fields[1]));
     }
 
 private:
     /// `next` begins with the chroma pair behind the pixels.
-    KSX_INLINE static Pixels<Output, 8> unpack(const Pixels<RGBv8, 8>& fields, __m128i next)
+    KSX_INLINE static Pixels<Output, 8> unpack(const Pixels<RGBv8, 8>& fields, Vector next)
     {
-        const __m128i even = fields[1]; // Cb Cr of each pair
-        const __m128i odd = _mm_avg_epu16(even, _mm_alignr_epi8(next, even, 4));
-        return {{fields[2], _mm_or_si128(_mm_and_si128(even, v4i_0xffff), _mm_slli_epi32(odd, 16)),
-                 _mm_or_si128(_mm_srli_epi32(even, 16), _mm_andnot_si128(v4i_0xffff, odd)),
-                 fields[0]}};
+        const Vector even = fields[1]; // Cb Cr of each pair
+        const Vector odd = averageU16(even, combineShiftRightBytes<4>(next, even));
+        return {{fields[2], bitOr(bitAnd(even, v4i_0xffff), shiftLeft32(odd, 16)),
+                 bitOr(shiftRightU32(even, 16), bitAndNot(v4i_0xffff, odd)), fields[0]}};
     }
 };
 
@@ -137,11 +135,11 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        const __m128i yuv = _mm_max_epi16(_mm_min_epi16(in[0], v8i_0x3ff), v0);
-        const __m128i alpha = _mm_max_epi16(_mm_min_epi16(in[1], v4i_0x3ff), v0);
+        const Vector yuv = max16(min16(in[0], v8i_0x3ff), v0);
+        const Vector alpha = max16(min16(in[1], v4i_0x3ff), v0);
         // Chroma from the lower half of a lane, Y from the upper one.
-        constexpr __m128i weights = v4i(1 << 16 | 1024);
-        return {{swapWords(_mm_or_si128(_mm_madd_epi16(yuv, weights), _mm_slli_epi32(alpha, 20)))}};
+        constexpr Vector weights = v4i(1 << 16 | 1024);
+        return {{reverseBytes32(bitOr(mulAddPairs16(yuv, weights), shiftLeft32(alpha, 20)))}};
     }
 };
 

@@ -3,8 +3,8 @@
 /// nothing, for they are called with no rows.
 #pragma once
 
-#include "conversion/Convert.h"
-#include "conversion/RowLimits.h"
+#include "conversion/pipeline/Convert.h"
+#include "conversion/pipeline/RowLimits.h"
 
 namespace KSX::PixelConversion {
 

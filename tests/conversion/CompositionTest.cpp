@@ -1,5 +1,5 @@
 /// How stages become a pipeline: nesting, repetition, merged forms.
-#include "conversion/Transform.h"
+#include "conversion/pipeline/Transform.h"
 
 #include <array>
 #include <concepts>

@@ -1,5 +1,5 @@
 /// Merged forms and twins against the stages in whose place they run.
-#include "conversion/Transform.h"
+#include "conversion/pipeline/Transform.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/colour/RGBToYUV.h"
 #include "conversion/colour/YUVToRGB.h"

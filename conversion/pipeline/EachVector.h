@@ -1,7 +1,7 @@
 /// Stages that do the same to every vector.
 #pragma once
 
-#include "conversion/Kernel.h"
+#include "conversion/pipeline/Kernel.h"
 
 namespace KSX::PixelConversion {
 

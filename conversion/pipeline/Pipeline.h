@@ -5,7 +5,7 @@
 /// multiple of the pixels that its stages take a step.
 #pragma once
 
-#include "conversion/Kernel.h"
+#include "conversion/pipeline/Kernel.h"
 
 #include <cstddef>
 #include <numeric>
@@ -62,8 +62,7 @@ public:
             else if constexpr (END != 0 && END <= kBegin + KERNEL::kPart)
                 return this->lastStep(in);
             else
-                return this->step(in, _mm_loadu_si128(reinterpret_cast<const __m128i*>(
-                                          src + InputOf<KERNEL>::kBytes)));
+                return this->step(in, load(src + InputOf<KERNEL>::kBytes));
         } else if constexpr (LooksBack<KERNEL> && FIRST && GROUP == 0) {
             return this->firstStep(in);
         } else {
@@ -359,8 +358,7 @@ private:
         In in;
         if constexpr (I == 0) {
             unrolled<0, In::kVectors>([&]<unsigned V>() KSX_INLINE_LAMBDA {
-                in[V] = _mm_loadu_si128(
-                    reinterpret_cast<const __m128i*>(groupSrc + In::template offset<V>()));
+                in[V] = load(groupSrc + In::template offset<V>());
             });
         } else {
             constexpr unsigned kStep = StageAt<I - 1>::kPart;
@@ -376,9 +374,7 @@ private:
 
         unrolled<0, Out::kVectors>([&]<unsigned V>() KSX_INLINE_LAMBDA {
             if constexpr (I == kCount - 1)
-                _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + GROUP * Out::kBytes +
-                                                            Out::template offset<V>()),
-                                 out[V]);
+                store(dst + GROUP * Out::kBytes + Out::template offset<V>(), out[V]);
             else
                 std::get<I>(between)[GROUP * Out::kVectors + V] = out[V];
         });

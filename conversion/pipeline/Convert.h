@@ -2,7 +2,7 @@
 #pragma once
 
 #include "conversion/ConversionEntries.h"
-#include "conversion/Transform.h"
+#include "conversion/pipeline/Transform.h"
 
 namespace KSX::PixelConversion {
 

@@ -7,7 +7,7 @@
 /// Two kinds have one operation more, and that operation is the declaration:
 ///
 ///     Pixels<Output, N> firstStep(const Pixels<Input, N>& in)       // looks back
-///     Pixels<Output, N> step(const Pixels<Input, N>& in, __m128i next)
+///     Pixels<Output, N> step(const Pixels<Input, N>& in, Vector next)
 ///     Pixels<Output, N> lastStep(const Pixels<Input, N>& in)        // looks ahead
 ///
 /// A stage that looks back keeps pixels of the group before in its members; `firstStep` takes a
@@ -26,7 +26,7 @@
 /// takes a last group of which only the first `PIXELS` pixels belong to the row.
 #pragma once
 
-#include "conversion/Representations.h"
+#include "conversion/pipeline/Representations.h"
 
 #include <concepts>
 #include <utility>
@@ -87,7 +87,7 @@ concept LooksBack = requires(S& stage, const InputOf<S>& in)
 };
 
 template<class S>
-concept LooksAhead = requires(S& stage, const InputOf<S>& in, __m128i next)
+concept LooksAhead = requires(S& stage, const InputOf<S>& in, Vector next)
 {
     {
         stage.step(in, next)

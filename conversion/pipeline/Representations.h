@@ -5,7 +5,7 @@
 /// when stored. In a name `v8` is 8 lanes of 16 bits and `v4` 4 lanes of 32 bits.
 #pragma once
 
-#include <emmintrin.h>
+#include "conversion/pipeline/Vector.h"
 
 namespace KSX::PixelConversion {
 
@@ -64,8 +64,8 @@ template<class REPRESENTATION, unsigned PIXELS>
 struct Pixels {
     static_assert(PIXELS % REPRESENTATION::kPixels == 0, "a group of pixels is split");
     static constexpr unsigned kBytes = PIXELS / REPRESENTATION::kPixels * REPRESENTATION::kBytes;
-    static_assert(kBytes >= sizeof(__m128i), "a vector is not filled");
-    static constexpr unsigned kVectors = (kBytes + sizeof(__m128i) - 1) / sizeof(__m128i);
+    static_assert(kBytes >= sizeof(Vector), "a vector is not filled");
+    static constexpr unsigned kVectors = (kBytes + sizeof(Vector) - 1) / sizeof(Vector);
 
     /// Where vector `V` begins in memory.
     template<unsigned V>
@@ -74,10 +74,10 @@ struct Pixels {
         return V * 16 + 16 <= kBytes ? V * 16 : kBytes - 16;
     }
 
-    __m128i v[kVectors];
+    Vector v[kVectors];
 
-    constexpr __m128i& operator[](unsigned i) { return v[i]; }
-    constexpr __m128i operator[](unsigned i) const { return v[i]; }
+    constexpr Vector& operator[](unsigned i) { return v[i]; }
+    constexpr Vector operator[](unsigned i) const { return v[i]; }
 };
 
 } // namespace KSX::PixelConversion

@@ -1,11 +1,10 @@
 /// Walks a picture row by row and runs a pipeline over each row, block by block.
 #pragma once
 
-#include "conversion/Pipeline.h"
+#include "conversion/pipeline/Pipeline.h"
 
 #include <cstddef>
 #include <cstring>
-#include <xmmintrin.h>
 
 namespace KSX::PixelConversion {
 
@@ -58,8 +57,7 @@ template<bool FIRST, unsigned END, unsigned PREFETCH, class COMPOSITION>
     COMPOSITION copy = stages;
     do {
         // Issued past the end of the row as well: a hint cannot fault.
-        _mm_prefetch(reinterpret_cast<const char*>(src + PREFETCH * COMPOSITION::kInBytes),
-                     _MM_HINT_NTA);
+        prefetchNonTemporal(src + PREFETCH * COMPOSITION::kInBytes);
         copy.template block<FIRST, END>(src, dst);
         src += COMPOSITION::kInBytes;
         dst += COMPOSITION::kOutBytes;

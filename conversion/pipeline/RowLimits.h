@@ -2,7 +2,7 @@
 /// when a picture is converted; docs/conversions.md has it for every row of the table.
 #pragma once
 
-#include "conversion/Pipeline.h"
+#include "conversion/pipeline/Pipeline.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -39,7 +39,7 @@ struct RowLimits<Pipeline<BLOCK, StageList<STAGES...>, LINE, MERGE>> {
         const std::size_t row = Input::rowBytes(width);
         const unsigned blocks = width / BLOCK;
         const bool looksBehind = P::kLooksAhead && blocks != 0 && width % BLOCK != 0;
-        return looksBehind ? std::max(row, blocks * kBlockBytes + sizeof(__m128i)) : row;
+        return looksBehind ? std::max(row, blocks * kBlockBytes + sizeof(Vector)) : row;
     }
 };
 

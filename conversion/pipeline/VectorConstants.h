@@ -1,0 +1,31 @@
+/// Constant vectors that stages share. Their names spell their contents: `v4i_0xff` is 255 in each
+/// of 4 lanes of 32 bits, `v8i_0xff` in each of 8 lanes of 16 bits. In the name of a mask the lanes
+/// run from the top one down, so `v4i_mask_x210` has lane 3 clear and the others set.
+#pragma once
+
+#include "conversion/pipeline/Vector.h"
+
+namespace KSX::PixelConversion {
+
+inline constexpr Vector v0 = v4i(0);
+inline constexpr Vector vAllSet = v4i(0xffffffff);
+
+inline constexpr Vector v4i_0xff = v4i(0xff);
+inline constexpr Vector v4i_0xffff = v4i(0xffff);
+inline constexpr Vector v4i_0xff000000 = v4i(0xff000000);
+inline constexpr Vector v4i_0xffff0000 = v4i(0xffff0000);
+inline constexpr Vector v4i_0x3fff = v4i(0x3fff);
+inline constexpr Vector v4i_0x3ff = v4i(0x3ff);
+inline constexpr Vector v4i_0x3ff0000 = v4i(0x3ff0000);
+
+inline constexpr Vector v8i_1 = v8i(1);
+inline constexpr Vector v8i_0xff = v8i(0xff);
+inline constexpr Vector v8i_0x3ff = v8i(0x3ff);
+inline constexpr Vector v8i_0xfff = v8i(0xfff);
+
+/// The alpha lanes of `BGRAv8`, and its colour lanes.
+inline constexpr Vector v8i_mask_7xxx3xxx =
+    Vector{static_cast<long long>(0xffff000000000000), static_cast<long long>(0xffff000000000000)};
+inline constexpr Vector v8i_mask_x654x210 = Vector{0x0000ffffffffffff, 0x0000ffffffffffff};
+
+} // namespace KSX::PixelConversion
