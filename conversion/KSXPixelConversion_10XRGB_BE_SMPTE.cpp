@@ -1,25 +1,24 @@
 /// From 10XRGB_BE_SMPTE (r210): 10-bit RGB, studio range. A big-endian word, spare bits on top.
+#include "conversion/chains/From10BitRGB.h"
 #include "conversion/pipeline/Convert.h"
-#include "conversion/colour/BitDepth.h"
-#include "conversion/colour/ColourspaceConversion.h"
-#include "conversion/colour/RGBToYUV.h"
-#include "conversion/colour/Rescale.h"
 #include "conversion/stages/Deep.h"
 #include "conversion/stages/RGB10.h"
 #include "conversion/stages/RGB8.h"
-#include "conversion/stages/V210.h"
-#include "conversion/stages/YUV8.h"
 
 namespace KSX::PixelConversion {
 
-// To 8-bit RGB in full range, in one step. Block 4, 8 to BGRA.
-template<class PACK>
-using To8RGB = BIND3<UNPACK_R210_TO_RGBv4, RGBv4_RESCALE<10, false, 8, true, P1>, PACK>;
+struct From10XRGBStudio : From10BitStudioRGB<UNPACK_R210_TO_RGBv4> {
+    template<class MATRIX>
+    using From601To709 =
+        BIND5<UNPACK_R210_TO_RGBv4, RGBv4_TO_BGRAv8, BGRAv8_RESCALE<10, false, 8, true, P1>,
+              PrimariesInBGRAv8<MATRIX>, PACK_BGRAv8_TO_BGRA>;
+};
 
-CONVERSION(Convert_10XRGB_BE_SMPTE_To_8ARGB_FULL, To8RGB<PACK_RGBv4_TO_ARGB>)
+// To 8-bit RGB in full range, in one step. Block 4, 8 to BGRA.
+CONVERSION(Convert_10XRGB_BE_SMPTE_To_8ARGB_FULL, From10XRGBStudio::To8RGB<PACK_RGBv4_TO_ARGB>)
 CONVERSION(Convert_10XRGB_BE_SMPTE_To_8BGRA_FULL,
            BIND3<UNPACK_R210_TO_RGBv8, RGBv8_RESCALE<10, false, 8, true, P1>, PACK_RGBv8_TO_BGRA>)
-CONVERSION(Convert_10XRGB_BE_SMPTE_To_8RGBA_FULL, To8RGB<PACK_RGBv4_TO_RGBA>)
+CONVERSION(Convert_10XRGB_BE_SMPTE_To_8RGBA_FULL, From10XRGBStudio::To8RGB<PACK_RGBv4_TO_RGBA>)
 
 // To 10-bit RGB in studio range: words are put together anew. Block 4.
 CONVERSION(Convert_10XRGB_BE_SMPTE_To_10RGBX_LE_SMPTE,
@@ -28,20 +27,19 @@ CONVERSION(Convert_10XRGB_BE_SMPTE_To_10RGBX_BE_SMPTE,
            BIND<UNPACK_R210_TO_RGBv4, PACK_RGBv4_TO_R10KBE>)
 
 // To 10-bit RGB in full range. Block 4, 8 to R210.
-template<class PACK>
-using To10RGBFull = BIND3<UNPACK_R210_TO_RGBv4, RGBv4_STUDIO_TO_COMPUTER<10, P0>, PACK>;
-
 CONVERSION(Convert_10XRGB_BE_SMPTE_To_10XRGB_BE_FULL,
            BIND3<UNPACK_R210_TO_RGBv8, RGBv8_STUDIO_TO_COMPUTER<10, P0>, PACK_RGBv8_TO_R210>)
-CONVERSION(Convert_10XRGB_BE_SMPTE_To_10RGBX_LE_FULL, To10RGBFull<PACK_RGBv4_TO_R10KLE>)
-CONVERSION(Convert_10XRGB_BE_SMPTE_To_10RGBX_BE_FULL, To10RGBFull<PACK_RGBv4_TO_R10KBE>)
+CONVERSION(Convert_10XRGB_BE_SMPTE_To_10RGBX_LE_FULL,
+           From10XRGBStudio::To10RGBFull<PACK_RGBv4_TO_R10KLE>)
+CONVERSION(Convert_10XRGB_BE_SMPTE_To_10RGBX_BE_FULL,
+           From10XRGBStudio::To10RGBFull<PACK_RGBv4_TO_R10KBE>)
 CONVERSION(Convert_10XRGB_BE_SMPTE_To_10RGBA_BE_FULL,
-           BIND<To10RGBFull<PACK_RGBv4_TO_R10KBE>, PAD_R10KBE_WITH_1>)
+           BIND<From10XRGBStudio::To10RGBFull<PACK_RGBv4_TO_R10KBE>, PAD_R10KBE_WITH_1>)
 
 // To RGB3: unlike the other 8-bit formats by way of 10 bits in full range, which cuts before it
 // rounds. Block 16.
 CONVERSION(Convert_10XRGB_BE_SMPTE_To_8RGB_FULL,
-           To10RGBFull<BIND3<RGBv4_BITDEPTH<-2, 16>, PACK_RGBv4_TO_RGBA, PACK_RGBA_TO_RGB>>)
+           From10XRGBStudio::To8RGBBy10BitFull<BIND<PACK_RGBv4_TO_RGBA, PACK_RGBA_TO_RGB>>)
 
 // To 16-bit RGB in studio range: zeros below, opaque. Block 4.
 CONVERSION(
@@ -49,35 +47,22 @@ CONVERSION(
     BIND4<UNPACK_R210_TO_RGBv4, RGBv4_TO_BGRAv8, BGRAv8_BITDEPTH<6, 16>, UNPACK_L64A_TO_BGRAv8>)
 
 // To 8-bit 4:2:2: weigh at 10 bits. Block 8.
-template<class RANGE>
-using To8YUV422 = BIND4<UNPACK_R210_TO_RGBv4, RGBv4_TO_BGRAv8,
-                        BGRAv8_TO_UYVYv8<RANGE, 10, 8, P1, C0>, PACK_UYVYv8_TO_UYVY>;
-
-CONVERSION(Convert_10XRGB_BE_SMPTE_To_8YUV422_SD, To8YUV422<StudioRange601>)
-CONVERSION(Convert_10XRGB_BE_SMPTE_To_8YUV422_HD, To8YUV422<StudioRange709>)
+CONVERSION(Convert_10XRGB_BE_SMPTE_To_8YUV422_SD, From10XRGBStudio::To8YUV422<StudioRange601>)
+CONVERSION(Convert_10XRGB_BE_SMPTE_To_8YUV422_HD, From10XRGBStudio::To8YUV422<StudioRange709>)
 
 // To 10-bit 4:2:2. Block 12.
-template<class RANGE>
-using To10YUV422 = BIND4<UNPACK_R210_TO_RGBv4, RGBv4_TO_BGRAv8,
-                         BGRAv8_TO_UYVYv8<RANGE, 10, 10, P1, C0>, PACK_UYVYv8_TO_V210>;
-
-CONVERSION(Convert_10XRGB_BE_SMPTE_To_10YUV422_LE_SD, To10YUV422<StudioRange601>)
-CONVERSION(Convert_10XRGB_BE_SMPTE_To_10YUV422_LE_HD, To10YUV422<StudioRange709>)
-CONVERSION(Convert_10XRGB_BE_SMPTE_To_10YUV422_LE_2020, To10YUV422<StudioRange2020>)
+CONVERSION(Convert_10XRGB_BE_SMPTE_To_10YUV422_LE_SD, From10XRGBStudio::To10YUV422<StudioRange601>)
+CONVERSION(Convert_10XRGB_BE_SMPTE_To_10YUV422_LE_HD, From10XRGBStudio::To10YUV422<StudioRange709>)
+CONVERSION(Convert_10XRGB_BE_SMPTE_To_10YUV422_LE_2020,
+           From10XRGBStudio::To10YUV422<StudioRange2020>)
 
 // To 8-bit RGB of other primaries. Block 4. From Rec. 601 in BGRAv8: its sums are in another order.
-template<class MATRIX>
-using From601To709 =
-    BIND5<UNPACK_R210_TO_RGBv4, RGBv4_TO_BGRAv8, BGRAv8_RESCALE<10, false, 8, true, P1>,
-          COLOURSPACE_CONV_BGRAv8<Rec709OETF<8, V1>, MATRIX, Rec709OETF<8, V1>>,
-          PACK_BGRAv8_TO_BGRA>;
-template<class PACK>
-using From2020To709 = To8RGB<
-    BIND<COLOURSPACE_CONV_RGBv4<Rec709OETF<8, V0>, RGB_2020_TO_709, Rec709OETF<8, V0>>, PACK>>;
-
 CONVERSION(Convert_10XRGB_BE_SMPTE_601_To_8BGRA_FULL_709,
-           By601Lines<From601To709<RGB_601PAL_TO_709>, From601To709<RGB_601NTSC_TO_709>>)
-CONVERSION(Convert_10XRGB_BE_SMPTE_2020_To_8BGRA_FULL_709, From2020To709<PACK_RGBv4_TO_BGRA>)
-CONVERSION(Convert_10XRGB_BE_SMPTE_2020_To_8RGBA_FULL_709, From2020To709<PACK_RGBv4_TO_RGBA>)
+           By601Lines<From10XRGBStudio::From601To709<RGB_601PAL_TO_709>,
+                      From10XRGBStudio::From601To709<RGB_601NTSC_TO_709>>)
+CONVERSION(Convert_10XRGB_BE_SMPTE_2020_To_8BGRA_FULL_709,
+           From10XRGBStudio::From2020To709<PACK_RGBv4_TO_BGRA>)
+CONVERSION(Convert_10XRGB_BE_SMPTE_2020_To_8RGBA_FULL_709,
+           From10XRGBStudio::From2020To709<PACK_RGBv4_TO_RGBA>)
 
 } // namespace KSX::PixelConversion

@@ -1,6 +1,6 @@
 /// From 12YUV422_LE (v212): 12-bit 4:2:2 in the top of 16 bits, studio range. Samples Cb Y Cr Y.
-#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/BitDepth.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/stages/Deep.h"
 #include "conversion/stages/V210.h"
 

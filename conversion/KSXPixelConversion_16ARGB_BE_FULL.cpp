@@ -1,6 +1,6 @@
 /// From 16ARGB_BE_FULL (b64a): 16-bit ARGB, full range. Big-endian samples A R G B.
-#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/BitDepth.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/stages/Deep.h"
 #include "conversion/stages/RGB12.h"
 #include "conversion/stages/RGB8.h"

@@ -1,6 +1,6 @@
 /// From 16YUV422_LE (v216): 16-bit 4:2:2, studio range. Samples Cb Y Cr Y.
-#include "conversion/pipeline/Convert.h"
 #include "conversion/colour/BitDepth.h"
+#include "conversion/pipeline/Convert.h"
 #include "conversion/stages/V210.h"
 
 namespace KSX::PixelConversion {

@@ -1,30 +1,42 @@
 /// From 8BGRA_FULL (BGRA): 8-bit BGRA, full range. Bytes B G R A.
-#include "conversion/ByteSwap.h"
+#include "conversion/chains/From8BitRGB.h"
 #include "conversion/pipeline/Convert.h"
-#include "conversion/colour/BitDepth.h"
-#include "conversion/colour/ColourspaceConversion.h"
-#include "conversion/colour/RGBToYUV.h"
-#include "conversion/colour/Rescale.h"
 #include "conversion/stages/RGB10.h"
 #include "conversion/stages/RGB12.h"
 #include "conversion/stages/RGB8.h"
-#include "conversion/stages/V210.h"
-#include "conversion/stages/YUV8.h"
-#include "conversion/stages/YUVA.h"
 
 namespace KSX::PixelConversion {
 
-// To 8ARGB_FULL: a byte swap, which keeps alpha.
-void Convert_8BGRA_FULL_To_8ARGB_FULL(unsigned width, unsigned height, void* dst,
-                                      unsigned dstRowBytes, void* src, unsigned srcRowBytes)
-{
-    swapPackedRGB(width, height, dst, dstRowBytes, src, srcRowBytes);
-}
+struct From8BGRA : From8BitRGB<UNPACK_BGRA_TO_BGRAv8, UNPACK_BGRA_TO_RGBv4> {
+    template<class RESCALE, class PACK>
+    using To12RGB = BIND3<UNPACK_BGRA_TO_BGRAv8, RESCALE, PACK>;
+
+    template<class PACK>
+    using From601To2020 =
+        By601Lines<ToPrimaries<RGB_601PAL_TO_2020, PACK>, ToPrimaries<RGB_601NTSC_TO_2020, PACK>>;
+    template<class PACK>
+    using From709To601 =
+        By601Lines<ToPrimaries<RGB_709_TO_601PAL, PACK>, ToPrimaries<RGB_709_TO_601NTSC, PACK>>;
+    template<class PACK>
+    using From709To2020 = ToPrimaries<RGB_709_TO_2020, PACK>;
+    template<class PACK>
+    using From2020To601 =
+        By601Lines<ToPrimaries<RGB_2020_TO_601PAL, PACK>, ToPrimaries<RGB_2020_TO_601NTSC, PACK>>;
+    template<class PACK>
+    using From2020To709 = ToPrimaries<RGB_2020_TO_709, PACK>;
+
+    /// What comes after a change of primaries on the way to 8-bit 4:2:2.
+    template<class RANGE>
+    using As8YUV422 = BIND<BGRAv8_TO_UYVYv8<RANGE, 8, 8, P1, C0>, PACK_UYVYv8_TO_UYVY>;
+};
+
+// To 8ARGB_FULL: the bytes of a pixel reversed, alpha and all, which is its own inverse. Block 4.
+CONVERSION(Convert_8BGRA_FULL_To_8ARGB_FULL, ENDIAN_SWAP_PACKED_RGB)
 
 void Convert_8BGRA_FULL_To_8ARGB_FULL_Scalar(unsigned width, unsigned height, void* dst,
                                              unsigned dstRowBytes, void* src, unsigned srcRowBytes)
 {
-    swapPackedRGBScalar(width, height, dst, dstRowBytes, src, srcRowBytes);
+    Convert_8ARGB_FULL_To_8BGRA_FULL_Scalar(width, height, dst, dstRowBytes, src, srcRowBytes);
 }
 
 // To 8-bit RGB in other orders: by way of RGBv4, which has no alpha, so opaque. Block 4, 16 to
@@ -43,24 +55,18 @@ CONVERSION(
 
 // To 10-bit RGB in studio range. Block 4, 8 to r210, whose words are put together from lanes of 16
 // bits.
-template<class PACK>
-using To10RGBStudio = BIND3<UNPACK_BGRA_TO_RGBv4, RGBv4_RESCALE<8, true, 10, false, P1>, PACK>;
-
 CONVERSION(Convert_8BGRA_FULL_To_10XRGB_BE_SMPTE,
            BIND3<UNPACK_BGRA_TO_RGBv8, RGBv8_RESCALE<8, true, 10, false, P1>, PACK_RGBv8_TO_R210>)
-CONVERSION(Convert_8BGRA_FULL_To_10RGBX_LE_SMPTE, To10RGBStudio<PACK_RGBv4_TO_R10KLE>)
-CONVERSION(Convert_8BGRA_FULL_To_10RGBX_BE_SMPTE, To10RGBStudio<PACK_RGBv4_TO_R10KBE>)
+CONVERSION(Convert_8BGRA_FULL_To_10RGBX_LE_SMPTE, From8BGRA::To10RGBStudio<PACK_RGBv4_TO_R10KLE>)
+CONVERSION(Convert_8BGRA_FULL_To_10RGBX_BE_SMPTE, From8BGRA::To10RGBStudio<PACK_RGBv4_TO_R10KBE>)
 
 // To 10-bit RGB in full range: zeros below. Blocks as before.
-template<class PACK>
-using To10RGBFull = BIND3<UNPACK_BGRA_TO_RGBv4, RGBv4_BITDEPTH<2, 16>, PACK>;
-
 CONVERSION(Convert_8BGRA_FULL_To_10XRGB_BE_FULL,
            BIND3<UNPACK_BGRA_TO_RGBv8, RGBv8_BITDEPTH<2, 16>, PACK_RGBv8_TO_R210>)
-CONVERSION(Convert_8BGRA_FULL_To_10RGBX_LE_FULL, To10RGBFull<PACK_RGBv4_TO_R10KLE>)
-CONVERSION(Convert_8BGRA_FULL_To_10RGBX_BE_FULL, To10RGBFull<PACK_RGBv4_TO_R10KBE>)
+CONVERSION(Convert_8BGRA_FULL_To_10RGBX_LE_FULL, From8BGRA::To10RGBFull<PACK_RGBv4_TO_R10KLE>)
+CONVERSION(Convert_8BGRA_FULL_To_10RGBX_BE_FULL, From8BGRA::To10RGBFull<PACK_RGBv4_TO_R10KBE>)
 CONVERSION(Convert_8BGRA_FULL_To_10RGBA_BE_FULL,
-           BIND<To10RGBFull<PACK_RGBv4_TO_R10KBE>, PAD_R10KBE_WITH_1>)
+           BIND<From8BGRA::To10RGBFull<PACK_RGBv4_TO_R10KBE>, PAD_R10KBE_WITH_1>)
 
 // To 10 bits in 16, with alpha: on the way to studio range it passes the first stage as it stands
 // and the second like a colour. Block 4.
@@ -71,98 +77,68 @@ CONVERSION(Convert_8BGRA_FULL_To_10BGRA_LE_FULL,
            BIND<UNPACK_BGRA_TO_BGRAv8, BGRAv8_BITDEPTH<2, 16>>)
 
 // To 12-bit RGB: zeros below in full range. Block 32, 4 to S12L.
-template<class RESCALE, class PACK>
-using To12RGB = BIND3<UNPACK_BGRA_TO_BGRAv8, RESCALE, PACK>;
-
-CONVERSION(Convert_8BGRA_FULL_To_12RGBX_LE_FULL,
-           To12RGB<BGRAv8_BITDEPTH<4, 16>, PACK_BGRAv8_TO_R12L_SSSE3_T<R12KPackingOrderRGB>>)
-CONVERSION(Convert_8BGRA_FULL_To_12RGBX_BE_FULL,
-           To12RGB<BGRAv8_BITDEPTH<4, 16>, PACK_BGRAv8_TO_R12B_SSSE3_T<R12KPackingOrderRGB>>)
+CONVERSION(
+    Convert_8BGRA_FULL_To_12RGBX_LE_FULL,
+    From8BGRA::To12RGB<BGRAv8_BITDEPTH<4, 16>, PACK_BGRAv8_TO_R12L_SSSE3_T<R12KPackingOrderRGB>>)
+CONVERSION(
+    Convert_8BGRA_FULL_To_12RGBX_BE_FULL,
+    From8BGRA::To12RGB<BGRAv8_BITDEPTH<4, 16>, PACK_BGRAv8_TO_R12B_SSSE3_T<R12KPackingOrderRGB>>)
 CONVERSION(Convert_8BGRA_FULL_To_12RGBX_LE_SMPTE,
-           To12RGB<BGRAv8_RESCALE<8, true, 12, false, P1>,
-                   PACK_BGRAv8_TO_R12L_SSSE3_T<R12KPackingOrderRGB>>)
+           From8BGRA::To12RGB<BGRAv8_RESCALE<8, true, 12, false, P1>,
+                              PACK_BGRAv8_TO_R12L_SSSE3_T<R12KPackingOrderRGB>>)
 CONVERSION(Convert_8BGRA_FULL_To_S12L,
-           To12RGB<BGRAv8_RESCALE<8, true, 12, true, P1>, PACK_BGRAv8_TO_S12L<true>>)
+           From8BGRA::To12RGB<BGRAv8_RESCALE<8, true, 12, true, P1>, PACK_BGRAv8_TO_S12L<true>>)
 
 // To 8-bit 4:2:2: weigh, filter the chroma, pack. Block 8.
-template<class RANGE>
-using To8YUV422 =
-    BIND3<UNPACK_BGRA_TO_BGRAv8, BGRAv8_TO_UYVYv8<RANGE, 8, 8, P1, C0>, PACK_UYVYv8_TO_UYVY>;
-
-CONVERSION(Convert_8BGRA_FULL_To_8YUV422_SD, To8YUV422<ComputerRange601>)
-CONVERSION(Convert_8BGRA_FULL_To_8YUV422_HD, To8YUV422<ComputerRange709>)
-CONVERSION(Convert_8BGRA_FULL_To_8YUV422_2020, To8YUV422<ComputerRange2020>)
+CONVERSION(Convert_8BGRA_FULL_To_8YUV422_SD, From8BGRA::To8YUV422<ComputerRange601>)
+CONVERSION(Convert_8BGRA_FULL_To_8YUV422_HD, From8BGRA::To8YUV422<ComputerRange709>)
+CONVERSION(Convert_8BGRA_FULL_To_8YUV422_2020, From8BGRA::To8YUV422<ComputerRange2020>)
 
 // To 10-bit 4:2:2: stretched to 10 bits first. Block 12.
-template<class RANGE>
-using To10YUV422 = BIND4<UNPACK_BGRA_TO_BGRAv8, BGRAv8_RESCALE<8, true, 10, true, P1>,
-                         BGRAv8_TO_UYVYv8<RANGE, 10, 10, P1, C0>, PACK_UYVYv8_TO_V210>;
-
-CONVERSION(Convert_8BGRA_FULL_To_10YUV422_LE_SD, To10YUV422<FullRange601<10>>)
-CONVERSION(Convert_8BGRA_FULL_To_10YUV422_LE_HD, To10YUV422<FullRange709<10>>)
-CONVERSION(Convert_8BGRA_FULL_To_10YUV422_LE_2020, To10YUV422<FullRange2020<10>>)
+CONVERSION(Convert_8BGRA_FULL_To_10YUV422_LE_SD, From8BGRA::To10YUV422<FullRange601<10>>)
+CONVERSION(Convert_8BGRA_FULL_To_10YUV422_LE_HD, From8BGRA::To10YUV422<FullRange709<10>>)
+CONVERSION(Convert_8BGRA_FULL_To_10YUV422_LE_2020, From8BGRA::To10YUV422<FullRange2020<10>>)
 
 // To 10-bit 4:2:2 with alpha at video levels. Block 4.
-template<class RANGE>
-using To10YUVA422 = BIND3<UNPACK_BGRA_TO_BGRAv8, BGRAv8_TO_YUVA<RANGE, P0>, PACK_YUVA>;
-
-CONVERSION(Convert_8BGRA_FULL_To_10YUVA422_BE_SMPTE_SD, To10YUVA422<ComputerRange601>)
-CONVERSION(Convert_8BGRA_FULL_To_10YUVA422_BE_SMPTE_HD, To10YUVA422<ComputerRange709>)
-CONVERSION(Convert_8BGRA_FULL_To_10YUVA422_BE_2020, To10YUVA422<ComputerRange2020>)
+CONVERSION(Convert_8BGRA_FULL_To_10YUVA422_BE_SMPTE_SD, From8BGRA::To10YUVA422<ComputerRange601>)
+CONVERSION(Convert_8BGRA_FULL_To_10YUVA422_BE_SMPTE_HD, From8BGRA::To10YUVA422<ComputerRange709>)
+CONVERSION(Convert_8BGRA_FULL_To_10YUVA422_BE_2020, From8BGRA::To10YUVA422<ComputerRange2020>)
 
 // To 10-bit 4:2:2 with alpha in full range: stretched to 10 bits first. Block 4.
-template<class RANGE>
-using To10YUVA422FullA = BIND4<UNPACK_BGRA_TO_BGRAv8, BGRAv8_RESCALE<8, true, 10, true, P1>,
-                               BGRAv8_TO_YUVA_FullA<RANGE, 10, P1>, PACK_YUVA>;
-
-CONVERSION(Convert_8BGRA_FULL_To_10YUVA422_BE_SMPTE_FullA_SD, To10YUVA422FullA<FullRange601<10>>)
-CONVERSION(Convert_8BGRA_FULL_To_10YUVA422_BE_SMPTE_FullA_HD, To10YUVA422FullA<FullRange709<10>>)
-CONVERSION(Convert_8BGRA_FULL_To_10YUVA422_BE_SMPTE_FullA_2020, To10YUVA422FullA<FullRange2020<10>>)
+CONVERSION(Convert_8BGRA_FULL_To_10YUVA422_BE_SMPTE_FullA_SD,
+           From8BGRA::To10YUVA422FullA<FullRange601<10>>)
+CONVERSION(Convert_8BGRA_FULL_To_10YUVA422_BE_SMPTE_FullA_HD,
+           From8BGRA::To10YUVA422FullA<FullRange709<10>>)
+CONVERSION(Convert_8BGRA_FULL_To_10YUVA422_BE_SMPTE_FullA_2020,
+           From8BGRA::To10YUVA422FullA<FullRange2020<10>>)
 
 // To 8-bit RGB of other primaries: alpha is kept. Block 4.
-template<class MATRIX, class PACK>
-using ToPrimaries =
-    BIND3<UNPACK_BGRA_TO_BGRAv8,
-          COLOURSPACE_CONV_BGRAv8<Rec709OETF<8, V1>, MATRIX, Rec709OETF<8, V1>>, PACK>;
-template<class PACK>
-using From601To709 =
-    By601Lines<ToPrimaries<RGB_601PAL_TO_709, PACK>, ToPrimaries<RGB_601NTSC_TO_709, PACK>>;
-template<class PACK>
-using From601To2020 =
-    By601Lines<ToPrimaries<RGB_601PAL_TO_2020, PACK>, ToPrimaries<RGB_601NTSC_TO_2020, PACK>>;
-template<class PACK>
-using From709To601 =
-    By601Lines<ToPrimaries<RGB_709_TO_601PAL, PACK>, ToPrimaries<RGB_709_TO_601NTSC, PACK>>;
-template<class PACK>
-using From709To2020 = ToPrimaries<RGB_709_TO_2020, PACK>;
-template<class PACK>
-using From2020To601 =
-    By601Lines<ToPrimaries<RGB_2020_TO_601PAL, PACK>, ToPrimaries<RGB_2020_TO_601NTSC, PACK>>;
-template<class PACK>
-using From2020To709 = ToPrimaries<RGB_2020_TO_709, PACK>;
-
-CONVERSION(Convert_8BGRA_FULL_601_To_8BGRA_FULL_709, From601To709<PACK_BGRAv8_TO_BGRA>)
-CONVERSION(Convert_8BGRA_FULL_601_To_8BGRA_FULL_2020, From601To2020<PACK_BGRAv8_TO_BGRA>)
-CONVERSION(Convert_8BGRA_FULL_709_To_8BGRA_FULL_601, From709To601<PACK_BGRAv8_TO_BGRA>)
-CONVERSION(Convert_8BGRA_FULL_709_To_8BGRA_FULL_2020, From709To2020<PACK_BGRAv8_TO_BGRA>)
-CONVERSION(Convert_8BGRA_FULL_2020_To_8BGRA_FULL_601, From2020To601<PACK_BGRAv8_TO_BGRA>)
-CONVERSION(Convert_8BGRA_FULL_2020_To_8BGRA_FULL_709, From2020To709<PACK_BGRAv8_TO_BGRA>)
-CONVERSION(Convert_8BGRA_FULL_601_To_8RGBA_FULL_709, From601To709<PACK_BGRAv8_TO_RGBA>)
-CONVERSION(Convert_8BGRA_FULL_2020_To_8RGBA_FULL_709, From2020To709<PACK_BGRAv8_TO_RGBA>)
+CONVERSION(Convert_8BGRA_FULL_601_To_8BGRA_FULL_709, From8BGRA::From601To709<PACK_BGRAv8_TO_BGRA>)
+CONVERSION(Convert_8BGRA_FULL_601_To_8BGRA_FULL_2020, From8BGRA::From601To2020<PACK_BGRAv8_TO_BGRA>)
+CONVERSION(Convert_8BGRA_FULL_709_To_8BGRA_FULL_601, From8BGRA::From709To601<PACK_BGRAv8_TO_BGRA>)
+CONVERSION(Convert_8BGRA_FULL_709_To_8BGRA_FULL_2020, From8BGRA::From709To2020<PACK_BGRAv8_TO_BGRA>)
+CONVERSION(Convert_8BGRA_FULL_2020_To_8BGRA_FULL_601, From8BGRA::From2020To601<PACK_BGRAv8_TO_BGRA>)
+CONVERSION(Convert_8BGRA_FULL_2020_To_8BGRA_FULL_709, From8BGRA::From2020To709<PACK_BGRAv8_TO_BGRA>)
+CONVERSION(Convert_8BGRA_FULL_601_To_8RGBA_FULL_709, From8BGRA::From601To709<PACK_BGRAv8_TO_RGBA>)
+CONVERSION(Convert_8BGRA_FULL_2020_To_8RGBA_FULL_709, From8BGRA::From2020To709<PACK_BGRAv8_TO_RGBA>)
 
 // The same in studio range. Block 4.
-CONVERSION(Convert_8BGRA_FULL_709_To_8BGRA_SMPTE_2020,
-           From709To2020<BIND<BGRAv8_COMPUTER_TO_STUDIO_KEEPALPHA<8, P1>, PACK_BGRAv8_TO_BGRA>>)
+CONVERSION(
+    Convert_8BGRA_FULL_709_To_8BGRA_SMPTE_2020,
+    From8BGRA::From709To2020<BIND<BGRAv8_COMPUTER_TO_STUDIO_KEEPALPHA<8, P1>, PACK_BGRAv8_TO_BGRA>>)
 
 // To 8-bit 4:2:2 of other primaries. Block 8.
-template<class RANGE>
-using As8YUV422 = BIND<BGRAv8_TO_UYVYv8<RANGE, 8, 8, P1, C0>, PACK_UYVYv8_TO_UYVY>;
-
-CONVERSION(Convert_8BGRA_FULL_601_To_8YUV422_HD, From601To709<As8YUV422<ComputerRange709>>)
-CONVERSION(Convert_8BGRA_FULL_601_To_8YUV422_2020, From601To2020<As8YUV422<ComputerRange2020>>)
-CONVERSION(Convert_8BGRA_FULL_709_To_8YUV422_SD, From709To601<As8YUV422<ComputerRange601>>)
-CONVERSION(Convert_8BGRA_FULL_709_To_8YUV422_2020, From709To2020<As8YUV422<ComputerRange2020>>)
-CONVERSION(Convert_8BGRA_FULL_2020_To_8YUV422_SD, From2020To601<As8YUV422<ComputerRange601>>)
-CONVERSION(Convert_8BGRA_FULL_2020_To_8YUV422_HD, From2020To709<As8YUV422<ComputerRange709>>)
+CONVERSION(Convert_8BGRA_FULL_601_To_8YUV422_HD,
+           From8BGRA::From601To709<From8BGRA::As8YUV422<ComputerRange709>>)
+CONVERSION(Convert_8BGRA_FULL_601_To_8YUV422_2020,
+           From8BGRA::From601To2020<From8BGRA::As8YUV422<ComputerRange2020>>)
+CONVERSION(Convert_8BGRA_FULL_709_To_8YUV422_SD,
+           From8BGRA::From709To601<From8BGRA::As8YUV422<ComputerRange601>>)
+CONVERSION(Convert_8BGRA_FULL_709_To_8YUV422_2020,
+           From8BGRA::From709To2020<From8BGRA::As8YUV422<ComputerRange2020>>)
+CONVERSION(Convert_8BGRA_FULL_2020_To_8YUV422_SD,
+           From8BGRA::From2020To601<From8BGRA::As8YUV422<ComputerRange601>>)
+CONVERSION(Convert_8BGRA_FULL_2020_To_8YUV422_HD,
+           From8BGRA::From2020To709<From8BGRA::As8YUV422<ComputerRange709>>)
 
 } // namespace KSX::PixelConversion

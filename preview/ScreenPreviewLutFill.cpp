@@ -2,10 +2,11 @@
 /// working depth of 10 bits; A stays 1.
 #include "preview/ScreenPreviewLutFill.h"
 
-#include "conversion/pipeline/Transform.h"
 #include "conversion/colour/ColourspaceConversion.h"
 #include "conversion/colour/Rescale.h"
 #include "conversion/colour/YUVToRGB.h"
+#include "conversion/fast/Rules.h"
+#include "conversion/pipeline/Transform.h"
 #include "conversion/stages/Deep.h"
 #include "conversion/stages/RGB8.h"
 

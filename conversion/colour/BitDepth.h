@@ -11,7 +11,7 @@
 
 #include "conversion/colour/Flags.h"
 #include "conversion/pipeline/EachVector.h"
-#include "conversion/pipeline/Pipeline.h"
+#include "conversion/pipeline/Kernel.h"
 #include "conversion/pipeline/VectorConstants.h"
 
 namespace KSX::PixelConversion {
@@ -28,8 +28,8 @@ protected:
     KSX_INLINE static Vector apply(Vector x)
     {
         if constexpr (SHIFT > 0) {
-            return VECTOR == kRGBLanes ? shiftLeft32(x, SHIFT) : shiftLeft16(x, SHIFT);
-        } else if constexpr (VECTOR == kRGBLanes) {
+            return VECTOR == V0 ? shiftLeft32(x, SHIFT) : shiftLeft16(x, SHIFT);
+        } else if constexpr (VECTOR == V0) {
             // At most 16384, so a signed minimum of 16 bits will do.
             const Vector rounded = shiftRightU32(add32(x, v4i(1 << (n - 1))), n);
             return min16(rounded, v4i(kCap));
@@ -47,27 +47,22 @@ protected:
 
 /// `RGBv4`, 4 pixels a step. Plain.
 template<int SHIFT, int WIDTH>
-class RGBv4_BITDEPTH : public EachVector<RGBv4, 4, details::BitDepth<SHIFT, WIDTH, kRGBLanes>> {
+class RGBv4_BITDEPTH : public EachVector<RGBv4, 4, details::BitDepth<SHIFT, WIDTH, V0>> {
 };
 
 /// `RGBv8`, 8 pixels a step. Plain.
 template<int SHIFT, int WIDTH>
-class RGBv8_BITDEPTH : public EachVector<RGBv8, 8, details::BitDepth<SHIFT, WIDTH, kBGRALanes>> {
-};
-
-template<int SHIFT, int WIDTH>
-struct Twin<RGBv4_BITDEPTH<SHIFT, WIDTH>> {
-    using type = RGBv8_BITDEPTH<SHIFT, WIDTH>;
+class RGBv8_BITDEPTH : public EachVector<RGBv8, 8, details::BitDepth<SHIFT, WIDTH, V1>> {
 };
 
 /// All lanes of `BGRAv8`, alpha too; 2 pixels a step. Plain.
 template<int SHIFT, int WIDTH>
-class BGRAv8_BITDEPTH : public EachVector<BGRAv8, 2, details::BitDepth<SHIFT, WIDTH, kBGRALanes>> {
+class BGRAv8_BITDEPTH : public EachVector<BGRAv8, 2, details::BitDepth<SHIFT, WIDTH, V1>> {
 };
 
 /// `UYVYv8`, 8 pixels a step. Plain.
 template<int SHIFT, int WIDTH>
-class UYVYv8_BITDEPTH : public EachVector<UYVYv8, 8, details::BitDepth<SHIFT, WIDTH, kBGRALanes>> {
+class UYVYv8_BITDEPTH : public EachVector<UYVYv8, 8, details::BitDepth<SHIFT, WIDTH, V1>> {
 };
 
 } // namespace KSX::PixelConversion

@@ -7,9 +7,8 @@
 
 #include "conversion/colour/GamutMatrices.h"
 #include "conversion/colour/TransferCharacteristicRec709OETF.h"
-#include "conversion/pipeline/Pipeline.h"
+#include "conversion/pipeline/Kernel.h"
 #include "conversion/pipeline/VectorConstants.h"
-#include "conversion/stages/RGB8.h"
 
 namespace KSX::PixelConversion {
 
@@ -73,8 +72,8 @@ KSX_INLINE Codes<N> convertPlanes(const Codes<N>& rgb)
 template<class IN, class MATRIX, class OUT>
 class COLOURSPACE_CONV_BGRAv8 : public Kernel<2, 2> {
 public:
-    /// 10-bit codes are not limited.
-    static constexpr bool kLeavesRange = true;
+    /// The curve of 8 bits limits its codes, that of 10 bits does not.
+    static constexpr Range kRange = OUT::kLimitsLight ? Range::Given : Range::Any;
     using Input = BGRAv8;
     using Output = BGRAv8;
 
@@ -116,6 +115,7 @@ private:
 template<class IN, class MATRIX, class OUT>
 class COLOURSPACE_CONV_RGBv4 : public Kernel<4, 4> {
 public:
+    static constexpr Range kRange = OUT::kLimitsLight ? Range::Given : Range::Any;
     using Input = RGBv4;
     using Output = RGBv4;
 
@@ -125,47 +125,6 @@ public:
             details::convertPlanes<IN, MATRIX, OUT, 2, 1, 0, 3>({in[0], in[1], in[2]});
         return {{out.v[0], out.v[1], out.v[2]}};
     }
-};
-
-// --- On planes of 16-bit lanes -------------------------------------------------------------------
-
-namespace details {
-
-/// Converts planes of 8-bit codes. 8 pixels a step. Alpha passes where there is one.
-template<class PLANES, class MATRIX, VectorTypeFlag V, int A, int B, int C>
-class COLOURSPACE_CONV_PLANES : public Kernel<8, 8> {
-    using Curve = Rec709OETF<8, V>;
-
-public:
-    using Input = PLANES;
-    using Output = PLANES;
-
-    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
-    {
-        const Codes<6> codes = convertPlanes<Curve, MATRIX, Curve, A, B, C, 6>(
-            {interleaveLow16(in[0], v0), interleaveHigh16(in[0], v0), interleaveLow16(in[1], v0),
-             interleaveHigh16(in[1], v0), interleaveLow16(in[2], v0), interleaveHigh16(in[2], v0)});
-        Pixels<Output, 8> out = in;
-        for (std::size_t c = 0; c < 3; ++c)
-            out[c] = packSaturate32To16(codes.v[2 * c], codes.v[2 * c + 1]);
-        return out;
-    }
-};
-
-} // namespace details
-
-template<VectorTypeFlag V, class MATRIX>
-struct Twin<COLOURSPACE_CONV_RGBv4<Rec709OETF<8, V>, MATRIX, Rec709OETF<8, V>>> {
-    using type = details::COLOURSPACE_CONV_PLANES<RGBv8, MATRIX, V, 2, 1, 0>;
-};
-
-/// Lanes of one pixel leave a fourth of each vector empty, and every component of the input has to
-/// be spread over three.
-template<VectorTypeFlag V, class MATRIX>
-struct MergedForm<COLOURSPACE_CONV_BGRAv8<Rec709OETF<8, V>, MATRIX, Rec709OETF<8, V>>> {
-    using type =
-        StageList<BGRAv8_TO_RGBAv8, details::COLOURSPACE_CONV_PLANES<RGBAv8, MATRIX, V, 1, 0, 2>,
-                  RGBAv8_TO_BGRAv8>;
 };
 
 } // namespace KSX::PixelConversion

@@ -37,9 +37,9 @@ struct Y4C4 {
 /// which the pack stage saturates. Its unsigned average has to stay.
 template<class RANGE, int A, int B, PrecisionFlag P, PixelCenterFlag C>
 class BGRAv8_TO_Y4C4 : public Kernel<4, 4> {
-    static_assert(C == kCoSited);
+    static_assert(C == C0);
     static constexpr int kShift = 15 + A - B;
-    static constexpr int kRounding = P == kExact ? 1 << (kShift - 1) : 0;
+    static constexpr int kRounding = P == P1 ? 1 << (kShift - 1) : 0;
     static constexpr int kYOffset = 16 << (B - 8);
     static constexpr int kChromaOffset = 128 << (B - 8);
 
@@ -114,6 +114,8 @@ private:
 template<class RANGE, int A, int B, PrecisionFlag P, PixelCenterFlag C>
 class BGRAv8_TO_UYVYv8 : public BGRAv8_TO_Y4C4<RANGE, A, B, P, C> {
 public:
+    /// Full range comes out at video levels. A pixel below black in studio range wraps.
+    static constexpr Range kRange = kIsStudioRange<RANGE> ? Range::Any : Range::Kept;
     using Input = BGRAv8;
     using Output = UYVYv8;
 

@@ -14,10 +14,8 @@
 
 #include "conversion/colour/Flags.h"
 #include "conversion/pipeline/EachVector.h"
-#include "conversion/pipeline/Pipeline.h"
+#include "conversion/pipeline/Kernel.h"
 #include "conversion/pipeline/VectorConstants.h"
-
-#include <bit>
 
 namespace KSX::PixelConversion {
 
@@ -84,14 +82,14 @@ protected:
             x = subSaturateU16(x, lanes(k.black));
         }
         Vector y;
-        if constexpr (P == kExact && k.shift == 0 && k.gain < 32768) {
+        if constexpr (P == P1 && k.shift == 0 && k.gain < 32768) {
             // One bit more of the product, and an average that rounds it off again.
             y = averageU16(mulHighU16(x, lanes(2 * k.gain)), v0);
         } else {
             const Vector z = shiftLeft16(x, k.shift);
             y = mulHighU16(z, lanes(k.gain));
             // Bit 15 of the product is what half of a unit carries into bit 16.
-            if constexpr (P == kExact)
+            if constexpr (P == P1)
                 y = add16(y, shiftRightU16(mulLow16(z, lanes(k.gain)), 15));
         }
         if constexpr (!OUT_FULL)
@@ -102,124 +100,47 @@ protected:
 private:
     static constexpr Vector lanes(std::uint16_t value)
     {
-        return VECTOR == kRGBLanes ? v4i(value) : v8i(value);
+        return VECTOR == V0 ? v4i(value) : v8i(value);
     }
 };
-
-namespace details {
-
-/// (v 2^n k + 32768) >> 16 in signed lanes, for the gain of video levels of `IN_BITS` to a full
-/// range of `OUT_BITS`.
-template<int IN_BITS, int OUT_BITS>
-KSX_INLINE Vector scaleLevels(Vector v)
-{
-    constexpr RescaleConstants k = rescaleConstants(IN_BITS, false, OUT_BITS, true);
-    constexpr unsigned kGain = unsigned{k.gain} << k.shift;
-    constexpr unsigned kWhole = kGain >> 16;
-    constexpr unsigned kPart = kGain & 0xffff;
-    if constexpr (kPart % 2 == 0) {
-        static_assert(kWhole == 1 || kWhole == 4);
-        const Vector whole = kWhole == 1 ? v : shiftLeft16(v, 2);
-        return add16(whole, mulRound16(v, v8i(kPart / 2)));
-    } else {
-        static_assert(kWhole == 0 && kPart < 32768);
-        return add16(mulHigh16(v, v8i(kPart)), shiftRightU16(mulLow16(v, v8i(kPart)), 15));
-    }
-}
-
-} // namespace details
 
 /// Rescales `RGBv4`. 4 pixels a step. Plain.
 template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P>
 class RGBvX_RESCALE_T
     : public EachVector<RGBv4, 4,
-                        RGB_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P, kRGBLanes>> {
+                        RGB_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P, V0>> {
+public:
+    static constexpr Range kRange = Range::Kept;
 };
 
 /// Rescales `RGBv8`. 8 pixels a step. Plain.
 template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P>
 class RGBv8_RESCALE
     : public EachVector<RGBv8, 8,
-                        RGB_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P, kBGRALanes>> {
+                        RGB_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P, V1>> {
+public:
+    static constexpr Range kRange = Range::Kept;
 };
 
 template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P>
 class RGBv4_RESCALE : public RGBvX_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P> {
-public:
-    using TwinOnRGBv8 = RGBv8_RESCALE<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P>;
-};
-
-template<class STAGE>
-requires requires
-{
-    typename STAGE::TwinOnRGBv8;
-}
-struct Twin<STAGE> {
-    using type = typename STAGE::TwinOnRGBv8;
 };
 
 /// Rescales all lanes of `BGRAv8`, alpha like a colour. 2 pixels a step. Plain.
 template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P>
 class BGRAv8_RESCALE_T
     : public EachVector<BGRAv8, 2,
-                        RGB_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P, kBGRALanes>> {
+                        RGB_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P, V1>> {
+public:
+    static constexpr Range kRange = Range::Kept;
 };
 
 template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P>
 class BGRAv8_RESCALE : public BGRAv8_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P> {
 };
 
-namespace details {
-
-/// The rescale of full-range codes of 8 bits as one rounding multiplication, where 2^n k is a power
-/// of two times a factor that fits:
-///
-///     (2^n k x + 32768) >> 16 = (2^s x m + 16384) >> 15          2^n k = 2^(s + 1) m
-template<int OUT_BITS, bool OUT_FULL>
-class RescaleBytes {
-    static constexpr RescaleConstants k = rescaleConstants(8, true, OUT_BITS, OUT_FULL);
-    static constexpr unsigned kGain = unsigned{k.gain} << k.shift;
-    static constexpr int s = std::countr_zero(kGain) - 1;
-    static constexpr unsigned m = kGain >> (s + 1);
-
-public:
-    static constexpr bool kFits = s >= 0 && m < 32768 && (255u << s) < 32768;
-
-protected:
-    static constexpr int kBlack = k.outBlack;
-
-    /// Without the black of video levels.
-    KSX_INLINE static Vector scaled(Vector x) { return mulRound16(shiftLeft16(x, s), v8i(m)); }
-    KSX_INLINE static Vector apply(Vector x)
-    {
-        return OUT_FULL ? scaled(x) : add16(scaled(x), v8i(kBlack));
-    }
-};
-
-template<int OUT_BITS, bool OUT_FULL>
-class BGRAv8_RESCALE_BYTES : public EachVector<BGRAv8, 2, RescaleBytes<OUT_BITS, OUT_FULL>> {
-};
-
-template<int OUT_BITS, bool OUT_FULL>
-class RGBv8_RESCALE_BYTES : public EachVector<RGBv8, 8, RescaleBytes<OUT_BITS, OUT_FULL>> {
-};
-
-} // namespace details
-
-/// From bytes, whatever their order.
-template<class UNPACK, int OUT_BITS, bool OUT_FULL>
-requires(UNPACK::kGivesBytes&& details::RescaleBytes<OUT_BITS, OUT_FULL>::kFits) struct MergedForm<
-    UNPACK, BGRAv8_RESCALE<8, true, OUT_BITS, OUT_FULL, P1>> {
-    using type = StageList<UNPACK, details::BGRAv8_RESCALE_BYTES<OUT_BITS, OUT_FULL>>;
-};
-template<class UNPACK, int OUT_BITS, bool OUT_FULL>
-requires(UNPACK::kGivesBytes&& details::RescaleBytes<OUT_BITS, OUT_FULL>::kFits) struct MergedForm<
-    UNPACK, RGBv8_RESCALE<8, true, OUT_BITS, OUT_FULL, P1>> {
-    using type = StageList<UNPACK, details::RGBv8_RESCALE_BYTES<OUT_BITS, OUT_FULL>>;
-};
-
 /// Rescales the colour lanes of `BGRAv8`; alpha passes. 2 pixels a step. Plain.
-template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P = kExact>
+template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P = P1>
 class BGRAv8_RESCALE_KEEPALPHA : public BGRAv8_RESCALE<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P> {
 public:
     KSX_INLINE Pixels<BGRAv8, 2> step(const Pixels<BGRAv8, 2>& in) const

@@ -1,19 +1,12 @@
-/// How an entry function picks the walker of its pipeline for the picture at hand.
+/// How an entry function selects the `Transform` for the picture at hand.
 #pragma once
 
 #include "conversion/ConversionEntries.h"
+#include "conversion/fast/Rules.h"
+#include "conversion/pipeline/By601Lines.h"
 #include "conversion/pipeline/Transform.h"
 
 namespace KSX::PixelConversion {
-
-/// The height of a picture of 625 lines. Nothing but the height tells the primaries of Rec. 601
-/// for 625 lines from those for 525.
-constexpr unsigned kPALHeight = 576;
-
-/// Stands in the place of a pipeline where the conversion changes to or from Rec. 601: `PAL` has
-/// the primaries of 625 lines, `NTSC` those of 525, which serve every other height too.
-template<class PAL, class NTSC>
-struct By601Lines;
 
 namespace details {
 
@@ -27,10 +20,10 @@ void transform(unsigned width, unsigned height, void* dst, unsigned dstRowBytes,
                                                 nullptr);
 }
 
-/// The walker of `PIPELINE` for a picture: the one without tails where the width is a multiple of
-/// the block, and the general one otherwise.
+/// Selects the `Transform` of `PIPELINE` for a picture: the one without tails if the width is a
+/// multiple of the block, and the general one otherwise.
 template<class PIPELINE>
-struct Walker {
+struct Selection {
     static ConversionSignature* pick(unsigned width, unsigned /*height*/)
     {
         using P = AsPipeline<PIPELINE>;
@@ -48,11 +41,11 @@ struct Walker {
 };
 
 template<class PAL, class NTSC>
-struct Walker<By601Lines<PAL, NTSC>> {
+struct Selection<By601Lines<PAL, NTSC>> {
     static ConversionSignature* pick(unsigned width, unsigned height)
     {
-        return height == kPALHeight ? Walker<PAL>::pick(width, height)
-                                    : Walker<NTSC>::pick(width, height);
+        return height == kPALHeight ? Selection<PAL>::pick(width, height)
+                                    : Selection<NTSC>::pick(width, height);
     }
 };
 
@@ -63,8 +56,8 @@ struct Walker<By601Lines<PAL, NTSC>> {
     void NAME(unsigned width, unsigned height, void* dst, unsigned dstRowBytes, void* src,         \
               unsigned srcRowBytes)                                                                \
     {                                                                                              \
-        details::Walker<__VA_ARGS__>::pick(width, height)(width, height, dst, dstRowBytes, src,    \
-                                                          srcRowBytes);                            \
+        details::Selection<__VA_ARGS__>::pick(width, height)(width, height, dst, dstRowBytes, src, \
+                                                             srcRowBytes);                         \
     }
 
 } // namespace KSX::PixelConversion

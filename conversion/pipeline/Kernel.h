@@ -57,6 +57,13 @@ KSX_INLINE void unrolled(F&& f)
     (std::make_integer_sequence<unsigned, END - BEGIN>{});
 }
 
+/// What a stage promises of the codes that it gives, alpha left out.
+enum class Range {
+    Any,   ///< nothing
+    Kept,  ///< within the range of their depth, if those that it takes are
+    Given, ///< within the range of their depth, whatever it takes
+};
+
 /// The base of every stage: a step takes `IN` pixels and gives `OUT`.
 template<unsigned IN, unsigned OUT>
 class Kernel {
@@ -64,6 +71,8 @@ public:
     static constexpr unsigned kIn = IN;
     static constexpr unsigned kOut = OUT;
     static constexpr unsigned kPart = IN;
+    /// A stage that keeps its range says so; silence promises nothing.
+    static constexpr Range kRange = Range::Any;
 
     /// For stages that are steered from outside. There is none at present.
     virtual void setUserContext(const void* /*context*/) {}

@@ -37,13 +37,6 @@ struct RGBv4 : Representation<12, 1> {};
 /// Three vectors R, G, B, a pixel a lane of 16 bits. 8 pixels.
 struct RGBv8 : Representation<6, 1> {};
 
-/// Three vectors Y, Cb, Cr, a pixel a lane of 16 bits. 8 pixels.
-struct YUVv8 : Representation<6, 1> {};
-
-/// The same with a fourth vector for alpha.
-struct YUVAv8 : Representation<8, 1> {};
-struct RGBAv8 : Representation<8, 1> {};
-
 /// 4:2:2. Cb, Y, Cr, Y of a pixel pair in 16 bits each, then of the next pair. 4 pixels a vector.
 struct UYVYv8 : Representation<4, 1> {};
 

@@ -13,9 +13,9 @@ namespace KSX::PixelConversion {
 template<class PIPELINE>
 struct RowLimits;
 
-template<unsigned BLOCK, class... STAGES, unsigned LINE, bool MERGE>
-struct RowLimits<Pipeline<BLOCK, StageList<STAGES...>, LINE, MERGE>> {
-    using P = Pipeline<BLOCK, StageList<STAGES...>, LINE, MERGE>;
+template<unsigned BLOCK, class... STAGES, unsigned LINE, class RULES>
+struct RowLimits<Pipeline<BLOCK, StageList<STAGES...>, LINE, RULES>> {
+    using P = Pipeline<BLOCK, StageList<STAGES...>, LINE, RULES>;
     using First = std::tuple_element_t<0, std::tuple<STAGES...>>;
     using Input = typename First::Input;
 

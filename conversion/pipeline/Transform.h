@@ -1,7 +1,7 @@
 /// Walks a picture row by row and runs a pipeline over each row, block by block.
 #pragma once
 
-#include "conversion/pipeline/Pipeline.h"
+#include "conversion/pipeline/Composition.h"
 
 #include <cstddef>
 #include <cstring>

@@ -10,11 +10,9 @@
 /// v216 needs no stage: it is `UYVYv8` as it lies in memory.
 #pragma once
 
-#include "conversion/colour/BitDepth.h"
 #include "conversion/pipeline/EachVector.h"
-#include "conversion/pipeline/Pipeline.h"
+#include "conversion/pipeline/Kernel.h"
 #include "conversion/pipeline/VectorConstants.h"
-#include "conversion/stages/V210.h"
 
 namespace KSX::PixelConversion {
 
@@ -50,27 +48,6 @@ class PACK_BGRAv8_TO_B64A : public EachVector<BGRAv8, 2, details::ReverseBytes> 
 /// step.
 class UNPACK_L64A_TO_BGRAv8 : public EachVector<BGRAv8, 2, details::ReverseLanes> {};
 
-namespace details {
-
-/// Rounds 16-bit samples to 8 bits. What the rounding carries over the top saturates there, as the
-/// pack to bytes behind it would have it.
-class RoundTo8Bits {
-protected:
-    KSX_INLINE static Vector apply(Vector x)
-    {
-        return shiftRightU16(addSaturateU16(x, v8i(128)), 8);
-    }
-};
-
-class BGRAv8_ROUND_TO_8_BITS : public EachVector<BGRAv8, 2, RoundTo8Bits> {};
-
-} // namespace details
-
-template<class PACK>
-requires(PACK::kSaturatesTo8Bits) struct MergedForm<BGRAv8_BITDEPTH<-8, 16>, PACK> {
-    using type = StageList<details::BGRAv8_ROUND_TO_8_BITS, PACK>;
-};
-
 // --- 4:2:2 in 16-bit samples ---------------------------------------------------------------------
 
 /// Unpacks v212 to UYVYv8. 4 pixels a step: 16 bytes in, 1 vector out.
@@ -87,36 +64,11 @@ public:
     }
 };
 
-namespace details {
-
-/// Rounds 16-bit samples to 10 bits, at most 1023. The low four bits of v212 lie below what counts.
-class UYVYv8_ROUND_TO_10_BITS : public Kernel<4, 4> {
-public:
-    using Input = UYVYv8;
-    using Output = UYVYv8;
-
-    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
-    {
-        return {{shiftRightU16(addSaturateU16(in[0], v8i(32)), 6)}};
-    }
-};
-
-} // namespace details
-
-template<>
-struct MergedForm<UNPACK_V212_TO_UYVYv8, UYVYv8_BITDEPTH<-2, 16>, PACK_UYVYv8_TO_V210> {
-    using type = StageList<details::UYVYv8_ROUND_TO_10_BITS, details::PACK_LIMITED_UYVYv8_TO_V210>;
-};
-template<>
-struct MergedForm<UYVYv8_BITDEPTH<-6, 16>, PACK_UYVYv8_TO_V210> {
-    using type = StageList<details::UYVYv8_ROUND_TO_10_BITS, details::PACK_LIMITED_UYVYv8_TO_V210>;
-};
-
 // --- Floats --------------------------------------------------------------------------------------
 
 /// The scale between codes of `BITS` bits and floats.
 template<int BITS>
-inline constexpr float kLargestCode = (1 << BITS) - 1;
+inline constexpr float kCodesOfOne = (1 << BITS) - 1;
 
 namespace details {
 
@@ -126,7 +78,7 @@ template<int BITS>
 KSX_INLINE Pixels<BGRAv8, 4> codesOf(const Pixels<Packed<12>, 4>& in)
 {
     const auto codes = [](Vector pixel) KSX_INLINE_LAMBDA {
-        return toNearest32(mul(floatsOfBits(pixel), v4f(kLargestCode<BITS>)));
+        return toNearest32(mul(floatsOfBits(pixel), v4f(kCodesOfOne<BITS>)));
     };
     // a0 b0 c0 a1 | b1 c1 a2 b2 | c2 a3 b3 c3
     return {{packSaturate32To16(codes(in[0]), codes(combineShiftRightBytes<12>(in[1], in[0]))),
@@ -205,7 +157,7 @@ public:
 private:
     KSX_INLINE static FloatVector floats(Vector codes)
     {
-        const FloatVector scaled = mul(toFloats(codes), v4f(1 / kLargestCode<BITS>));
+        const FloatVector scaled = mul(toFloats(codes), v4f(1 / kCodesOfOne<BITS>));
         return min(max(scaled, v4f(0)), v4f(1));
     }
 };

@@ -13,7 +13,7 @@
 /// and the packs from them write 255.
 #pragma once
 
-#include "conversion/pipeline/Pipeline.h"
+#include "conversion/pipeline/Kernel.h"
 #include "conversion/pipeline/VectorConstants.h"
 
 namespace KSX::PixelConversion {
@@ -25,7 +25,8 @@ namespace KSX::PixelConversion {
 ///     out[i] = in[i]                                B, G, R, A, 0..255
 class UNPACK_BGRA_TO_BGRAv8 : public Kernel<4, 4> {
 public:
-    static constexpr bool kGivesBytes = true;
+    static constexpr int kLargestCode = 255;
+    static constexpr Range kRange = Range::Given;
     using Input = Packed<4>;
     using Output = BGRAv8;
 
@@ -92,10 +93,10 @@ namespace details {
 template<int R, int G, int B>
 class UNPACK_BYTES_TO_RGBv4 : public Kernel<4, 4> {
 public:
+    static constexpr int kByteOf[3] = {R, G, B};
+    static constexpr Range kRange = Range::Given;
     using Input = Packed<4>;
     using Output = RGBv4;
-    static constexpr bool kUnpacksBytesToRGBv4 = true;
-    static constexpr int kBytes[3] = {R, G, B};
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
@@ -128,7 +129,8 @@ namespace details {
 template<int R, int G, int B>
 class UNPACK_BYTES_TO_RGBv8 : public Kernel<8, 8> {
 public:
-    static constexpr bool kGivesBytes = true;
+    static constexpr int kLargestCode = 255;
+    static constexpr Range kRange = Range::Given;
     using Input = Packed<4>;
     using Output = RGBv8;
 
@@ -152,17 +154,12 @@ public:
 /// Unpacks BGRA to RGBv8. 8 pixels a step: 32 bytes in, 3 vectors out. Drops alpha.
 class UNPACK_BGRA_TO_RGBv8 : public details::UNPACK_BYTES_TO_RGBv8<2, 1, 0> {};
 
-template<class UNPACK>
-requires(UNPACK::kUnpacksBytesToRGBv4) struct Twin<UNPACK> {
-    using type =
-        details::UNPACK_BYTES_TO_RGBv8<UNPACK::kBytes[0], UNPACK::kBytes[1], UNPACK::kBytes[2]>;
-};
-
 // --- Between representations ---------------------------------------------------------------------
 
 /// Regroups BGRAv8 to RGBv4. 4 pixels a step: 2 vectors in, 3 out. Drops alpha.
 class BGRAv8_TO_RGBv4 : public Kernel<4, 4> {
 public:
+    static constexpr Range kRange = Range::Kept;
     using Input = BGRAv8;
     using Output = RGBv4;
 
@@ -180,6 +177,7 @@ public:
 /// behind see to it or do not look.
 class RGBv4_TO_BGRAv8 : public Kernel<4, 4> {
 public:
+    static constexpr Range kRange = Range::Kept;
     using Input = RGBv4;
     using Output = BGRAv8;
 
@@ -191,68 +189,13 @@ public:
     }
 };
 
-/// Regroups BGRAv8 to RGBAv8. 8 pixels a step: 4 vectors in, 4 out.
-class BGRAv8_TO_RGBAv8 : public Kernel<8, 8> {
-public:
-    using Input = BGRAv8;
-    using Output = RGBAv8;
-
-    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
-    {
-        const Vector even0 = interleaveLow16(in[0], in[1]); // B0 B2 G0 G2 R0 R2 A0 A2
-        const Vector odd0 = interleaveHigh16(in[0], in[1]); // B1 B3 G1 G3 R1 R3 A1 A3
-        const Vector even4 = interleaveLow16(in[2], in[3]);
-        const Vector odd4 = interleaveHigh16(in[2], in[3]);
-        const Vector bg0 = interleaveLow16(even0, odd0); // B0..B3 G0..G3
-        const Vector bg4 = interleaveLow16(even4, odd4);
-        const Vector ra0 = interleaveHigh16(even0, odd0); // R0..R3 A0..A3
-        const Vector ra4 = interleaveHigh16(even4, odd4);
-        return {{interleaveLow64(ra0, ra4), interleaveHigh64(bg0, bg4), interleaveLow64(bg0, bg4),
-                 interleaveHigh64(ra0, ra4)}};
-    }
-};
-
-/// Regroups RGBAv8 to BGRAv8. 8 pixels a step: 4 vectors in, 4 out.
-class RGBAv8_TO_BGRAv8 : public Kernel<8, 8> {
-public:
-    using Input = RGBAv8;
-    using Output = BGRAv8;
-
-    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
-    {
-        const Vector bgLow = interleaveLow16(in[2], in[1]);
-        const Vector bgHigh = interleaveHigh16(in[2], in[1]);
-        const Vector raLow = interleaveLow16(in[0], in[3]);
-        const Vector raHigh = interleaveHigh16(in[0], in[3]);
-        return {{interleaveLow32(bgLow, raLow), interleaveHigh32(bgLow, raLow),
-                 interleaveLow32(bgHigh, raHigh), interleaveHigh32(bgHigh, raHigh)}};
-    }
-};
-
-/// Regroups RGBv8 to BGRAv8. 8 pixels a step: 3 vectors in, 4 out. The alpha lane is 65535.
-class RGBv8_TO_BGRAv8 : public Kernel<8, 8> {
-public:
-    using Input = RGBv8;
-    using Output = BGRAv8;
-
-    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
-    {
-        return RGBAv8_TO_BGRAv8().step({{in[0], in[1], in[2], vAllSet}});
-    }
-};
-
-template<>
-struct Twin<RGBv4_TO_BGRAv8> {
-    using type = RGBv8_TO_BGRAv8;
-};
-
 // --- From BGRAv8 ---------------------------------------------------------------------------------
 
 /// Packs BGRAv8 to BGRA. 4 pixels a step: 2 vectors in, 16 bytes out. Lanes saturate as signed
 /// values: below 0 gives 0, above 255 gives 255.
 class PACK_BGRAv8_TO_BGRA : public Kernel<4, 4> {
 public:
-    static constexpr bool kSaturatesTo8Bits = true;
+    static constexpr int kLargestCode = 255;
     using Input = BGRAv8;
     using Output = Packed<4>;
 
@@ -282,44 +225,6 @@ public:
     }
 };
 
-namespace details {
-
-/// The same from planes with alpha. Narrowed first, two components a vector, then interleaved
-/// twice. `R`, `G`, `B` and `A` are the bytes at which components lie in a pixel. 8 pixels a step:
-/// 4 vectors in, 32 bytes out.
-template<int R, int G, int B, int A>
-class PACK_RGBAv8_TO_BYTES : public Kernel<8, 8> {
-public:
-    using Input = RGBAv8;
-    using Output = Packed<4>;
-
-    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
-    {
-        const Vector c02 = packSaturate16ToU8(in[plane(0)], in[plane(2)]);
-        const Vector c13 = packSaturate16ToU8(in[plane(1)], in[plane(3)]);
-        const Vector c01 = interleaveLow8(c02, c13);
-        const Vector c23 = interleaveHigh8(c02, c13);
-        return {{interleaveLow16(c01, c23), interleaveHigh16(c01, c23)}};
-    }
-
-private:
-    static constexpr unsigned plane(int byte)
-    {
-        return byte == R ? 0 : byte == G ? 1 : byte == B ? 2 : 3;
-    }
-};
-
-} // namespace details
-
-template<>
-struct Twin<PACK_BGRAv8_TO_BGRA> {
-    using type = details::PACK_RGBAv8_TO_BYTES<2, 1, 0, 3>;
-};
-template<>
-struct Twin<PACK_BGRAv8_TO_RGBA> {
-    using type = details::PACK_RGBAv8_TO_BYTES<0, 1, 2, 3>;
-};
-
 // --- From RGBv4 and RGBv8 ------------------------------------------------------------------------
 
 namespace details {
@@ -332,10 +237,9 @@ namespace details {
 template<int R, int G, int B, int A>
 class PACK_RGBv4_TO_BYTES : public Kernel<4, 4> {
 public:
+    static constexpr int kByteOf[4] = {R, G, B, A};
     using Input = RGBv4;
     using Output = Packed<4>;
-    static constexpr bool kPacksRGBv4ToBytes = true;
-    static constexpr int kBytes[4] = {R, G, B, A};
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
@@ -372,6 +276,21 @@ class PACK_RGBv4_TO_RGBA : public details::PACK_RGBv4_TO_BYTES<0, 1, 2, 3> {};
 
 namespace details {
 
+/// Planes of 8 pixels as 4-byte pixels, saturating. Narrowed first, two components a vector, then
+/// interleaved twice. `R`, `G`, `B` and `A` are the bytes at which components lie in a pixel.
+template<int R, int G, int B, int A>
+KSX_INLINE Pixels<Packed<4>, 8> interleaveBytes(Vector r, Vector g, Vector b, Vector a)
+{
+    const auto at = [&](int byte) KSX_INLINE_LAMBDA {
+        return byte == R ? r : byte == G ? g : byte == B ? b : a;
+    };
+    const Vector c02 = packSaturate16ToU8(at(0), at(2));
+    const Vector c13 = packSaturate16ToU8(at(1), at(3));
+    const Vector c01 = interleaveLow8(c02, c13);
+    const Vector c23 = interleaveHigh8(c02, c13);
+    return {{interleaveLow16(c01, c23), interleaveHigh16(c01, c23)}};
+}
+
 /// The same from RGBv8.
 template<int R, int G, int B, int A>
 class PACK_RGBv8_TO_BYTES : public Kernel<8, 8> {
@@ -382,8 +301,7 @@ public:
 
     KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
     {
-        const PACK_RGBAv8_TO_BYTES<R, G, B, A> pack;
-        return pack.step({{in[0], in[1], in[2], v8i_0xff}});
+        return interleaveBytes<R, G, B, A>(in[0], in[1], in[2], v8i_0xff);
     }
 };
 
@@ -392,12 +310,6 @@ public:
 /// Packs RGBv8 to BGRA, saturating, with an alpha of 255. 8 pixels a step: 3 vectors in, 32 bytes
 /// out.
 class PACK_RGBv8_TO_BGRA : public details::PACK_RGBv8_TO_BYTES<2, 1, 0, 3> {};
-
-template<class PACK>
-requires(PACK::kPacksRGBv4ToBytes) struct Twin<PACK> {
-    using type = details::PACK_RGBv8_TO_BYTES<PACK::kBytes[0], PACK::kBytes[1], PACK::kBytes[2],
-                                              PACK::kBytes[3]>;
-};
 
 // --- Bytes to bytes ------------------------------------------------------------------------------
 
@@ -480,108 +392,6 @@ public:
     {
         return {{reverseBytes32(in[0])}};
     }
-};
-
-// --- Merged forms --------------------------------------------------------------------------------
-
-namespace details {
-
-/// Unpacks 4-byte pixels straight to planes with alpha. Components lie in a pixel as in BGRA, or in
-/// ARGB, which is the `REVERSED` order. 8 pixels a step: 32 bytes in, 4 vectors out.
-template<bool REVERSED>
-class UNPACK_BYTES_TO_RGBAv8 : public Kernel<8, 8> {
-public:
-    using Input = Packed<4>;
-    using Output = RGBAv8;
-
-    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
-    {
-        constexpr int R = REVERSED ? 1 : 2, G = 3 - R, B = REVERSED ? 3 : 0, A = 3 - B;
-        const Vector redBlue = v16i(R, -1, R + 4, -1, R + 8, -1, R + 12, -1, //
-                                    B, -1, B + 4, -1, B + 8, -1, B + 12, -1);
-        const Vector greenAlpha = v16i(G, -1, G + 4, -1, G + 8, -1, G + 12, -1, //
-                                       A, -1, A + 4, -1, A + 8, -1, A + 12, -1);
-        const Vector rb0 = shuffleBytes(in[0], redBlue);
-        const Vector rb4 = shuffleBytes(in[1], redBlue);
-        const Vector ga0 = shuffleBytes(in[0], greenAlpha);
-        const Vector ga4 = shuffleBytes(in[1], greenAlpha);
-        return {{interleaveLow64(rb0, rb4), interleaveLow64(ga0, ga4), interleaveHigh64(rb0, rb4),
-                 interleaveHigh64(ga0, ga4)}};
-    }
-};
-
-} // namespace details
-
-template<>
-struct MergedForm<UNPACK_BGRA_TO_BGRAv8, BGRAv8_TO_RGBAv8> {
-    using type = StageList<details::UNPACK_BYTES_TO_RGBAv8<false>>;
-};
-template<>
-struct MergedForm<UNPACK_ARGB_TO_BGRAv8, BGRAv8_TO_RGBAv8> {
-    using type = StageList<details::UNPACK_BYTES_TO_RGBAv8<true>>;
-};
-template<class PACK>
-requires(std::same_as<typename Twin<PACK>::type::Input, RGBAv8>) struct MergedForm<RGBAv8_TO_BGRAv8,
-                                                                                   PACK> {
-    using type = StageList<typename Twin<PACK>::type>;
-};
-
-/// From one order of bytes straight to another, with an alpha of 255. A byte can't saturate, so one
-/// byte shuffle and an OR stand for the cut and the join. 4 pixels a step: 16 bytes in, 16 bytes
-/// out.
-template<class UNPACK, class PACK>
-class REORDER_OPAQUE_BYTES : public Kernel<4, 4> {
-public:
-    using Input = Packed<4>;
-    using Output = Packed<4>;
-
-    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
-    {
-        return {{bitOr(shuffleBytes(in[0], vector(kOrder)), vector(kOpaque))}};
-    }
-
-private:
-    struct Bytes {
-        std::int8_t at[16];
-    };
-
-    static constexpr Bytes order()
-    {
-        Bytes from{};
-        for (int pixel = 0; pixel < 16; pixel += 4) {
-            for (int c = 0; c < 3; ++c)
-                from.at[pixel + PACK::kBytes[c]] =
-                    static_cast<std::int8_t>(pixel + UNPACK::kBytes[c]);
-            from.at[pixel + PACK::kBytes[3]] = -1; // a zero byte
-        }
-        return from;
-    }
-
-    static constexpr Bytes opaque()
-    {
-        Bytes alpha{};
-        for (int pixel = 0; pixel < 16; pixel += 4)
-            alpha.at[pixel + PACK::kBytes[3]] = -1;
-        return alpha;
-    }
-
-    KSX_INLINE static Vector vector(const Bytes& bytes) { return load(bytes.at); }
-
-    alignas(16) static constexpr Bytes kOrder = order();
-    alignas(16) static constexpr Bytes kOpaque = opaque();
-};
-
-template<class UNPACK, class PACK>
-requires(UNPACK::kUnpacksBytesToRGBv4&& PACK::kPacksRGBv4ToBytes) struct MergedForm<UNPACK, PACK> {
-    using type = StageList<REORDER_OPAQUE_BYTES<UNPACK, PACK>>;
-};
-
-// Straight to 3 bytes: the alpha that is added on the way is dropped again.
-template<class UNPACK>
-requires(
-    UNPACK::kUnpacksBytesToRGBv4) struct MergedForm<UNPACK, PACK_RGBv4_TO_RGBA, PACK_RGBA_TO_RGB> {
-    using type = StageList<
-        details::PACK_BYTES_TO_RGB<UNPACK::kBytes[0], UNPACK::kBytes[1], UNPACK::kBytes[2]>>;
 };
 
 } // namespace KSX::PixelConversion

@@ -9,7 +9,7 @@
 #pragma once
 
 #include "conversion/colour/Flags.h"
-#include "conversion/pipeline/Pipeline.h"
+#include "conversion/pipeline/Kernel.h"
 #include "conversion/pipeline/VectorConstants.h"
 
 namespace KSX::PixelConversion {
@@ -31,6 +31,7 @@ KSX_INLINE Vector exchangeBytes(Vector v)
 ///     out[i] = in[i]
 class UNPACK_UYVY_TO_UYVYv8 : public Kernel<8, 8> {
 public:
+    static constexpr Range kRange = Range::Given;
     using Input = Packed<2>;
     using Output = UYVYv8;
 
@@ -73,32 +74,6 @@ public:
     }
 };
 
-namespace details {
-
-/// From one byte order of 4:2:2 straight to the other. 8 pixels a step: 16 bytes in, 16 bytes out.
-class EXCHANGE_BYTES : public Kernel<8, 8> {
-public:
-    using Input = Packed<2>;
-    using Output = Packed<4, 2>;
-
-    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
-    {
-        const Vector order = v16i(1, 0, 3, 2, 5, 4, 7, 6, 9, 8, 11, 10, 13, 12, 15, 14);
-        return {{shuffleBytes(in[0], order)}};
-    }
-};
-
-} // namespace details
-
-template<>
-struct MergedForm<UNPACK_UYVY_TO_UYVYv8, PACK_UYVYv8_TO_YUY2> {
-    using type = StageList<details::EXCHANGE_BYTES>;
-};
-template<>
-struct MergedForm<UNPACK_YUY2_TO_UYVYv8, PACK_UYVYv8_TO_UYVY> {
-    using type = StageList<details::EXCHANGE_BYTES>;
-};
-
 // --- 4:4:4 ---------------------------------------------------------------------------------------
 
 namespace details {
@@ -113,6 +88,7 @@ namespace details {
 template<int CHROMA_BYTE>
 class UNPACK_422_TO_UYVY444v8 : public Kernel<8, 8> {
 public:
+    static constexpr Range kRange = Range::Given;
     using Input = Packed<2>;
     using Output = UYVY444v8;
 
@@ -149,39 +125,6 @@ private:
     }
 };
 
-/// The same to planes, YUVv8. 8 pixels a step: 16 bytes in, 3 vectors out. Looks ahead.
-template<int CHROMA_BYTE>
-class UNPACK_422_TO_YUVv8 : public Kernel<8, 8> {
-public:
-    using Input = Packed<2>;
-    using Output = YUVv8;
-
-    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in, Vector next) const
-    {
-        return unpack(in[0], combineShiftRightBytes<4>(next, in[0]));
-    }
-
-    KSX_INLINE Pixels<Output, 8> lastStep(const Pixels<Input, 8>& in) const
-    {
-        return unpack(in[0], shuffle32<1, 2, 3, 3>(in[0]));
-    }
-
-private:
-    /// Means of all bytes, of which those of chroma count. Beside the stored ones they make the
-    /// chroma of a pixel pair: Cb even, Cb odd, Cr even, Cr odd.
-    KSX_INLINE static Pixels<Output, 8> unpack(Vector v, Vector successors)
-    {
-        const Vector mean = averageU8(v, successors);
-        const Vector chroma = CHROMA_BYTE == 0
-                                  ? bitOr(bitAnd(v, v8i_0xff), shiftLeft16(mean, 8))
-                                  : bitOr(shiftRightU16(v, 8), bitAndNot(v8i_0xff, mean));
-        const Vector luma = CHROMA_BYTE == 0 ? shiftRightU16(v, 8) : bitAnd(v, v8i_0xff);
-        const Vector cb = v16i(0, -1, 1, -1, 4, -1, 5, -1, 8, -1, 9, -1, 12, -1, 13, -1);
-        const Vector cr = v16i(2, -1, 3, -1, 6, -1, 7, -1, 10, -1, 11, -1, 14, -1, 15, -1);
-        return {{luma, shuffleBytes(chroma, cb), shuffleBytes(chroma, cr)}};
-    }
-};
-
 } // namespace details
 
 template<SseFlag>
@@ -190,15 +133,6 @@ class UNPACK_UYVY_TO_UYVY444v8_T : public details::UNPACK_422_TO_UYVY444v8<0> {
 
 template<SseFlag>
 class UNPACK_YUY2_TO_UYVY444v8_T : public details::UNPACK_422_TO_UYVY444v8<1> {
-};
-
-template<SseFlag S>
-struct Twin<UNPACK_UYVY_TO_UYVY444v8_T<S>> {
-    using type = details::UNPACK_422_TO_YUVv8<0>;
-};
-template<SseFlag S>
-struct Twin<UNPACK_YUY2_TO_UYVY444v8_T<S>> {
-    using type = details::UNPACK_422_TO_YUVv8<1>;
 };
 
 } // namespace KSX::PixelConversion

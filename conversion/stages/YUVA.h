@@ -10,10 +10,8 @@
 
 #include "conversion/colour/ChromaReconstruction.h"
 #include "conversion/colour/Flags.h"
-#include "conversion/pipeline/Pipeline.h"
+#include "conversion/pipeline/Kernel.h"
 #include "conversion/pipeline/VectorConstants.h"
-#include "conversion/stages/RGB10.h"
-#include "conversion/stages/V210.h"
 
 namespace KSX::PixelConversion {
 
@@ -32,6 +30,7 @@ KSX_INLINE Vector yuvOf(Vector words)
 /// Plain.
 class UNPACK_YUVA_TO_UYVYv8 : public Kernel<4, 4> {
 public:
+    static constexpr Range kRange = Range::Given;
     using Input = Packed<4>;
     using Output = UYVYv8;
 
@@ -46,7 +45,7 @@ public:
 /// pair that stands behind it in memory.
 template<PixelCenterFlag C>
 class UNPACK_YUVA : public Kernel<4, 4> {
-    static_assert(C == kCoSited);
+    static_assert(C == C0);
 
 public:
     using Input = Packed<16, 4>;
@@ -71,46 +70,6 @@ private:
         const auto pixels = rebuildChroma(yuv, next);
         return {{pixels[0], pixels[1], bitAnd(shiftRightU32(words, 20), v4i_0x3ff)}};
     }
-};
-
-namespace details {
-
-/// The same to planes. 8 pixels a step: 32 bytes in, 4 vectors out. Looks ahead. Fields lie in a
-/// word as those of R210 do: alpha as R, chroma as G, Y as B.
-class UNPACK_YUVA_TO_YUVAv8 : public Kernel<8, 8> {
-    using Fields = UNPACK_RGB10_TO_RGBv8<0, true>;
-
-public:
-    using Input = Packed<16, 4>;
-    using Output = YUVAv8;
-
-    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in, Vector next) const
-    {
-        return unpack(Fields().step({{in[0], in[1]}}), Fields::greenOf(next));
-    }
-
-    KSX_INLINE Pixels<Output, 8> lastStep(const Pixels<Input, 8>& in) const
-    {
-        const auto fields = Fields().step({{in[0], in[1]}});
-        return unpack(fields, shiftRightBytes<12>(fields[1]));
-    }
-
-private:
-    /// `next` begins with the chroma pair behind the pixels.
-    KSX_INLINE static Pixels<Output, 8> unpack(const Pixels<RGBv8, 8>& fields, Vector next)
-    {
-        const Vector even = fields[1]; // Cb Cr of each pair
-        const Vector odd = averageU16(even, combineShiftRightBytes<4>(next, even));
-        return {{fields[2], bitOr(bitAnd(even, v4i_0xffff), shiftLeft32(odd, 16)),
-                 bitOr(shiftRightU32(even, 16), bitAndNot(v4i_0xffff, odd)), fields[0]}};
-    }
-};
-
-} // namespace details
-
-template<PixelCenterFlag C>
-struct Twin<UNPACK_YUVA<C>> {
-    using type = details::UNPACK_YUVA_TO_YUVAv8;
 };
 
 /// Adds an alpha of 1023 to UYVYv8: opaque in Ay10, and in ay10 above the 940 that is opaque there,
@@ -141,12 +100,6 @@ public:
         constexpr Vector weights = v4i(1 << 16 | 1024);
         return {{reverseBytes32(bitOr(mulAddPairs16(yuv, weights), shiftLeft32(alpha, 20)))}};
     }
-};
-
-/// Samples of 10 bits lie inside the limits of v210.
-template<>
-struct MergedForm<UNPACK_YUVA_TO_UYVYv8, PACK_UYVYv8_TO_V210> {
-    using type = StageList<UNPACK_YUVA_TO_UYVYv8, details::PACK_LIMITED_UYVYv8_TO_V210>;
 };
 
 } // namespace KSX::PixelConversion

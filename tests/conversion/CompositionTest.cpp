@@ -1,4 +1,4 @@
-/// How stages become a pipeline: nesting, repetition, merged forms.
+/// How stages become a pipeline: nesting, repetition, rewriting.
 #include "conversion/pipeline/Transform.h"
 
 #include <array>
@@ -50,7 +50,7 @@ public:
     }
 };
 
-/// A merged form of such stages.
+/// A form of such stages.
 template<int ID, unsigned N, class... PARTS>
 class FORM : public PLAIN<ID, N> {
 public:
@@ -74,32 +74,25 @@ using AThenBThenC = FORM<8, 8, A, B, C>;
 using SingleOnEights = FORM<9, 8, Single>;
 using BOnEights = FORM<0, 8, B>;
 
-} // namespace
-} // namespace kestrix::test
+using KSX::PixelConversion::StageList;
 
-namespace KSX::PixelConversion {
-
-template<>
-struct MergedForm<kestrix::test::A, kestrix::test::B> {
-    using type = StageList<kestrix::test::AThenB>;
+struct Pair {
+    static StageList<AThenB> form(StageList<A, B>);
 };
-template<>
-struct MergedForm<kestrix::test::A, kestrix::test::B, kestrix::test::C> {
-    using type = StageList<kestrix::test::AThenBThenC>;
+struct Triple {
+    static StageList<AThenBThenC> form(StageList<A, B, C>);
 };
-template<>
-struct MergedForm<kestrix::test::C, kestrix::test::B> {
-    using type = StageList<kestrix::test::C, kestrix::test::BOnEights>;
+struct SecondOfTwo {
+    static StageList<C, BOnEights> form(StageList<C, B>);
 };
-template<>
-struct MergedForm<kestrix::test::Single> {
-    using type = StageList<kestrix::test::SingleOnEights>;
+struct Alone {
+    static StageList<SingleOnEights> form(StageList<Single>);
 };
-
-} // namespace KSX::PixelConversion
-
-namespace kestrix::test {
-namespace {
+/// Never taken: the rule in front of it fits the same run.
+struct LaterPair {
+    static StageList<B> form(StageList<A, B>);
+};
+using Rules = KSX::PixelConversion::RuleList<Pair, Triple, SecondOfTwo, Alone, LaterPair>;
 
 using namespace KSX::PixelConversion;
 
@@ -124,18 +117,18 @@ TEST(Composition, HandsTheUserContextToEveryStage)
         void setUserContext(const void* context) override { contexts.push_back(context); }
     };
     const int context = 0;
-    Transform<BIND<Listener, Listener>, kWholeBlocks, 8>::apply(nullptr, 0, nullptr, 0, 0, 0,
-                                                                &context);
+    Transform<AsListed<BIND<Listener, Listener>>, kWholeBlocks, 8>::apply(nullptr, 0, nullptr, 0, 0,
+                                                                          0, &context);
     EXPECT_EQ(contexts, (std::vector<const void*>{&context, &context}));
 }
 
-/// Runs `PIPELINE` over three blocks, merged and as listed, and returns the IDs of the stages that
-/// ran in the merged one.
+/// Runs `PIPELINE` over three blocks, as listed and by the rules, and returns the IDs of the stages
+/// that ran by the rules.
 template<class PIPELINE>
 std::string idsThatRan()
 {
     constexpr unsigned kWidth = 3 * PIPELINE::kBlock;
-    std::vector<std::uint32_t> src(kWidth), listed(kWidth), merged(kWidth);
+    std::vector<std::uint32_t> src(kWidth), listed(kWidth), rewritten(kWidth);
     std::iota(src.begin(), src.end(), 1000u);
 
     s_steps.fill(0);
@@ -145,9 +138,9 @@ std::string idsThatRan()
         EXPECT_EQ(s_steps[form], 0);
 
     s_steps.fill(0);
-    Transform<PIPELINE, kWholeBlocks, 8>::apply(src.data(), 0, merged.data(), 0, kWidth, 1,
-                                                nullptr);
-    EXPECT_EQ(merged, listed);
+    Transform<typename PIPELINE::template ByRules<Rules>, kWholeBlocks, 8>::apply(
+        src.data(), 0, rewritten.data(), 0, kWidth, 1, nullptr);
+    EXPECT_EQ(rewritten, listed);
 
     std::string ids;
     for (std::size_t id = 0; id < s_steps.size(); ++id)
@@ -156,7 +149,7 @@ std::string idsThatRan()
     return ids;
 }
 
-TEST(MergedForms, TakeTheLongestRunWhoseStepDividesTheBlock)
+TEST(Rewriting, TakesTheLongestRunWhoseStepDividesTheBlock)
 {
     EXPECT_EQ((idsThatRan<BIND<A, B>>()), "7");
     EXPECT_EQ((idsThatRan<BIND3<A, B, C>>()), "37") << "8 does not divide a block of 4";

@@ -1,0 +1,113 @@
+/// How one block of pixels runs through the stages of a pipeline.
+#pragma once
+
+#include "conversion/pipeline/Rewriting.h"
+
+#include <concepts>
+#include <cstddef>
+#include <tuple>
+
+namespace KSX::PixelConversion {
+
+/// The stage objects of a pipeline, and the step of one block through them.
+///
+/// Work inside a block is ordered by need: a group of the last stage calls for the groups before it
+/// that it lacks, and so on down to the loads. So only what a few pixels need lives at once, which
+/// in blocks of 24 to 96 pixels is what keeps the vectors in registers. All of that is settled when
+/// the pipeline is compiled; what is left is straight code.
+template<unsigned BLOCK, class LIST>
+class Composition;
+
+template<unsigned BLOCK, class... STAGES>
+class Composition<BLOCK, StageList<STAGES...>> {
+    static constexpr unsigned kCount = sizeof...(STAGES);
+
+    template<unsigned I>
+    using StageAt = std::tuple_element_t<I, std::tuple<STAGES...>>;
+
+    template<unsigned I>
+    static consteval bool connects()
+    {
+        if constexpr (I + 1 < kCount)
+            return std::same_as<typename StageAt<I>::Output, typename StageAt<I + 1>::Input> &&
+                   !LooksAhead<StageAt<I + 1>> && connects<I + 1>();
+        else
+            return true;
+    }
+    static_assert(connects<0>(), "a stage takes what the one before it gives, and only the first, "
+                                 "which reads the row, can look ahead");
+
+public:
+    using Input = typename StageAt<0>::Input;
+    using Output = typename StageAt<kCount - 1>::Output;
+    static constexpr unsigned kInBytes = Pixels<Input, BLOCK>::kBytes;
+    static constexpr unsigned kOutBytes = Pixels<Output, BLOCK>::kBytes;
+    static constexpr bool kLooksBack = (LooksBack<STAGES> || ...);
+
+    void setUserContext(const void* context)
+    {
+        std::apply([&](auto&... stage) { (stage.setUserContext(context), ...); }, m_stages);
+    }
+
+    /// Reads a block at `src`, runs it through all stages and stores it at `dst`. `FIRST` and `END`
+    /// tell the stages that look back or ahead that the block begins or ends its row, as in `Nx`.
+    template<bool FIRST, unsigned END>
+    KSX_INLINE void block(const std::byte* src, std::byte* dst)
+    {
+        Between between;
+        unrolled<0, BLOCK / StageAt<kCount - 1>::kPart>([&]<unsigned GROUP>() KSX_INLINE_LAMBDA {
+            run<kCount - 1, GROUP, FIRST, END>(src, dst, between);
+        });
+    }
+
+private:
+    /// What each stage has given so far, a block long. Constant indices only, so none of it is ever
+    /// in memory unless registers run out.
+    using Between = std::tuple<Pixels<typename STAGES::Output, BLOCK>...>;
+
+    static constexpr unsigned groupsFor(unsigned pixels, unsigned step)
+    {
+        return (pixels + step - 1) / step;
+    }
+
+    template<unsigned I, unsigned GROUP, bool FIRST, unsigned END>
+    KSX_INLINE void run(const std::byte* src, std::byte* dst, Between& between)
+    {
+        using S = StageAt<I>;
+        using In = InputOf<S>;
+        using Out = OutputOf<S>;
+        const std::byte* const groupSrc = src + GROUP * In::kBytes;
+
+        In in;
+        if constexpr (I == 0) {
+            unrolled<0, In::kVectors>([&]<unsigned V>() KSX_INLINE_LAMBDA {
+                in[V] = load(groupSrc + In::template offset<V>());
+            });
+        } else {
+            constexpr unsigned kStep = StageAt<I - 1>::kPart;
+            unrolled<groupsFor(GROUP * S::kPart, kStep), groupsFor((GROUP + 1) * S::kPart, kStep)>(
+                [&]<unsigned BEFORE>()
+                    KSX_INLINE_LAMBDA { run<I - 1, BEFORE, FIRST, END>(src, dst, between); });
+            unrolled<0, In::kVectors>([&]<unsigned V>() KSX_INLINE_LAMBDA {
+                in[V] = std::get<I - 1>(between)[GROUP * In::kVectors + V];
+            });
+        }
+
+        const Out out = std::get<I>(m_stages).template group<GROUP, FIRST, END>(in, groupSrc);
+
+        unrolled<0, Out::kVectors>([&]<unsigned V>() KSX_INLINE_LAMBDA {
+            if constexpr (I == kCount - 1)
+                store(dst + GROUP * Out::kBytes + Out::template offset<V>(), out[V]);
+            else
+                std::get<I>(between)[GROUP * Out::kVectors + V] = out[V];
+        });
+    }
+
+    std::tuple<Nx<BLOCK / STAGES::kPart, STAGES>...> m_stages;
+};
+
+/// The stage objects that run `PIPELINE` in blocks of `BLOCK` pixels, by its rules.
+template<class PIPELINE, unsigned BLOCK = PIPELINE::kBlock>
+using CompositionOf = Composition<BLOCK, typename RewrittenIn<PIPELINE, BLOCK>::Stages>;
+
+} // namespace KSX::PixelConversion
