@@ -263,55 +263,52 @@ struct Regroup {
 using Rules =
     RuleList<Bytes, BytesWithAlpha, RGB10, YUV422, YUVA, Matrix, Depth, Levels, Primaries, Regroup>;
 
+template<class STAGE, class RULE, class... RULES>
+consteval auto find(RuleList<RULE, RULES...>)
+{
+    if constexpr (Fits<RULE, StageList<STAGE>>)
+        return std::type_identity<RULE>{};
+    else if constexpr (sizeof...(RULES) != 0)
+        return find<STAGE>(RuleList<RULES...>{});
+    else
+        return std::type_identity<void>{};
+}
+
+/// The rule for one stage, or void.
+template<class STAGE>
+using RuleFor = typename decltype(find<STAGE>(Rules{}))::type;
+
+template<class LIST>
+struct OnlyStage;
+template<class STAGE>
+struct OnlyStage<StageList<STAGE>> {
+    using type = STAGE;
+};
+
+/// The form of a stage that has a rule.
+template<class STAGE>
+using Form = typename OnlyStage<FormBy<RuleFor<STAGE>, StageList<STAGE>>>::type;
+
 } // namespace planes
 
 /// Stages that all have a form on planes, from one that reads another representation to one that
 /// gives another, run on planes.
 struct OnPlanes {
-private:
-    template<class STAGE, class RULE, class... RULES>
-    static consteval auto find(RuleList<RULE, RULES...>)
-    {
-        if constexpr (Fits<RULE, StageList<STAGE>>)
-            return std::type_identity<RULE>{};
-        else if constexpr (sizeof...(RULES) != 0)
-            return find<STAGE>(RuleList<RULES...>{});
-        else
-            return std::type_identity<void>{};
-    }
-
-    template<class LIST>
-    struct Single;
-    template<class STAGE>
-    struct Single<StageList<STAGE>> {
-        using type = STAGE;
-    };
-
-public:
-    /// The rule for one stage, or void.
-    template<class STAGE>
-    using RuleFor = typename decltype(find<STAGE>(planes::Rules{}))::type;
-
-private:
-    template<class STAGE>
-    using Form = typename Single<FormBy<RuleFor<STAGE>, StageList<STAGE>>>::type;
-
     template<class... RUN>
     static consteval bool fits()
     {
-        if constexpr (sizeof...(RUN) >= 2 && (!std::is_void_v<RuleFor<RUN>> && ...)) {
+        if constexpr (sizeof...(RUN) >= 2 && (!std::is_void_v<planes::RuleFor<RUN>> && ...)) {
             using First = std::tuple_element_t<0, std::tuple<RUN...>>;
             using Last = std::tuple_element_t<sizeof...(RUN) - 1, std::tuple<RUN...>>;
-            return std::same_as<typename First::Input, typename Form<First>::Input> &&
-                   std::same_as<typename Last::Output, typename Form<Last>::Output>;
+            return std::same_as<typename First::Input, typename planes::Form<First>::Input> &&
+                   std::same_as<typename Last::Output, typename planes::Form<Last>::Output>;
         } else {
             return false;
         }
     }
 
-public:
     template<class... RUN>
-    requires(fits<RUN...>()) static StageList<Form<RUN>...> form(StageList<RUN...>);
+    requires(fits<RUN...>()) static StageList<planes::Form<RUN>...> form(StageList<RUN...>);
 };
 
 } // namespace fast

@@ -35,11 +35,16 @@ concept Fits = requires(RUN run)
 template<class RULE, class RUN>
 using FormBy = decltype(RULE::form(RUN{}));
 
-/// A list of stages, and the rules that made it, each once for every time that it was taken.
-template<class STAGES, class RULES>
+/// A rule that was taken, and the run that it fitted.
+template<class RULE, class RUN>
+struct Taken {
+};
+
+/// A list of stages, and a list of what was `Taken` to make it.
+template<class STAGES, class STEPS>
 struct Rewritten {
     using Stages = STAGES;
-    using Rules = RULES;
+    using Steps = STEPS;
 };
 
 namespace details {
@@ -88,10 +93,10 @@ consteval auto firstThatFits(RuleList<RULE, RULES...>, RUN run)
 /// Moves stages from `todo` to `done`, trying runs of `LENGTH` stages and fewer.
 template<unsigned BLOCK, class RULES, std::size_t LENGTH, class... DONE, class... TODO,
          class... USED>
-consteval auto rewriteOnce(StageList<DONE...> done, StageList<TODO...> todo, RuleList<USED...> used)
+consteval auto rewriteOnce(StageList<DONE...> done, StageList<TODO...> todo, StageList<USED...> used)
 {
     if constexpr (sizeof...(TODO) == 0) {
-        return Rewritten<StageList<DONE...>, RuleList<USED...>>{};
+        return Rewritten<StageList<DONE...>, StageList<USED...>>{};
     } else if constexpr (LENGTH == 0) {
         using Rest = Split<1, StageList<>, StageList<TODO...>>;
         using Grown = typename Concatenate<StageList<DONE...>, typename Rest::Head>::type;
@@ -105,7 +110,7 @@ consteval auto rewriteOnce(StageList<DONE...> done, StageList<TODO...> todo, Rul
         } else {
             using Grown = typename Concatenate<StageList<DONE...>, FormBy<Rule, Run>>::type;
             return rewriteOnce<BLOCK, RULES, sizeof...(TODO) - LENGTH>(
-                Grown{}, typename Rest::Tail{}, RuleList<USED..., Rule>{});
+                Grown{}, typename Rest::Tail{}, StageList<USED..., Taken<Rule, Run>>{});
         }
     }
 }
@@ -119,7 +124,7 @@ consteval auto rewrite(StageList<STAGES...> stages, USED used)
     if constexpr (std::same_as<typename Once::Stages, StageList<STAGES...>>)
         return Once{};
     else
-        return rewrite<BLOCK, RULES>(typename Once::Stages{}, typename Once::Rules{});
+        return rewrite<BLOCK, RULES>(typename Once::Stages{}, typename Once::Steps{});
 }
 
 template<class PIPELINE, unsigned BLOCK>
@@ -127,7 +132,7 @@ struct Rewrite;
 
 template<unsigned LISTED, class LIST, unsigned LINE, class RULES, unsigned BLOCK>
 struct Rewrite<Pipeline<LISTED, LIST, LINE, RULES>, BLOCK> {
-    using type = decltype(rewrite<BLOCK, RULES>(LIST{}, RuleList<>{}));
+    using type = decltype(rewrite<BLOCK, RULES>(LIST{}, StageList<>{}));
 };
 
 } // namespace details

@@ -1,6 +1,6 @@
 /// Prints docs/conversions.md, and fails where what the stages ask of rows is not what the scalar
 /// reference says.
-#include "docs/printed/EntriesThatTellTheirLimits.h"
+#include "docs/printed/EntriesThatTellTheirPipelines.h"
 #include "docs/printed/FormatNames.h"
 #include "tests/reference/Conversions.h"
 #include "tests/support/AllConversions.h"
@@ -61,7 +61,7 @@ int main()
         const auto reference = reference::rowConversion(entry);
         const auto pixels = reference::bytesOfPixels(reference::layoutOf(entry.srcFormat));
 
-        ToldLimits limits;
+        ToldPipeline limits;
         entry.function(0, 0, &limits, 0, nullptr, 0);
         std::size_t behind = 0;
         bool agrees = limits.leastWidth == reference.leastWidth;

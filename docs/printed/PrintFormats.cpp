@@ -1,7 +1,7 @@
 /// Prints docs/formats.md: sizes from the list of formats, bits from the layouts that the tests of
 /// all conversions read and write by, limits from the stages, helpers from the lookup and the
 /// shader.
-#include "docs/printed/EntriesThatTellTheirLimits.h"
+#include "docs/printed/EntriesThatTellTheirPipelines.h"
 #include "docs/printed/FormatNames.h"
 #include "tests/reference/Conversions.h"
 
@@ -122,14 +122,14 @@ void printFormats()
 
 unsigned leastWidthOf(ConversionFunction function)
 {
-    ToldLimits limits;
+    ToldPipeline limits;
     function(0, 0, &limits, 0, nullptr, 0);
     return limits.leastWidth;
 }
 
 std::size_t readsBehind(const ConversionEntry& entry)
 {
-    ToldLimits limits;
+    ToldPipeline limits;
     entry.function(0, 0, &limits, 0, nullptr, 0);
     if (!limits.bytesRead)
         return 0;
