@@ -73,9 +73,9 @@ private:
     template<unsigned I, unsigned GROUP, bool FIRST, unsigned END>
     KSX_INLINE void run(const std::byte* src, std::byte* dst, Between& between)
     {
-        using S = StageAt<I>;
-        using In = InputOf<S>;
-        using Out = OutputOf<S>;
+        using Current = StageAt<I>;
+        using In = InputOf<Current>;
+        using Out = OutputOf<Current>;
         const std::byte* const groupSrc = src + GROUP * In::kBytes;
 
         In in;
@@ -85,7 +85,8 @@ private:
             });
         } else {
             constexpr unsigned kStep = StageAt<I - 1>::kPart;
-            unrolled<groupsFor(GROUP * S::kPart, kStep), groupsFor((GROUP + 1) * S::kPart, kStep)>(
+            unrolled<groupsFor(GROUP * Current::kPart, kStep),
+                     groupsFor((GROUP + 1) * Current::kPart, kStep)>(
                 [&]<unsigned BEFORE>()
                     KSX_INLINE_LAMBDA { run<I - 1, BEFORE, FIRST, END>(src, dst, between); });
             unrolled<0, In::kVectors>([&]<unsigned V>() KSX_INLINE_LAMBDA {

@@ -10,14 +10,14 @@ namespace KSX::PixelConversion {
 
 namespace details {
 
-/// Runs `P` with the arguments of a `ConversionFunction`.
-template<class P, unsigned FLAGS>
+/// Runs `PIPELINE` with the arguments of a `ConversionFunction`.
+template<class PIPELINE, unsigned FLAGS>
 void transform(unsigned width, unsigned height, void* dst, unsigned dstRowBytes, void* src,
                unsigned srcRowBytes)
 {
-    Transform<P, FLAGS, kPrefetchBlocks>::apply(src, static_cast<int>(srcRowBytes), dst,
-                                                static_cast<int>(dstRowBytes), width, height,
-                                                nullptr);
+    Transform<PIPELINE, FLAGS, kPrefetchBlocks>::apply(src, static_cast<int>(srcRowBytes), dst,
+                                                       static_cast<int>(dstRowBytes), width, height,
+                                                       nullptr);
 }
 
 /// Selects the `Transform` of `PIPELINE` for a picture: the one without tails if the width is a

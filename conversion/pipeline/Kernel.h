@@ -35,7 +35,7 @@
 /// only, and a step that is called costs more than it does. Builds for debugging and for sanitizers
 /// keep the functions apart: they check each one once instead of every copy of it, which takes a
 /// twentieth of the time to compile.
-#if defined(__OPTIMIZE__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#if defined(__OPTIMIZE__) && !defined(KSX_KEEP_FUNCTIONS)
 #define KSX_INLINE [[gnu::always_inline]] inline
 #define KSX_INLINE_LAMBDA __attribute__((always_inline))
 #else
@@ -47,8 +47,8 @@ namespace KSX::PixelConversion {
 
 /// Calls `f.operator()<I>()` for each I from `BEGIN` to `END` - 1: a loop whose index is a constant
 /// in every round, which is what lets vectors in arrays become registers.
-template<unsigned BEGIN, unsigned END, class F>
-KSX_INLINE void unrolled(F&& f)
+template<unsigned BEGIN, unsigned END, class FUNCTION>
+KSX_INLINE void unrolled(FUNCTION&& f)
 {
     [&]<unsigned... I>(std::integer_sequence<unsigned, I...>) KSX_INLINE_LAMBDA
     {
@@ -78,63 +78,69 @@ public:
     virtual void setUserContext(const void* /*context*/) {}
 };
 
-template<class S>
-using InputOf = Pixels<typename S::Input, S::kPart>;
+template<class STAGE>
+using InputOf = Pixels<typename STAGE::Input, STAGE::kPart>;
 
-template<class S>
-using OutputOf = Pixels<typename S::Output, S::kPart>;
+template<class STAGE>
+using OutputOf = Pixels<typename STAGE::Output, STAGE::kPart>;
 
-template<class S>
-concept LooksBack = requires(S& stage, const InputOf<S>& in)
+template<class STAGE>
+concept LooksBack = requires(STAGE& stage, const InputOf<STAGE>& in)
 {
     {
         stage.step(in)
-        } -> std::same_as<OutputOf<S>>;
+        } -> std::same_as<OutputOf<STAGE>>;
     {
         stage.firstStep(in)
-        } -> std::same_as<OutputOf<S>>;
+        } -> std::same_as<OutputOf<STAGE>>;
 };
 
-template<class S>
-concept LooksAhead = requires(S& stage, const InputOf<S>& in, Vector next)
+template<class STAGE>
+concept LooksAhead = requires(STAGE& stage, const InputOf<STAGE>& in, Vector next)
 {
     {
         stage.step(in, next)
-        } -> std::same_as<OutputOf<S>>;
+        } -> std::same_as<OutputOf<STAGE>>;
     {
         stage.lastStep(in)
-        } -> std::same_as<OutputOf<S>>;
+        } -> std::same_as<OutputOf<STAGE>>;
 };
 
 /// Looks ahead, and has copies for rows of one width.
-template<class S>
-concept EndsAtLines = LooksAhead<S> && requires(S& stage, const InputOf<S>& in)
+template<class STAGE>
+concept EndsAtLines = LooksAhead<STAGE> && requires(STAGE& stage, const InputOf<STAGE>& in)
 {
     {
         stage.template lastStepOf<1>(in)
-        } -> std::same_as<OutputOf<S>>;
+        } -> std::same_as<OutputOf<STAGE>>;
 };
 
-template<class S>
-concept Plain = requires(S& stage, const InputOf<S>& in)
+template<class STAGE>
+concept HasFirstStep = requires
+{
+    &STAGE::firstStep;
+};
+
+template<class STAGE>
+concept HasLastStep = requires
+{
+    &STAGE::lastStep;
+};
+
+template<class STAGE>
+concept Plain =
+    !HasFirstStep<STAGE> && !HasLastStep<STAGE> && requires(STAGE & stage, const InputOf<STAGE>& in)
 {
     {
         stage.step(in)
-        } -> std::same_as<OutputOf<S>>;
-}
-&&!requires(S & stage)
-{
-    &S::firstStep;
-}
-&&!requires(S & stage)
-{
-    &S::lastStep;
+        } -> std::same_as<OutputOf<STAGE>>;
 };
 
 /// A stage is of exactly one kind, and no stage changes the count of pixels.
-template<class S>
-concept Stage = std::derived_from<S, Kernel<S::kIn, S::kOut>> && S::kIn ==
-                    S::kOut&& S::kIn % S::kPart == 0 &&
-                (Plain<S> || LooksBack<S> || LooksAhead<S>);
+template<class STAGE>
+concept Stage = std::derived_from<STAGE, Kernel<STAGE::kIn, STAGE::kOut>> &&
+                (STAGE::kIn == STAGE::kOut) &&
+                (STAGE::kIn % STAGE::kPart == 0) &&
+                (Plain<STAGE> || LooksBack<STAGE> || LooksAhead<STAGE>);
 
 } // namespace KSX::PixelConversion

@@ -93,7 +93,8 @@ consteval auto firstThatFits(RuleList<RULE, RULES...>, RUN run)
 /// Moves stages from `todo` to `done`, trying runs of `LENGTH` stages and fewer.
 template<unsigned BLOCK, class RULES, std::size_t LENGTH, class... DONE, class... TODO,
          class... USED>
-consteval auto rewriteOnce(StageList<DONE...> done, StageList<TODO...> todo, StageList<USED...> used)
+consteval auto rewriteOnce(StageList<DONE...> done, StageList<TODO...> todo,
+                           StageList<USED...> used)
 {
     if constexpr (sizeof...(TODO) == 0) {
         return Rewritten<StageList<DONE...>, StageList<USED...>>{};
