@@ -98,6 +98,11 @@ extern const ConversionEntry conversions[kConversionCount];
 ConversionFunction GetConversionFunction(PixelFormat srcFormat, PixelFormat dstFormat,
                                          Colorspace srcColorspace, Colorspace dstColorspace);
 
+/// The least width, in pixels, of the rows that the conversions from `source` to RGB formats take:
+/// 0 where they leave a row of no pixels alone. Conversions to other formats have limits of their
+/// own, which docs/conversions.md lists.
+unsigned leastWidthToRGB(PixelFormat source);
+
 /// Copies `height` rows of `dstRowBytes` bytes each. The count of bytes is the destination's row
 /// size whatever the source's, so a source row must have as many readable bytes. `width` is unused.
 void CopyWithoutConversion(unsigned width, unsigned height, void* dst, unsigned dstRowBytes,

@@ -65,6 +65,8 @@ int main()
         entry.function(0, 0, &limits, 0, nullptr, 0);
         std::size_t behind = 0;
         bool agrees = limits.leastWidth == reference.leastWidth;
+        if (!reference::layoutOf(entry.dstFormat).is422())
+            agrees = agrees && limits.leastWidth == leastWidthToRGB(entry.srcFormat);
         for (unsigned width = std::max(1u, limits.leastWidth); width <= 4096; ++width) {
             const std::size_t read = reference.bytesRead(width);
             agrees = agrees && (limits.block == 0 || limits.bytesRead(width) == read);
