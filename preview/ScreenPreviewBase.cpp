@@ -2,22 +2,21 @@
 #include "preview/ScreenPreviewBase.h"
 
 #include "api/InterfaceRef.h"
+#include "conversion/Transform.h"
+#include "conversion/colour/StudioClamp.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
-#include <emmintrin.h>
 
 using namespace KSX::PixelConversion;
 
 namespace {
 
-constexpr std::size_t kBlockBytes = 16;
-constexpr std::size_t kPrefetchBytes = 128;
-
-/// The byte distance between rows behind a row size.
-std::ptrdiff_t strideOf(unsigned rowBytes)
+/// A row size as the signed distance to the next row.
+int strideOf(unsigned rowBytes)
 {
-    return static_cast<std::int32_t>(rowBytes);
+    return static_cast<int>(rowBytes);
 }
 
 bool is8BitRGB(PixelFormat format)
@@ -46,53 +45,11 @@ PixelFormat studioRangeForm(PixelFormat format)
     }
 }
 
-/// Limits 16 bytes to 16..235, the studio range of 8-bit RGB (ITU-R BT.709-6). Alpha is held to it
-/// as well.
-__m128i clampToStudioRange(__m128i bytes)
-{
-    return _mm_min_epu8(_mm_max_epu8(bytes, _mm_set1_epi8(16)),
-                        _mm_set1_epi8(static_cast<char>(235)));
-}
-
-void clampRowToStudioRange(std::size_t rowBytes, std::uint8_t* destination,
-                           const std::uint8_t* source)
-{
-    std::size_t at = 0;
-    for (; at + kBlockBytes <= rowBytes; at += kBlockBytes) {
-        _mm_prefetch(reinterpret_cast<const char*>(source + at + kPrefetchBytes), _MM_HINT_NTA);
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source + at));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(destination + at), clampToStudioRange(bytes));
-    }
-    if (at == rowBytes)
-        return;
-
-    // One to three pixels are left; what lies behind them belongs to somebody else.
-    alignas(kBlockBytes) std::uint8_t scratch[kBlockBytes] = {};
-    auto* const block = reinterpret_cast<__m128i*>(scratch);
-    _mm_prefetch(reinterpret_cast<const char*>(source + at + kPrefetchBytes), _MM_HINT_NTA);
-    std::memcpy(scratch, source + at, rowBytes - at);
-    _mm_store_si128(block, clampToStudioRange(_mm_load_si128(block)));
-    std::memcpy(destination + at, scratch, rowBytes - at);
-}
-
-void clampToStudioRange(unsigned width, unsigned height, void* destination,
-                        unsigned destinationRowBytes, const void* source, unsigned sourceRowBytes)
-{
-    auto* destinationRow = static_cast<std::uint8_t*>(destination);
-    const auto* sourceRow = static_cast<const std::uint8_t*>(source);
-    const auto rows = static_cast<std::int32_t>(height);
-    for (std::int32_t row = 0; row < rows; ++row) {
-        clampRowToStudioRange(std::size_t{width} * 4, destinationRow, sourceRow);
-        destinationRow += strideOf(destinationRowBytes);
-        sourceRow += strideOf(sourceRowBytes);
-    }
-}
-
 void copyRows(std::size_t copiedBytes, unsigned height, void* destination,
               unsigned destinationRowBytes, const void* source, unsigned sourceRowBytes)
 {
-    auto* destinationRow = static_cast<std::uint8_t*>(destination);
-    const auto* sourceRow = static_cast<const std::uint8_t*>(source);
+    auto* destinationRow = static_cast<std::byte*>(destination);
+    const auto* sourceRow = static_cast<const std::byte*>(source);
     for (unsigned row = 0; row < height; ++row) {
         std::memcpy(destinationRow, sourceRow, copiedBytes);
         destinationRow += strideOf(destinationRowBytes);
@@ -123,7 +80,8 @@ Colorspace ScreenPreviewBase::frameColourspace(IKestrixVideoFrame* frame)
     return frame->GetWidth() == 720 ? Colorspace601 : Colorspace709;
 }
 
-bool ScreenPreviewBase::setup(IKestrixVideoFrame* frame, PixelFormat destinationFormat)
+bool ScreenPreviewBase::setup(IKestrixVideoFrame* frame, PixelFormat destinationFormat,
+                              std::uint64_t mostCopiedRowBytes)
 {
     if (!frame)
         return false;
@@ -139,7 +97,8 @@ bool ScreenPreviewBase::setup(IKestrixVideoFrame* frame, PixelFormat destination
 
     if (format == destinationFormat && m_colourspace == Colorspace709) {
         m_conversion = nullptr;
-        m_copiedRowBytes = static_cast<std::uint64_t>(frame->GetRowBytes());
+        m_copiedRowBytes =
+            std::min(static_cast<std::uint64_t>(frame->GetRowBytes()), mostCopiedRowBytes);
         return true;
     }
     m_conversion = GetConversionFunction(format, destinationFormat, m_colourspace, Colorspace709);
@@ -151,7 +110,9 @@ void ScreenPreviewBase::render(unsigned width, unsigned height, void* destinatio
                                unsigned sourceRowBytes) const
 {
     if (m_studioRangeRGB) {
-        clampToStudioRange(width, height, destination, destinationRowBytes, source, sourceRowBytes);
+        Transform<CLAMP_PACKED_RGB_TO_STUDIO, kAnyWidth, kPrefetchBlocks>::apply(
+            source, strideOf(sourceRowBytes), destination, strideOf(destinationRowBytes), width,
+            height, nullptr);
         source = destination;
         sourceRowBytes = destinationRowBytes;
     }

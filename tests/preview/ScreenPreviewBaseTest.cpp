@@ -130,7 +130,7 @@ void checkLines(const ScreenPreviewBase& preview, unsigned width, unsigned heigh
 TEST(PreviewRender, HoldsCapturedRGBWithinStudioRangeAndCopiesTheRest)
 {
     ScreenPreviewBase preview; // one for all: the frame before leaves nothing behind
-    for (unsigned width = 1; width <= 17; ++width)
+    for (unsigned width = 1; width <= 21; ++width)
         for (const unsigned height : {0u, 1u, 3u}) {
             MemoryFrameOptions options{
                 .width = width, .height = height, .format = kARGB, .captured = true};
