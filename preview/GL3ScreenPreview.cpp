@@ -44,19 +44,6 @@ HRESULT CGL3ScreenPreview::QueryInterface(REFIID id, void** out)
         this, IID_IKestrixGLScreenPreviewHelper, id, out);
 }
 
-std::uint32_t CGL3ScreenPreview::AddRef()
-{
-    return static_cast<std::uint32_t>(++m_referenceCount);
-}
-
-std::uint32_t CGL3ScreenPreview::Release()
-{
-    const std::uint64_t count = --m_referenceCount;
-    if (count == 0)
-        delete this;
-    return static_cast<std::uint32_t>(count);
-}
-
 HRESULT CGL3ScreenPreview::InitializeGL()
 {
     const std::lock_guard lock(m_mutex);

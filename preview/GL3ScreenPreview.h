@@ -3,8 +3,8 @@
 
 #include "api/InterfaceRef.h"
 #include "api/KestrixPreviewAPI.h"
+#include "api/ReferenceCounted.h"
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -24,17 +24,12 @@ enum class Preview3DFormat : std::int32_t {
 /// GL call of a paint is made under the mutex, so a frame's delivery never waits for the GPU.
 ///
 /// What each operation answers, and the GL state that it leaves, is told with the interface.
-class CGL3ScreenPreview final : public IKestrixGLScreenPreviewHelper {
+class CGL3ScreenPreview final : public ReferenceCounted<IKestrixGLScreenPreviewHelper> {
 public:
     /// Makes the colour tables if this is the process's first. May throw `std::bad_alloc`.
     CGL3ScreenPreview();
 
-    CGL3ScreenPreview(const CGL3ScreenPreview&) = delete;
-    CGL3ScreenPreview& operator=(const CGL3ScreenPreview&) = delete;
-
     HRESULT QueryInterface(REFIID id, void** out) override;
-    std::uint32_t AddRef() override;
-    std::uint32_t Release() override;
 
     HRESULT InitializeGL() override;
     HRESULT PaintGL() override;
@@ -47,7 +42,6 @@ private:
     /// Deletes the GL objects: the GL thread, the context current.
     ~CGL3ScreenPreview() override;
 
-    std::atomic<std::uint64_t> m_referenceCount{1};
     std::unique_ptr<Renderer> m_renderer;
 
     /// The frame that waits to be painted.
