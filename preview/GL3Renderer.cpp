@@ -2,16 +2,14 @@
 #include "preview/GL3Renderer.h"
 
 #include "api/ScopedBufferBytes.h"
-#include "conversion/KSXPixelConversion.h"
 #include "preview/PreviewShaders.h"
+#include "preview/ShaderFormats.h"
 
 #include <cstddef>
 #include <limits>
 #include <memory>
 #include <new>
 #include <utility>
-
-using namespace KSX::PixelConversion;
 
 namespace {
 
@@ -100,22 +98,11 @@ void setAttribute(GLuint program, const char* name, GLint components, std::size_
     gl3.EnableVertexAttribArray(location);
 }
 
-/// How a word of the frame becomes a texel, always as `GL_BGRA`. The shader's arithmetic counts on
-/// the bytes in memory order in b, g, r, a; in a, r, g, b for the formats named here.
+/// How the words of a frame become texels. A format that the shader does not know is uploaded too.
 GLenum texelType(std::uint32_t pixelFormat)
 {
-    switch (pixelFormat) {
-    case PixelFormat_ARGB:
-    case PixelFormat_vRGB:
-    case PixelFormat_r210:
-    case PixelFormat_R10L:
-    case PixelFormat_R10l:
-    case PixelFormat_R12B:
-    case fourCC("R12b"): // not among the engine's formats
-        return GL_UNSIGNED_INT_8_8_8_8;
-    default:
-        return GL_UNSIGNED_INT_8_8_8_8_REV;
-    }
+    const ShaderFormat* const format = findShaderFormat(pixelFormat);
+    return format ? format->texelType : GL_UNSIGNED_INT_8_8_8_8_REV;
 }
 
 /// The frame's `KestrixColorspaceCode`, 0 where it tells none.

@@ -2,13 +2,11 @@
 #include "preview/ScreenPreviewLut.h"
 
 #include "api/KestrixPreviewAPI.h"
-#include "conversion/KSXPixelConversion.h"
 #include "preview/ScreenPreviewLutFill.h"
+#include "preview/ShaderFormats.h"
 
 #include <cstddef>
 #include <new>
-
-using namespace KSX::PixelConversion;
 
 namespace {
 
@@ -30,30 +28,15 @@ void fillWithIdentity(float* table)
     }
 }
 
-/// The first of the four tables, 601 525-line, 601 625-line, 709, 2020, for a format's components
-/// and range.
-LutID firstTableFor(unsigned pixelFormat)
+/// What the shader unpacks from a format. One that it does not know is shown black by any table.
+LutInput inputOf(unsigned pixelFormat)
 {
-    switch (pixelFormat) {
-    case PixelFormat_2vuy:
-    case PixelFormat_Ay10:
-    case PixelFormat_v210:
-        return LutID_YCbCr_601_525;
-    case PixelFormat_BGRv:
-    case PixelFormat_R10b:
-    case PixelFormat_R10l:
-    case fourCC("R12b"): // not among the engine's formats
-    case PixelFormat_R12l:
-    case PixelFormat_r210:
-    case PixelFormat_vRGB:
-        return LutID_StudioRGB_601_525;
-    default:
-        return LutID_FullRGB_601_525;
-    }
+    const ShaderFormat* const format = findShaderFormat(pixelFormat);
+    return format ? format->input : LutInput::FullRGB;
 }
 
-/// Which of the four it is.
-LutID standardOf(unsigned width, unsigned height, unsigned colourspaceCode)
+/// Which of the four tables for an input it is.
+unsigned standardOf(unsigned width, unsigned height, unsigned colourspaceCode)
 {
     const bool is625Line = width == 720 && height == 576;
     const bool is525Line = width == 720 && (height == 480 || height == 486);
@@ -113,6 +96,6 @@ const float* ScreenPreviewLut::Get(unsigned width, unsigned height, unsigned pix
 LutID ScreenPreviewLut::GetID(unsigned width, unsigned height, unsigned pixelFormat,
                               unsigned colourspaceCode)
 {
-    return static_cast<LutID>(firstTableFor(pixelFormat) +
+    return static_cast<LutID>(static_cast<unsigned>(inputOf(pixelFormat)) +
                               standardOf(width, height, colourspaceCode));
 }

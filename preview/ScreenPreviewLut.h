@@ -24,6 +24,27 @@ enum LutID : std::uint32_t {
     LutID_BlueOnly = 14,
 };
 
+/// What goes into a table: the components of a pixel and their range. The value is the first of
+/// the four tables for it, which follow each other as above: 601 525-line, 601 625-line, 709, 2020.
+enum class LutInput : std::uint32_t {
+    YCbCr = LutID_YCbCr_601_525,
+    FullRGB = LutID_FullRGB_601_525,
+    StudioRGB = LutID_StudioRGB_601_525,
+};
+
+/// In words, for pages and messages.
+constexpr const char* nameOf(LutInput input)
+{
+    switch (input) {
+    case LutInput::YCbCr:
+        return "Y'CbCr";
+    case LutInput::StudioRGB:
+        return "studio-range RGB";
+    default:
+        return "full-range RGB";
+    }
+}
+
 /// How a table lies in memory.
 enum LutFormat : std::uint32_t {
     LutFormat_RGBA32F = 0, ///< four floats an entry: R, G, B, A

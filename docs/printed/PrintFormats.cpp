@@ -6,8 +6,7 @@
 #include "tests/reference/Conversions.h"
 
 #include "conversion/PixelFormats.h"
-#include "preview/PreviewShaders.h"
-#include "preview/ScreenPreviewLut.h"
+#include "preview/ShaderFormats.h"
 
 #include <algorithm>
 #include <array>
@@ -180,18 +179,10 @@ std::string fixedFunction(PixelFormat format, unsigned& leastWidth)
     return taken.empty() ? "-" : taken;
 }
 
-std::string openGL3(PixelFormat format)
+const char* openGL3(PixelFormat format)
 {
-    char label[32];
-    std::snprintf(label, sizeof label, "case 0x%08xu:", format);
-    const std::string shader = kFragmentShader;
-    if (shader.find(label) == shader.npos &&
-        shader.find("case " + std::to_string(format) + "u:") == shader.npos)
-        return "-";
-    const LutID table = ScreenPreviewLut::GetID(1920, 1080, format, 0);
-    return table < LutID_FullRGB_601_525     ? "Y'CbCr"
-           : table < LutID_StudioRGB_601_525 ? "full-range RGB"
-                                             : "studio-range RGB";
+    const ShaderFormat* const known = findShaderFormat(format);
+    return known ? nameOf(known->input) : "-";
 }
 
 void printHelpers()
@@ -200,8 +191,7 @@ void printHelpers()
         unsigned leastWidth = 0;
         const std::string taken = fixedFunction(format.code, leastWidth);
         std::printf("| %s | %s | %s | %s |\n", nameOf(format.code).c_str(), taken.c_str(),
-                    taken == "-" ? "" : std::to_string(leastWidth).c_str(),
-                    openGL3(format.code).c_str());
+                    taken == "-" ? "" : std::to_string(leastWidth).c_str(), openGL3(format.code));
     }
 }
 

@@ -3,13 +3,11 @@
 
 #include "conversion/PixelFormats.h"
 #include "host/Owned.h"
-#include "preview/PreviewShaders.h"
 #include "preview/ScreenPreviewBase.h"
 #include "preview/ScreenPreviewLut.h"
+#include "preview/ShaderFormats.h"
 
 #include <array>
-#include <cstdio>
-#include <string_view>
 
 namespace preview_host {
 namespace {
@@ -85,25 +83,11 @@ std::string fixedFunctionDecision(IKestrixVideoFrame* frame)
                       findPixelFormat(frame->GetPixelFormat())->name + " to RGBA of Rec. 709");
 }
 
-/// Whether the shader has a case for the format.
-bool shaderKnows(std::uint32_t format)
-{
-    const std::string_view shader = kFragmentShader;
-    std::array<char, 32> label{};
-    for (const char* form : {"case 0x%08xu:", "case %uu:"}) {
-        std::snprintf(label.data(), label.size(), form, format);
-        if (shader.find(label.data()) != shader.npos)
-            return true;
-    }
-    return false;
-}
-
 std::string openGL3Decision(IKestrixVideoFrame* frame)
 {
     // Tables follow one another by what goes in and then by colourspace.
     constexpr std::array kColorspaces = {"Rec. 601 of 525 lines", "Rec. 601 of 625 lines",
                                          "Rec. 709", "Rec. 2020"};
-    constexpr std::array kInputs = {"Y'CbCr", "full-range RGB", "studio-range RGB"};
 
     const auto width = static_cast<unsigned>(frame->GetWidth());
     const auto height = static_cast<unsigned>(frame->GetHeight());
@@ -111,13 +95,13 @@ std::string openGL3Decision(IKestrixVideoFrame* frame)
     const auto code = statedCode(frame);
     const LutID table = ScreenPreviewLut::GetID(width, height, format, code.value_or(0));
     const std::string size = std::to_string(width) + "x" + std::to_string(height);
+    const ShaderFormat* const known = findShaderFormat(format);
     std::string reason = " by size " + size;
     if (code)
         reason = *code == ColorspaceCodeRec601 ? " as stated and by size " + size : " as stated";
     return kColorspaces[table % kColorspaces.size()] + reason + "; " +
-           (shaderKnows(format)
-                ? "colour table " + std::to_string(table) + ", " +
-                      kInputs[table / kColorspaces.size()]
+           (known
+                ? "colour table " + std::to_string(table) + ", " + nameOf(known->input)
                 : std::string("black: the shader does not know ") + findPixelFormat(format)->name);
 }
 

@@ -94,7 +94,7 @@ EQUIVALENT = [
      "written before it is read, and deleted only after that"),
     (r"ScreenPreviewLut.cpp: < to <=: .*id < kTables",
      "null is written over null behind the tables, which only the asan preset sees"),
-    (r"GLScreenPreview.cpp: other failure: .* after if \(!slot\)$", "of two slots one is always free"),
+    (r"GLScreenPreview.cpp: other failure: .* after if \(!m_free\)$", "of two slots one is always free"),
 ]
 
 
