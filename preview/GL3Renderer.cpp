@@ -2,13 +2,11 @@
 #include "preview/GL3Renderer.h"
 
 #include "api/ScopedBufferBytes.h"
-#include "preview/PreviewShaders.h"
 #include "preview/ShaderFormats.h"
 
 #include <cstddef>
 #include <limits>
 #include <memory>
-#include <new>
 #include <utility>
 
 namespace {
@@ -52,57 +50,22 @@ void setSampling(GLenum target)
     gl3.TexParameteri(target, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
 }
 
-void setSampler(GLuint program, const char* name, GLint unit)
-{
-    gl3.UseProgram(program);
-    gl3.Uniform1i(gl3.GetUniformLocation(program, name), unit);
-    gl3.UseProgram(0);
-}
-
-/// Fetches the log of a build that failed, for whoever traces GL calls; the library shows no text.
-/// A shader's or a program's log by `getInfoLog`.
-void fetchLog(GLuint name, PFNGLGETSHADERINFOLOGPROC getInfoLog)
-{
-    // Asked of a program too, which is an error to the GL and leaves the length at 0.
-    GLint length = 0;
-    gl3.GetShaderiv(name, GL_INFO_LOG_LENGTH, &length);
-    if (length <= 0)
-        return;
-    const std::unique_ptr<GLchar[]> log(new (std::nothrow)
-                                            GLchar[static_cast<std::size_t>(length)]);
-    if (log)
-        getInfoLog(name, length, nullptr, log.get());
-}
-
-bool compileShader(GLuint& shader, GLenum type, const GLchar* source)
-{
-    shader = gl3.CreateShader(type);
-    gl3.ShaderSource(shader, 1, &source, nullptr);
-    gl3.CompileShader(shader);
-
-    GLint compiled = GL_FALSE;
-    gl3.GetShaderiv(shader, GL_COMPILE_STATUS, &compiled);
-    if (compiled == GL_FALSE)
-        fetchLog(shader, gl3.GetShaderInfoLog);
-    return compiled != GL_FALSE;
-}
-
-/// Points the attribute `name` at its floats within a `Vertex` of the bound array buffer.
-void setAttribute(GLuint program, const char* name, GLint components, std::size_t offset)
-{
-    const auto location = static_cast<GLuint>(gl3.GetAttribLocation(program, name));
-    gl3.EnableVertexAttribArray(location);
-    gl3.VertexAttribPointer(
-        location, components, GL_FLOAT, GL_TRUE, sizeof(Vertex),
-        reinterpret_cast<const void*>(offset)); // NOLINT(performance-no-int-to-ptr): GL takes it so
-    gl3.EnableVertexAttribArray(location);
-}
-
 /// How the words of a frame become texels. A format that the shader does not know is uploaded too.
 GLenum texelType(std::uint32_t pixelFormat)
 {
     const ShaderFormat* const format = findShaderFormat(pixelFormat);
     return format ? format->texelType : GL_UNSIGNED_INT_8_8_8_8_REV;
+}
+
+/// How many eyes lie beside each other in the picture, and how many above each other.
+GLsizei eyesAcross(Preview3DFormat format)
+{
+    return format == Preview3DFormat::SideBySide ? 2 : 1;
+}
+
+GLsizei eyesDown(Preview3DFormat format)
+{
+    return format == Preview3DFormat::TopBottom ? 2 : 1;
 }
 
 /// The frame's `KestrixColorspaceCode`, 0 where it tells none.
@@ -134,37 +97,13 @@ HRESULT CGL3ScreenPreview::Renderer::init()
     gl3.GenVertexArrays(1, &m_vertexArray);
     gl3.BindVertexArray(m_vertexArray);
 
-    const HRESULT status = makeProgram();
-    if (status < 0)
-        return status;
+    if (!m_program.build())
+        return E_FAIL;
     makeQuad();
     makeFrameTexture();
     makeLutTexture();
 
-    m_pixelFormatLocation = gl3.GetUniformLocation(m_program, "fPixelFormat");
-    m_frameSizeLocation = gl3.GetUniformLocation(m_program, "fFrameSize");
-    m_3DFormatLocation = gl3.GetUniformLocation(m_program, "v3DFormat");
-    m_flipLocation = gl3.GetUniformLocation(m_program, "vFlip");
-    return S_OK;
-}
-
-HRESULT CGL3ScreenPreview::Renderer::makeProgram()
-{
-    if (!compileShader(m_vertexShader, GL_VERTEX_SHADER, kVertexShader) ||
-        !compileShader(m_fragmentShader, GL_FRAGMENT_SHADER, kFragmentShader))
-        return E_FAIL;
-
-    m_program = gl3.CreateProgram();
-    gl3.AttachShader(m_program, m_vertexShader);
-    gl3.AttachShader(m_program, m_fragmentShader);
-    gl3.LinkProgram(m_program);
-
-    GLint linked = GL_FALSE;
-    gl3.GetProgramiv(m_program, GL_LINK_STATUS, &linked);
-    if (linked == GL_FALSE) {
-        fetchLog(m_program, gl3.GetProgramInfoLog);
-        return E_FAIL;
-    }
+    m_program.findUniforms();
     return S_OK;
 }
 
@@ -173,8 +112,8 @@ void CGL3ScreenPreview::Renderer::makeQuad()
     gl3.GenBuffers(1, &m_vertexBuffer);
     gl3.BindBuffer(GL_ARRAY_BUFFER, m_vertexBuffer);
     gl3.BufferData(GL_ARRAY_BUFFER, sizeof(kQuad), kQuad, GL_STATIC_DRAW);
-    setAttribute(m_program, "vPosition", 3, offsetof(Vertex, position));
-    setAttribute(m_program, "vTexCoord", 2, offsetof(Vertex, texture));
+    m_program.setAttribute("vPosition", 3, sizeof(Vertex), offsetof(Vertex, position));
+    m_program.setAttribute("vTexCoord", 2, sizeof(Vertex), offsetof(Vertex, texture));
     gl3.BindBuffer(GL_ARRAY_BUFFER, 0);
 
     gl3.GenBuffers(1, &m_indexBuffer);
@@ -188,7 +127,7 @@ void CGL3ScreenPreview::Renderer::makeFrameTexture()
     gl3.GenTextures(1, &m_frameTexture);
     bindTexture(0, GL_TEXTURE_2D, m_frameTexture);
     setSampling(GL_TEXTURE_2D);
-    setSampler(m_program, "fTex", kFrameUnit);
+    m_program.setSampler("fTex", kFrameUnit);
     bindTexture(0, GL_TEXTURE_2D, 0);
 }
 
@@ -199,14 +138,12 @@ void CGL3ScreenPreview::Renderer::makeLutTexture()
     setSampling(GL_TEXTURE_3D);
     gl3.TexImage3D(GL_TEXTURE_3D, 0, GL_RGBA, kLutEdge, kLutEdge, kLutEdge, 0, GL_RGBA, GL_FLOAT,
                    ScreenPreviewLut::Get(m_lutID, LutFormat_RGBA32F));
-    setSampler(m_program, "fLut", kLutUnit);
+    m_program.setSampler("fLut", kLutUnit);
     bindTexture(0, GL_TEXTURE_3D, 0);
 }
 
 void CGL3ScreenPreview::Renderer::cleanup()
 {
-    m_pixelFormatLocation = 0;
-    m_frameSizeLocation = 0;
     m_width = 0;
     m_height = 0;
     m_pixelFormat = 0;
@@ -221,12 +158,7 @@ void CGL3ScreenPreview::Renderer::cleanup()
     m_indexBuffer = 0;
     gl3.DeleteBuffers(1, &m_vertexBuffer);
     m_vertexBuffer = 0;
-    gl3.DeleteProgram(m_program);
-    m_program = 0;
-    gl3.DeleteShader(m_fragmentShader);
-    m_fragmentShader = 0;
-    gl3.DeleteShader(m_vertexShader);
-    m_vertexShader = 0;
+    m_program.cleanup();
     gl3.DeleteVertexArrays(1, &m_vertexArray);
     m_vertexArray = 0;
 }
@@ -303,8 +235,8 @@ void CGL3ScreenPreview::Renderer::uploadEyes(const void* left, const void* right
                                              GLsizei texelsPerRow, bool makeStorage)
 {
     const GLsizei rows = m_height / 2;
-    const GLsizei eyesAcross = m_3DFormat == Preview3DFormat::SideBySide ? 2 : 1;
-    const GLsizei eyesDown = m_3DFormat == Preview3DFormat::TopBottom ? 2 : 1;
+    const GLsizei across = eyesAcross(m_3DFormat);
+    const GLsizei down = eyesDown(m_3DFormat);
     const GLenum type = texelType(m_pixelFormat);
     const auto upload = [&](const void* eye, GLint x, GLint y) {
         gl3.TexSubImage2D(GL_TEXTURE_2D, 0, x, y, texelsPerRow, rows, GL_BGRA, type, eye);
@@ -316,32 +248,30 @@ void CGL3ScreenPreview::Renderer::uploadEyes(const void* left, const void* right
     gl3.PixelStorei(GL_UNPACK_ROW_LENGTH, 2 * texelsPerRow);
 
     if (makeStorage)
-        gl3.TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, texelsPerRow * eyesAcross, rows * eyesDown, 0,
-                       GL_BGRA, type, nullptr);
+        gl3.TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, texelsPerRow * across, rows * down, 0, GL_BGRA,
+                       type, nullptr);
     // The right eye lies behind the left one, across or down, or at 0, 0 when it is alone.
     if (m_3DFormat != Preview3DFormat::RightOnly)
         upload(left, 0, 0);
     if (m_3DFormat != Preview3DFormat::LeftOnly)
-        upload(right, texelsPerRow * (eyesAcross - 1), rows * (eyesDown - 1));
+        upload(right, texelsPerRow * (across - 1), rows * (down - 1));
 
     gl3.PixelStorei(GL_UNPACK_ROW_LENGTH, unpackRowLength);
 }
 
 void CGL3ScreenPreview::Renderer::paint()
 {
-    const GLfloat eyesAcross = m_3DFormat == Preview3DFormat::SideBySide ? 2 : 1;
-    const GLfloat eyesDown = m_3DFormat == Preview3DFormat::TopBottom ? 2 : 1;
-    const GLfloat pictureWidth = static_cast<GLfloat>(m_width) * eyesAcross;
-    const GLfloat pictureHeight = static_cast<GLfloat>(m_height) * 0.5F * eyesDown;
+    const GLfloat pictureWidth =
+        static_cast<GLfloat>(m_width) * static_cast<GLfloat>(eyesAcross(m_3DFormat));
+    const GLfloat pictureHeight =
+        static_cast<GLfloat>(m_height) * 0.5F * static_cast<GLfloat>(eyesDown(m_3DFormat));
 
-    gl3.UseProgram(m_program);
+    m_program.use();
     bindTexture(kFrameUnit, GL_TEXTURE_2D, m_frameTexture);
     bindTexture(kLutUnit, GL_TEXTURE_3D, m_lutTexture);
 
-    gl3.Uniform1ui(m_pixelFormatLocation, m_pixelFormat);
-    gl3.Uniform2f(m_frameSizeLocation, pictureWidth, pictureHeight);
-    gl3.Uniform1i(m_flipLocation, m_flip ? 1 : 0);
-    gl3.Uniform1i(m_3DFormatLocation, static_cast<GLint>(m_3DFormat));
+    m_program.setPicture(m_pixelFormat, pictureWidth, pictureHeight, m_flip,
+                         static_cast<GLint>(m_3DFormat));
 
     gl3.BindVertexArray(m_vertexArray);
     gl3.BindBuffer(GL_ARRAY_BUFFER, m_vertexBuffer);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "preview/GL3Functions.h"
+#include "preview/GL3Program.h"
 #include "preview/GL3ScreenPreview.h"
 #include "preview/ScreenPreviewLut.h"
 
@@ -41,7 +42,6 @@ public:
     void paint();
 
 private:
-    HRESULT makeProgram();
     void makeQuad();
     void makeFrameTexture();
     void makeLutTexture();
@@ -57,13 +57,7 @@ private:
     GLuint m_vertexArray = 0;
     GLuint m_vertexBuffer = 0;
     GLuint m_indexBuffer = 0;
-    GLuint m_program = 0;
-    GLuint m_vertexShader = 0;
-    GLuint m_fragmentShader = 0;
-    GLint m_pixelFormatLocation = 0;
-    GLint m_frameSizeLocation = 0;
-    GLint m_3DFormatLocation = 0;
-    GLint m_flipLocation = 0;
+    GL3Program m_program;
     /// 2D, the frame's words.
     GLuint m_frameTexture = 0;
     /// 3D, the colour table.
