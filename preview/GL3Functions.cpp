@@ -15,7 +15,7 @@ std::mutex s_mutex;
 
 } // namespace
 
-// One plain step for each of the list.
+// One plain step for each entry point of the list.
 // NOLINTNEXTLINE(readability-function-cognitive-complexity)
 bool GL3Functions::load()
 {
@@ -36,6 +36,6 @@ bool GL3Functions::load()
 bool GL3Functions::loaded() const
 {
     const std::lock_guard lock(s_mutex);
-    // In order and up to the first gap, so the last speaks for all.
+    // The last one is there only if all the others are.
     return DeleteSync != nullptr;
 }

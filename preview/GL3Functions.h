@@ -4,8 +4,8 @@
 #include <GL/gl.h>
 #include <GL/glext.h>
 
-/// Every entry point that the helper has, in the order of look-up: name without `gl`, and type.
-/// The header that gives types to the younger ones has none for those of GL 1.0 and 1.1.
+/// Every entry point of the helper, in the order of look-up: the name without `gl`, and the type.
+/// glext.h has no types for the entry points of GL 1.0 and 1.1.
 #define KESTRIX_GL3_FUNCTIONS(FUNCTION)                                                            \
     FUNCTION(GetError, decltype(&::glGetError))                                                    \
     FUNCTION(GetIntegerv, decltype(&::glGetIntegerv))                                              \
@@ -59,11 +59,11 @@ struct GL3Functions {
     KESTRIX_GL3_FUNCTIONS(KESTRIX_GL3_MEMBER)
 #undef KESTRIX_GL3_MEMBER
 
-    /// Looks up what is still null, in order and up to the first that the GL library lacks. True
-    /// when all are there. Any thread.
+    /// Looks up the entry points that are still null, in order. Stops at the first that the GL
+    /// library does not have. True if all are there. Any thread.
     bool load();
 
-    /// Whether a `load` has found all of them.
+    /// Whether a `load` has found all of them. Any thread.
     [[nodiscard]] bool loaded() const;
 };
 

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Builds the two shaders, and sets what goes into them.
+/// Builds the two shaders, and sets their inputs.
 ///
 /// GL thread, the context current, entry points looked up. Names are plain and not owned by
 /// handles, because the context that they belong to may be gone when this is destroyed.

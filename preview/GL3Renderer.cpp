@@ -11,13 +11,14 @@
 
 namespace {
 
-// Texture units, as the samplers of the shader have them.
+// The texture units of the shader's samplers.
 constexpr GLint kFrameUnit = 0;
 constexpr GLint kLutUnit = 1;
 
 constexpr auto kLutEdge = static_cast<GLsizei>(ScreenPreviewLut::kEdge);
 
-// Two eyes side by side, or one above the other, are still of a size that the GL can be told.
+// With these limits the size of both eyes, side by side or one above the other, fits into a
+// GLsizei.
 constexpr std::int64_t kMaxHeight = std::numeric_limits<GLsizei>::max();
 constexpr std::int64_t kMaxRowBytes = std::int64_t{4} * (std::numeric_limits<GLsizei>::max() / 2);
 
@@ -68,7 +69,7 @@ GLsizei eyesDown(Preview3DFormat format)
     return format == Preview3DFormat::TopBottom ? 2 : 1;
 }
 
-/// The frame's `KestrixColorspaceCode`, 0 where it tells none.
+/// The frame's `KestrixColorspaceCode`, 0 if it has none.
 std::uint32_t colourspaceCode(IKestrixVideoFrame* frame)
 {
     std::int64_t code = 0;
@@ -79,7 +80,7 @@ std::uint32_t colourspaceCode(IKestrixVideoFrame* frame)
     return static_cast<std::uint32_t>(code);
 }
 
-/// The right eye of the pair that `frame` is the left eye of, null for a frame by itself.
+/// The right eye that belongs to `frame`, null if there is none.
 InterfaceRef<IKestrixVideoFrame> rightEye(IKestrixVideoFrame* frame)
 {
     InterfaceRef<IKestrixVideoFrame> right;
@@ -191,11 +192,11 @@ void CGL3ScreenPreview::Renderer::update(IKestrixVideoFrame* frame, Preview3DFor
     if (rightFrame) {
         changed |= m_3DFormat != format;
         m_3DFormat = format;
-        // Both eyes are uploaded with the left one's size.
+        // Both eyes are uploaded with the size of the left one.
         if (rightFrame->GetHeight() == height && rightFrame->GetRowBytes() == rowBytes)
             right = ReadableFrameBytes(rightFrame.get());
     }
-    // Not a change: storage that was made for two eyes is kept for one.
+    // This is not a change: one eye is shown in the storage that was made for two.
     if (!right)
         m_3DFormat = Preview3DFormat::LeftOnly;
 
@@ -242,7 +243,8 @@ void CGL3ScreenPreview::Renderer::uploadEyes(const void* left, const void* right
         gl3.TexSubImage2D(GL_TEXTURE_2D, 0, x, y, texelsPerRow, rows, GL_BGRA, type, eye);
     };
 
-    // Rows of twice the frame's length, of which the first half is taken: every second line.
+    // To the GL two lines of the frame are one row. It takes the first half of each, which is
+    // every second line.
     GLint unpackRowLength = 0;
     gl3.GetIntegerv(GL_UNPACK_ROW_LENGTH, &unpackRowLength);
     gl3.PixelStorei(GL_UNPACK_ROW_LENGTH, 2 * texelsPerRow);
@@ -250,7 +252,7 @@ void CGL3ScreenPreview::Renderer::uploadEyes(const void* left, const void* right
     if (makeStorage)
         gl3.TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, texelsPerRow * across, rows * down, 0, GL_BGRA,
                        type, nullptr);
-    // The right eye lies behind the left one, across or down, or at 0, 0 when it is alone.
+    // The right eye lies beside or below the left one. If it is alone, it lies at 0, 0.
     if (m_3DFormat != Preview3DFormat::RightOnly)
         upload(left, 0, 0);
     if (m_3DFormat != Preview3DFormat::LeftOnly)

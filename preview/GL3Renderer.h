@@ -8,37 +8,37 @@
 
 /// Paints the newest frame as one quad over the viewport.
 ///
-/// GL thread, the context current, entry points looked up. Not one GL error is read. Names are
-/// plain and not owned by handles, since the context that they belong to may be gone when this is
-/// destroyed; whoever destroys it calls `cleanup` before.
+/// GL thread, the context current, entry points looked up. No GL error is read. Names are plain and
+/// not owned by handles, because the context that they belong to may be gone when this is
+/// destroyed. The owner calls `cleanup` before that.
 class CGL3ScreenPreview::Renderer {
 public:
-    /// Makes all objects in the current context, without regard to any that there are. `E_FAIL`
-    /// where a shader does not build; what was made until then stays until `cleanup`.
-    /// `hasObjects` tells whether something of an attempt is there.
+    /// Makes all objects in the current context, without regard to objects that exist. `E_FAIL` if
+    /// a shader does not build: what was made until then stays until `cleanup`, and `hasObjects` is
+    /// true.
     ///
     /// Clears the colour buffer. Leaves the vertex array bound, unit 0 active, all else unbound.
     HRESULT init();
     [[nodiscard]] bool hasObjects() const { return m_vertexArray != 0; }
 
     /// Deletes all objects and forgets the last frame's size and format, so that the next upload
-    /// makes its storage anew. Good at any time, also before `init`.
+    /// makes new storage. Allowed at any time, also before `init`.
     void cleanup();
 
     /// Clears the colour buffer to transparent black; that stays the clear colour.
     static void clear();
 
-    /// Uploads a frame: every second line, as 32-bit texels. `format` says how both eyes are to be
-    /// shown and has no effect on a frame with one.
+    /// Uploads a frame: every second line, as 32-bit texels. `format` says how the two eyes of a
+    /// pair are shown; it has no effect on a frame without a right eye. A right eye counts only if
+    /// its height and row bytes are those of the left eye.
     ///
-    /// `fence` receives a sync object that tells when the frame's bytes have been read; it stays as
-    /// it is where the frame has no bytes to give or is of no size that a texture can have, and the
-    /// picture before then stays too. A right eye counts only if its lines lie as the left one's
-    /// do. Restores `GL_UNPACK_ROW_LENGTH`; leaves no texture bound, and unit 0 active.
+    /// `fence` receives a sync object that is signalled after the frame's bytes have been read. If
+    /// the frame gives no bytes, or no texture can have its size, `fence` and the picture stay as
+    /// they are. Restores `GL_UNPACK_ROW_LENGTH`; leaves no texture bound, and unit 0 active.
     void update(IKestrixVideoFrame* frame, Preview3DFormat format, GLsync& fence);
 
-    /// Draws what was uploaded last, black before that. Leaves program, vertex array, both buffers
-    /// and the textures of units 0 and 1 unbound, and unit 0 active.
+    /// Draws what was uploaded last, or black if nothing was. Leaves program, vertex array, both
+    /// buffers and the textures of units 0 and 1 unbound, and unit 0 active.
     void paint();
 
 private:
@@ -46,12 +46,13 @@ private:
     void makeFrameTexture();
     void makeLutTexture();
 
-    /// Takes over size and format; true when one of them is new.
+    /// Stores size and format; true if one of them is new.
     bool adoptProperties(IKestrixVideoFrame* frame, std::int64_t height, std::int64_t rowBytes);
-    /// Brings the table for the frame's properties and colourspace code into the texture.
+    /// Uploads the table for the frame's properties and colourspace code, unless the texture has
+    /// it.
     void selectLut(std::uint32_t colourspaceCode);
-    /// Fills the bound frame texture as `m_3DFormat` says; `right` may be null where it says so.
-    /// Makes the storage first if asked to.
+    /// Fills the bound frame texture as `m_3DFormat` says; `right` is null only if that is
+    /// `LeftOnly`. Makes the storage first if `makeStorage` is true.
     void uploadEyes(const void* left, const void* right, GLsizei texelsPerRow, bool makeStorage);
 
     GLuint m_vertexArray = 0;
@@ -71,7 +72,7 @@ private:
     std::int64_t m_rowBytes = 0;
     /// The table that is in the texture.
     LutID m_lutID = LutID_YCbCr_709;
-    /// As the last upload used it.
+    /// The one of the last upload.
     Preview3DFormat m_3DFormat = Preview3DFormat::TopBottom;
     /// The last frame was stored bottom line first.
     bool m_flip = false;

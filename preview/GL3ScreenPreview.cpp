@@ -1,4 +1,4 @@
-/// The OpenGL 3 helper's side towards the host: what is to be painted, and when.
+/// The OpenGL 3 helper as the host sees it: decides what to paint, and when.
 #include "preview/GL3ScreenPreview.h"
 
 #include "api/QueryInterface.h"
@@ -10,10 +10,10 @@
 
 namespace {
 
-/// How long a paint holds on to a frame whose bytes the GL may still be reading.
+/// How long a paint waits for the GL to read the frame's bytes before it releases the frame.
 constexpr GLuint64 kUploadWaitNanoseconds = 10'000'000;
 
-/// The shaders are written in GLSL 1.50, that of OpenGL 3.2.
+/// The shaders need GLSL 1.50, the version of OpenGL 3.2.
 bool contextIsRecentEnough()
 {
     GLint major = 0;
@@ -33,7 +33,7 @@ CGL3ScreenPreview::CGL3ScreenPreview() : m_renderer(std::make_unique<Renderer>()
 CGL3ScreenPreview::~CGL3ScreenPreview()
 {
     const std::lock_guard lock(m_mutex);
-    // Where the entry points were never found no helper can have made anything.
+    // Without the entry points no helper has made a GL object.
     if (gl3.loaded())
         m_renderer->cleanup();
 }
@@ -47,7 +47,7 @@ HRESULT CGL3ScreenPreview::QueryInterface(REFIID id, void** out)
 HRESULT CGL3ScreenPreview::InitializeGL()
 {
     const std::lock_guard lock(m_mutex);
-    // Objects without an initialisation are those of an attempt that failed.
+    // A failed call leaves objects too.
     if (m_initialised || m_renderer->hasObjects())
         m_renderer->cleanup();
 

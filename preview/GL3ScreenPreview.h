@@ -9,7 +9,7 @@
 #include <memory>
 #include <mutex>
 
-/// How the two eyes of a stereoscopic frame are shown. The values are those that the shaders know.
+/// How the two eyes of a stereoscopic frame are shown. The shaders know these values.
 enum class Preview3DFormat : std::int32_t {
     LeftOnly = 0,
     RightOnly = 1,
@@ -17,16 +17,16 @@ enum class Preview3DFormat : std::int32_t {
     TopBottom = 3,
 };
 
-/// Uploads a frame's own bytes, whatever their format, and lets the shaders unpack and colour them.
+/// Uploads the bytes of a frame as they are, in every format. The shaders unpack and colour them.
 ///
-/// `SetFrame` and `Set3DPreviewFormat` may come from any thread and only note what is to be done
-/// next, under the one mutex. All GL work is the `Renderer`'s, which belongs to the GL thread. No
-/// GL call of a paint is made under the mutex, so a frame's delivery never waits for the GPU.
+/// `SetFrame` and `Set3DPreviewFormat` may come from any thread. They only note under the mutex
+/// what to do next. The `Renderer`, which belongs to the GL thread, does all GL work. `PaintGL`
+/// makes its GL calls without the mutex, so `SetFrame` never waits for the GPU.
 ///
-/// What each operation answers, and the GL state that it leaves, is told with the interface.
+/// The interface documents what each operation returns, and the GL state that it leaves.
 class CGL3ScreenPreview final : public ReferenceCounted<IKestrixGLScreenPreviewHelper> {
 public:
-    /// Makes the colour tables if this is the process's first. May throw `std::bad_alloc`.
+    /// Makes the colour tables if the process has none yet. May throw `std::bad_alloc`.
     CGL3ScreenPreview();
 
     HRESULT QueryInterface(REFIID id, void** out) override;
@@ -46,7 +46,7 @@ private:
 
     /// The frame that waits to be painted.
     InterfaceRef<IKestrixVideoFrame> m_frame;
-    /// No paint has dealt with the last `SetFrame` yet.
+    /// `SetFrame` was called after the last paint.
     bool m_frameChanged = false;
     Preview3DFormat m_3DFormat = Preview3DFormat::TopBottom;
     /// Guards the four fields around it.

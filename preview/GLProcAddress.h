@@ -1,10 +1,11 @@
-/// Look-up of a GL entry point by name. Brings in the X11 headers: for source files only.
+/// Look-up of a GL entry point by name. Includes the X11 headers, so include it in source files
+/// only.
 #pragma once
 
 #include <GL/gl.h>
 #include <GL/glx.h>
 
-/// The entry point `name`, null where the GL library has none. No context is needed.
+/// The entry point `name`, null if the GL library does not have it. Needs no context.
 template<class Function>
 Function glProcAddress(const char* name)
 {

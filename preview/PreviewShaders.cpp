@@ -2,7 +2,7 @@
 ///
 /// A texel is one 32-bit word of the frame, its bytes in the channels as the upload's texel type
 /// puts them: bytes 0, 1, 2, 3 in b, g, r, a, or in a, r, g, b. The formulas below are written for
-/// the channels, so one formula may serve both byte orders of a format.
+/// the channels, so one formula can serve both byte orders of a format.
 #include "preview/PreviewShaders.h"
 
 const char kVertexShader[] = R"glsl(#version 150
@@ -32,7 +32,7 @@ in vec2 fTexCoord;
 out vec4 color;
 
 uniform uint fPixelFormat;
-uniform vec4 fFullRange; // not read: range is the table's matter
+uniform vec4 fFullRange; // not read: the table handles the range
 uniform vec2 fFrameSize; // pixels of the picture
 uniform sampler2D fTex;  // the frame's words
 uniform sampler3D fLut;  // the colour table
@@ -54,7 +54,7 @@ vec2 scale_coord(vec2 coord)
     return vec2((fFrameSize.x - 1) * coord.x, (fFrameSize.y - 1) * coord.y);
 }
 
-// Looks a pixel up so that 0 falls on the centre of the table's first texel and 1 on that of its
+// Looks a pixel up. 0 falls on the centre of the table's first texel, and 1 on the centre of its
 // last.
 vec4 apply_lut(vec4 pixel)
 {
@@ -64,7 +64,7 @@ vec4 apply_lut(vec4 pixel)
     return vec4(texture(fLut, scale * pixel.rgb + offset).rgb, pixel.a);
 }
 
-// What a filtering sampler would do, which texelFetch does not.
+// Interpolates as a filtering sampler does. texelFetch does not filter.
 vec4 bilinear(mat4x4 pixels, vec2 weight)
 {
     vec4 bottom = mix(pixels[kBottomLeft], pixels[kBottomRight], weight.x);
@@ -72,7 +72,7 @@ vec4 bilinear(mat4x4 pixels, vec2 weight)
     return mix(top, bottom, weight.y);
 }
 
-// The common end of the formats that are unpacked here: the table first, then the filter.
+// The last step of all formats that are unpacked here: the table first, then the filter.
 vec4 colour_and_filter(mat4x4 pixels, vec2 weight)
 {
     for (int i = 0; i < 4; ++i)
@@ -106,8 +106,8 @@ ivec2 clamp_position(sampler2D tex, ivec2 position)
 }
 
 // --- 4:2:2 --------------------------------------------------------------------------------------
-// Pixels of even x have chroma of their own, the others take the mean of their neighbours'. So
-// three pixels in a row are worked out, even, odd and next, and two of them are wanted.
+// Pixels of even x have chroma of their own. The others take the mean of their neighbours' chroma.
+// So three pixels are worked out, even, odd and next, and two of them are used.
 
 mat2x4 choose_pair(int x, vec4 even, vec4 odd, vec4 next)
 {
@@ -132,8 +132,8 @@ vec4 texture_2vuy(ivec2 pos, vec2 weights)
                              extract_pixels_2vuy(fTex, pos + ivec2(0, 1)), weights);
 }
 
-// v210, 10 bits. A texel holds three fields, b the lowest. A byte that two fields share goes whole
-// into the upper of its places: the bits that belong to the other field stay on as a fraction.
+// v210, 10 bits. A texel holds three fields, b the lowest. If two fields share a byte, the upper
+// field takes the whole byte: the bits of the lower field stay in it as a fraction.
 vec4 unpack_v210(sampler2D tex, ivec2 position)
 {
     vec4 u = fetch_scaled(tex, position);
@@ -153,7 +153,7 @@ mat2x4 extract_pixels_v210(sampler2D tex, ivec2 pos)
     ivec2 first = ivec2(mp + n / 2, pos.y);
     vec4 s0 = unpack_v210(tex, first);
     vec4 s1 = unpack_v210(tex, first + ivec2(1, 0));
-    // Where the row ends with this group its last chroma stands for the next.
+    // If the row ends with this group, its last chroma stands for the next.
     vec4 s2 = n < 4 || mp + 4 < last_texel(tex).x ? unpack_v210(tex, first + ivec2(2, 0))
                                                   : vec4(s1.g, 0.0, s0.r, 0.0);
     if (n < 2)
@@ -181,8 +181,8 @@ vec4 texture_v210(ivec2 pos, vec2 weights)
 // Ay10, 10 bits with alpha. A pixel a texel, a its lowest byte. From the lowest field: Y, the Cb of
 // an even or the Cr of an odd pixel, alpha. Shared bytes leave a fraction here too.
 //
-// A clamped position does not look whether the texel there has Cb or Cr: the Cb of a row's last
-// pixel, of odd x, is half the Cr.
+// A clamped position may have Cr in the place of Cb. So if the last pixel of a row has an odd x, its
+// Cb is the mean of a Cb and a Cr.
 float luma_Ay10(vec4 s)
 {
     return s.a * 1.0 + mod(s.r, 4.0) * 256.0;
@@ -230,8 +230,8 @@ vec4 unpack_r210(sampler2D tex, ivec2 position)
     return unpack_v210(tex, position);
 }
 
-// R, G, B, then two bits, from the highest: b, g, r, a from the highest byte, both here and in
-// R10b, whose words are uploaded in the other byte order.
+// R, G, B, then two bits, from the highest. The bytes are b, g, r, a from the highest, here and in
+// R10b: its words are uploaded in the other byte order.
 vec4 unpack_R10l(sampler2D tex, ivec2 position)
 {
     vec4 u = fetch_scaled(tex, position);
@@ -271,10 +271,10 @@ vec4 texture_R10b(ivec2 pos, vec2 weights)
 }
 
 // --- 12-bit RGB, eight pixels in nine texels ----------------------------------------------------
-// Pixel i of a group lies in the texels i and i + 1, its 36 bits begun four bits later than those
-// of the pixel before. x, y, z are R, G, B.
+// Pixel i of a group lies in the texels i and i + 1. Its 36 bits begin 4 bits higher in texel i than
+// those of the pixel before in texel i - 1. x, y, z are R, G, B.
 //
-// Three terms look odd and are meant: the low ends of R in 1 and 3 are not scaled down, and R in 5
+// Three terms look wrong and are right: the low ends of R in 1 and 3 are not scaled down, and R in 5
 // takes its low end from g.
 
 vec4 unpack_R12x_0(vec4 s1, vec4 s2)

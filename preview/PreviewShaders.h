@@ -1,10 +1,10 @@
 /// GLSL sources of the OpenGL 3 helper.
 #pragma once
 
-/// Places the quad and turns a bottom-up picture over. Inputs vPosition and vTexCoord, uniforms
-/// v3DFormat and vFlip.
+/// Places the quad, and flips a picture that is stored bottom line first. Inputs vPosition and
+/// vTexCoord, uniforms v3DFormat and vFlip.
 extern const char kVertexShader[];
 
-/// Unpacks the frame's texels by the pixel format, colours them by the table and interpolates.
-/// Uniforms fPixelFormat, fFrameSize, fTex and fLut.
+/// Unpacks the frame's texels as the pixel format says, looks their colours up in the table and
+/// interpolates. Uniforms fPixelFormat, fFrameSize, fTex and fLut.
 extern const char kFragmentShader[];

@@ -12,7 +12,7 @@ namespace {
 
 constexpr unsigned kFloatsPerEntry = 4;
 
-/// Every point shows as it came in: entry (x, y, z) is (x/32, y/32, z/32, 1).
+/// Maps every point to itself: entry (x, y, z) is (x/32, y/32, z/32, 1).
 void fillWithIdentity(float* table)
 {
     constexpr double kStep = 1.0 / (ScreenPreviewLut::kEdge - 1);
@@ -28,7 +28,7 @@ void fillWithIdentity(float* table)
     }
 }
 
-/// What the shader unpacks from a format. One that it does not know is shown black by any table.
+/// What the shader unpacks from a format. An unknown format is black with any table.
 LutInput inputOf(unsigned pixelFormat)
 {
     const ShaderFormat* const format = findShaderFormat(pixelFormat);

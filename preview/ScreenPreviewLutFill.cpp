@@ -24,7 +24,7 @@ using ToRec709 = COLOURSPACE_CONV_RGBv4<Rec709OETF<10u, V1>, MATRIX, Rec709OETF<
 
 using StudioToFull = RGBv4_RESCALE<10, false, 10, true, P1>;
 
-/// Runs stages over every entry: a picture that is one pixel wide, with the rows an entry apart.
+/// Runs stages over every entry. To them the table is a picture of one pixel a row.
 template<class... STAGES>
 void convert(float* table)
 {

@@ -3,6 +3,6 @@
 
 #include "preview/ScreenPreviewLut.h"
 
-/// Makes an identity table, `kEntries` entries of R, G, B, A, into that of `id`: the engine's own
-/// stages run over it in place, so that the shader shows what a conversion on the CPU would give.
+/// Turns an identity table, `kEntries` entries of R, G, B, A, into the table `id`. The engine's own
+/// stages run over it in place, so the shader shows the colours of a conversion on the CPU.
 void fillScreenPreviewLut(LutID id, float* table);
