@@ -5,16 +5,16 @@
 
 #include <utility>
 
-/// Owns one reference to an `Interface`, or none when null, and knows the id that was queried for;
-/// for a pointer that came about without a query that is the id of `IUnknown`.
+/// Owns one reference to an `Interface`, or none if it is null. It also knows the id that the
+/// pointer was queried for; without a query that is the id of `IUnknown`.
 ///
-/// Calls nothing but the three operations of `IUnknown`. Not synchronised.
+/// Calls only the three operations of `IUnknown`. Not synchronised.
 template<class Interface>
 class InterfaceRef {
 public:
     InterfaceRef() = default;
 
-    /// Adds a reference of its own to `pointer`, which may be null.
+    /// Holds `pointer`, which may be null, and adds a reference.
     explicit InterfaceRef(Interface* pointer) : m_pointer(pointer) { addRef(); }
 
     InterfaceRef(const InterfaceRef& other) : m_id(other.m_id), m_pointer(other.m_pointer)
@@ -45,8 +45,8 @@ public:
         m_pointer = nullptr;
     }
 
-    /// Gives the old reference back and holds what `object` answers for `id`. The status is the
-    /// object's own; whether there is an interface is told by the pointer.
+    /// Gives the old reference back, and holds the pointer that `object` gives for `id`. Returns
+    /// the object's status. Test the pointer to see if there is an interface.
     HRESULT query(IUnknown* object, REFIID id)
     {
         void* queried = nullptr;
@@ -57,8 +57,8 @@ public:
         return status;
     }
 
-    /// For an operation whose out-argument carries a reference: gives the old reference back and
-    /// returns the place to store the new one.
+    /// The argument for an operation that stores a pointer with a reference. Gives the old
+    /// reference back.
     Interface** receive()
     {
         reset();

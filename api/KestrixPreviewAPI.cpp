@@ -7,7 +7,7 @@
 
 namespace {
 
-/// The body of every factory: whatever goes wrong inside, the host sees null.
+/// The body of every factory. If anything fails inside, the host gets null.
 template<class Helper>
 IKestrixGLScreenPreviewHelper* createHelper() noexcept
 {

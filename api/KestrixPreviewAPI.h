@@ -5,31 +5,33 @@
 /// two helpers, both an `IKestrixGLScreenPreviewHelper`:
 ///
 /// - `CreateOpenGL3ScreenPreviewHelper_0002`: for a context of OpenGL 3.2 or later, core or
-///   compatibility. Frames are uploaded as they are and unpacked by a fragment shader.
-/// - `CreateOpenGLScreenPreviewHelper_0002`: for a legacy context. Frames are converted to 8-bit
-///   RGBA on the thread that calls `SetFrame` and drawn by the fixed pipeline.
+///   compatibility. The helper uploads frames as they are, and a fragment shader unpacks them.
+/// - `CreateOpenGLScreenPreviewHelper_0002`: for a legacy context. The helper converts frames to
+///   8-bit RGBA on the thread that calls `SetFrame`, and draws them with the fixed pipeline.
 ///
-/// Set-up of a host:
+/// How a host uses a helper:
 ///
 ///     IKestrixGLScreenPreviewHelper* helper = CreateOpenGL3ScreenPreviewHelper_0002();
 ///     // On the GL thread, the context current:
 ///     helper->InitializeGL();
-///     // For every frame, on any thread (CGL3ScreenPreview):
+///     // For every frame, on any thread (OpenGL 3 helper):
 ///     helper->SetFrame(frame);
-///     // Whenever the view is drawn, on the GL thread, the viewport set by the host:
+///     // Whenever the view is drawn, on the GL thread, after the host has set the viewport:
 ///     helper->PaintGL();
 ///     // At the end, on the GL thread, the context still current:
 ///     helper->Release();
 ///
-/// Rules that hold for every interface here:
+/// Rules for every interface here:
 ///
-/// - Ownership is by reference count. What a factory or an out-argument gives carries one reference
-///   that the receiver releases. An in-argument carries none: a callee that keeps it calls
-///   `AddRef`. Counts are atomic, so `AddRef` and `Release` may come from any thread.
+/// - Ownership is by reference count. A pointer from a factory or an out-argument comes with one
+///   reference, which the receiver releases. An in-argument comes without a reference: a callee
+///   that keeps it calls `AddRef`. Counts are atomic, so `AddRef` and `Release` may be called on
+///   any thread.
 /// - Results are status codes: `S_OK` is 0, every failure is negative. No exception leaves an
 ///   operation.
 /// - The order of the operations, and the place of the destructor after or between them, is the
-///   binary interface. Never reorder; objects on either side are reached by position in the table.
+///   binary interface. Never reorder them: callers reach the operations of an object by their
+///   position in its table.
 /// - Ids are passed by value and compared byte by byte.
 /// - Sizes are in pixels, lines and bytes as named. Rows run from the top of the picture unless
 ///   `FrameFlagFlipVertical` is set.
@@ -42,7 +44,7 @@
 #include <cstring>
 
 #if defined(__GNUC__)
-/// What the factories are marked with.
+/// Makes a factory visible outside the shared library.
 #define KESTRIX_EXPORT __attribute__((visibility("default")))
 #else
 #define KESTRIX_EXPORT
@@ -52,7 +54,7 @@
 
 /// The id of an interface: 16 bytes, passed by value.
 struct REFIID {
-    std::uint8_t bytes[16]; ///< as they are written, from the first to the last
+    std::uint8_t bytes[16]; ///< in the order in which an id is written
 };
 
 /// Whether all bytes are equal.
@@ -70,17 +72,17 @@ inline bool operator!=(const REFIID& a, const REFIID& b)
 /// A status: `S_OK` or a negative code.
 using HRESULT = std::int32_t;
 
-/// Success. Tell it from failure by `status >= 0`.
+/// Success. Test for it with `status >= 0`.
 static const HRESULT S_OK = 0;
 
-/// The GL context's version is too low for the helper.
+/// The version of the GL context is too low for the helper.
 static const HRESULT E_NOTIMPL = static_cast<HRESULT>(0x80000001u);
 
-/// An allocation failed. Of the fixed-function helper also: it has no free slot for a frame, or the
-/// frame's 3D packing is not one that it shows.
+/// An allocation failed. From the fixed-function helper also: it has no free slot for a frame, or
+/// it does not show frames of this 3D packing.
 static const HRESULT E_OUTOFMEMORY = static_cast<HRESULT>(0x80000002u);
 
-/// A null out-argument, or a frame for which no conversion exists.
+/// A null out-argument, or a frame that cannot be converted.
 static const HRESULT E_INVALIDARG = static_cast<HRESULT>(0x80000003u);
 
 /// The object does not have the interface that was asked for.
@@ -90,17 +92,17 @@ static const HRESULT E_NOINTERFACE = static_cast<HRESULT>(0x80000004u);
 static const HRESULT E_POINTER = static_cast<HRESULT>(0x80000005u);
 
 /// A GL entry point is missing, a shader could not be built, `PaintGL` came before `InitializeGL`,
-/// or an object has no bytes to give.
+/// or an object has no bytes.
 static const HRESULT E_FAIL = static_cast<HRESULT>(0x80000008u);
 
-/// A frame lacks an interface that it has to have.
+/// A frame does not have an interface that is required.
 static const HRESULT E_UNEXPECTED = static_cast<HRESULT>(0x8000FFFFu);
 
 /// \name Ids of the interfaces
 /// @{
 
 // clang-format off
-/// The id of the interface of that name. A frame and the library have to agree on it.
+/// The id of the interface of the same name. Hosts and the library must use the same ids.
 static const REFIID IID_IUnknown = {{
     0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
 static const REFIID IID_IKestrixVideoFrame = {{
@@ -125,14 +127,14 @@ static const REFIID IID_IKestrixFrameProviderRegistry = {{
 
 // --- Flags and codes -----------------------------------------------------------------------------
 
-/// Answer bits of `IKestrixVideoFrame::GetFlags`. The library ignores all others.
+/// Bits that `IKestrixVideoFrame::GetFlags` returns. The library ignores all other bits.
 enum KestrixFrameFlags : std::uint32_t {
     FrameFlagDefault = 0,
-    /// The lines are stored from the bottom of the picture upwards.
+    /// The first line in memory is the bottom line of the picture.
     FrameFlagFlipVertical = 1u << 0,
 };
 
-/// What `StartAccess` and `EndAccess` take, both calls of a pair the same.
+/// The argument of `StartAccess` and `EndAccess`, the same for both calls of a pair.
 enum KestrixBufferAccessFlags : std::uint32_t {
     BufferAccessRead = 1,
     BufferAccessReadWrite = 3,
@@ -144,23 +146,23 @@ enum KestrixMetadataID : std::uint32_t {
     MetadataColorspace = 0x63737063, // "cspc"
 };
 
-/// Values of `MetadataColorspace`. For any other the fixed-function helper refuses the frame, and
-/// the OpenGL 3 helper goes by its size.
+/// Values of `MetadataColorspace`. If the value is another one, the fixed-function helper refuses
+/// the frame, and the OpenGL 3 helper decides by the frame's size.
 enum KestrixColorspaceCode : std::uint32_t {
     ColorspaceCodeRec601 = 0x72363031,  // "r601", ITU-R BT.601-7
     ColorspaceCodeRec709 = 0x72373039,  // "r709", ITU-R BT.709-6
     ColorspaceCodeRec2020 = 0x32303230, // "2020", ITU-R BT.2020-2
 };
 
-/// Answers of `IKestrixVideoFrame3DExtensions::Get3DPackingFormat` that the library knows.
+/// Codes of `IKestrixVideoFrame3DExtensions::Get3DPackingFormat` that the library knows.
 enum Kestrix3DPackingFormat : std::uint32_t {
-    /// The frame is the left eye, and `GetFrameForRightEye` has the right one.
+    /// The frame is the left eye, and `GetFrameForRightEye` gives the right eye.
     Packing3DLeftOnly = 0x6c656674, // "left"
 };
 
-/// What `Set3DPreviewFormat` takes.
+/// How stereoscopic frames are shown: the argument of `Set3DPreviewFormat`.
 enum Kestrix3DPreviewFormat : std::uint32_t {
-    Preview3DDefault = 0x64656661,    // "defa": as Preview3DTopBottom
+    Preview3DDefault = 0x64656661,    // "defa", the same as Preview3DTopBottom
     Preview3DLeftOnly = 0x6c656674,   // "left"
     Preview3DRightOnly = 0x72696768,  // "righ"
     Preview3DSideBySide = 0x73696465, // "side"
@@ -175,31 +177,32 @@ class IKestrixVideoFrameAncillary;
 /// The base of every interface.
 class IUnknown {
 public:
-    /// Stores the object's interface `id` in `out`, with a reference, and answers `S_OK`; or stores
-    /// null and answers `E_NOINTERFACE`.
+    /// Stores the object's interface `id` in `out`, with a reference, and returns `S_OK`. If the
+    /// object does not have it, stores null and returns `E_NOINTERFACE`.
     virtual HRESULT QueryInterface(REFIID id, void** out) = 0;
 
-    /// Adds a reference; answers the new count, which is good for tests only.
+    /// Adds a reference. Returns the new count, which is of use in tests only.
     virtual std::uint32_t AddRef() = 0;
 
-    /// Gives a reference back; answers the new count. With the last one the object ends.
+    /// Gives a reference back. Returns the new count. At 0 the object destroys itself.
     virtual std::uint32_t Release() = 0;
 };
 
-/// A frame. Its bytes are reached by querying it for `IKestrixVideoBuffer`.
+/// A frame. Query it for `IKestrixVideoBuffer` to reach its bytes.
 class IKestrixVideoFrame : public IUnknown {
 public:
     /// Pixels a line.
     virtual std::int64_t GetWidth() = 0;
     /// Lines.
     virtual std::int64_t GetHeight() = 0;
-    /// Bytes from one line to the next, at least those of its pixels. The OpenGL 3 helper counts in
-    /// words: a multiple of 4.
+    /// Bytes from one line to the next, at least as many as the pixels of a line take. The OpenGL 3
+    /// helper needs a multiple of 4.
     virtual std::int64_t GetRowBytes() = 0;
     /// The layout of the bytes: a FourCC with its first character in the top byte, or 32 for 8-bit
-    /// ARGB; docs/formats.md of the sources has them byte by byte. Both helpers paint "2vuy",
-    /// "v210", "Ay10", 32, "vRGB", "BGRA", "BGRv", "r210", "R10l", "R10L", "R10b", "R10B", "R12B",
-    /// "R12L" and "R12l"; the fixed-function helper also "RGBA", "RGB3", "R210" and "R10A".
+    /// ARGB. docs/formats.md in the sources shows each layout byte by byte. Both helpers paint
+    /// "2vuy", "v210", "Ay10", 32, "vRGB", "BGRA", "BGRv", "r210", "R10l", "R10L", "R10b", "R10B",
+    /// "R12B", "R12L" and "R12l". The fixed-function helper also paints "RGBA", "RGB3", "R210" and
+    /// "R10A".
     virtual std::uint32_t GetPixelFormat() = 0;
     /// `KestrixFrameFlags`.
     virtual std::uint32_t GetFlags() = 0;
@@ -212,11 +215,11 @@ protected:
     virtual ~IKestrixVideoFrame() = default;
 };
 
-/// The memory of a frame. Bytes are valid between `StartAccess` and the matching `EndAccess`.
+/// The memory of a frame. Its bytes are valid between `StartAccess` and the matching `EndAccess`.
 class IKestrixVideoBuffer : public IUnknown {
 public:
-    /// Stores the address of the top-left pixel of the first line in memory. No reference is given.
-    /// All lines can be read, of `GetRowBytes` bytes each, and 64 bytes past the last.
+    /// Stores the address of the first pixel of the first line in memory. It comes without a
+    /// reference. All lines can be read, `GetRowBytes` bytes each, and 64 bytes after the last.
     virtual HRESULT GetBytes(void** out) = 0;
     /// Opens an access; `flags` is a `KestrixBufferAccessFlags`. Accesses may nest and overlap.
     virtual HRESULT StartAccess(std::uint32_t flags) = 0;
@@ -227,13 +230,13 @@ protected:
     virtual ~IKestrixVideoBuffer() = default;
 };
 
-/// Present on a frame that belongs to a stereoscopic pair.
+/// An interface of frames that belong to a stereoscopic pair.
 class IKestrixVideoFrame3DExtensions : public IUnknown {
 public:
-    /// How the two eyes lie in the frame: a `Kestrix3DPackingFormat` or any other code.
+    /// How the two eyes are packed: a `Kestrix3DPackingFormat` or another code.
     virtual std::uint32_t Get3DPackingFormat() = 0;
-    /// Stores the right eye's frame, with a reference; it must have the size, the row bytes, the
-    /// format and the colourspace of the left one, or it may be left out of the picture.
+    /// Stores the frame of the right eye, with a reference. If its size, row bytes, format and
+    /// colourspace are not those of the left eye, the picture may be without it. Returns
     /// `E_INVALIDARG` for a null `out`.
     virtual HRESULT GetFrameForRightEye(IKestrixVideoFrame** out) = 0;
 
@@ -241,76 +244,83 @@ protected:
     virtual ~IKestrixVideoFrame3DExtensions() = default;
 };
 
-/// Paints frames into the current OpenGL context. Implemented by the library; made by the factories
-/// at the end of this file, which tell what the two implementations need of a context.
+/// Paints frames into the current OpenGL context. The library implements it twice. The factories at
+/// the end of this file make the two helpers, and document what they need of a context.
 ///
 /// Threads. `InitializeGL`, `PaintGL` and the last `Release` belong to the GL thread, with the same
-/// context (or one that shares its objects) current. `SetFrame` and `Set3DPreviewFormat` of the
-/// OpenGL 3 helper may come from any thread at any time, and wait while `InitializeGL` builds the
-/// shaders; those of the fixed-function helper must not run at the same time as any other call on
-/// the helper. `SetFrame` calls the frames' `AddRef` and `Release` under the helper's lock: these
-/// must not call the helper, nor wait for a lock under which the host calls it.
+/// context (or one that shares its objects) current.
 ///
-/// GL state. Viewport, scissor, blending, depth, masks and the framebuffer binding are never
-/// touched: the quad fills the viewport that the host has set, in the framebuffer that it has
-/// bound. A host that draws by itself has to expect the following state changed.
+/// - OpenGL 3 helper: `SetFrame` and `Set3DPreviewFormat` may be called on any thread at any time.
+///   They wait while `InitializeGL` builds the shaders. `SetFrame` calls `AddRef` and `Release` of
+///   frames under the helper's lock: these two must not call the helper, and must not wait for a
+///   lock that the host holds when it calls the helper.
+/// - Fixed-function helper: no two calls on a helper may run at the same time.
+///
+/// GL state. The helpers never touch viewport, scissor, blending, depth, masks and the framebuffer
+/// binding: the quad fills the viewport that the host has set, in the framebuffer that it has
+/// bound. They change the following state.
 ///
 /// - OpenGL 3 helper: program 0, vertex array 0, `GL_ARRAY_BUFFER` 0, the 2D and 3D bindings of
-///   texture unit 0 and the 3D binding of unit 1 zero, unit 0 active. `GL_UNPACK_ROW_LENGTH` is
-///   restored. `InitializeGL`, and the first paint after a null frame, clear the colour buffer and
-///   set the clear colour to (0, 0, 0, 0). `InitializeGL` leaves its own vertex array bound.
-/// - Fixed-function helper, whose unit 0 must be active: `GL_TEXTURE_2D` disabled, its binding 0,
-///   the current texture coordinate (0, 0, 0, 1); the current colour black where there was no
-///   frame. `GL_TEXTURE_ENV_MODE` is restored. Matrices must be the identity.
-/// - Both: pixel unpack parameters must have their initial values when a helper is called, and
-///   `GL_PIXEL_UNPACK_BUFFER` must be 0.
+///   texture unit 0 and the 3D binding of unit 1 zero, unit 0 active. The helper restores
+///   `GL_UNPACK_ROW_LENGTH`. `InitializeGL`, and the first paint after a null frame, clear the
+///   colour buffer and set the clear colour to (0, 0, 0, 0). `InitializeGL` leaves its own vertex
+///   array bound.
+/// - Fixed-function helper: `GL_TEXTURE_2D` disabled, its binding 0, the current texture coordinate
+///   (0, 0, 0, 1); if there is no frame, only the current colour black. The helper restores
+///   `GL_TEXTURE_ENV_MODE`. It needs unit 0 active, and the identity in all matrices.
+/// - Both need, at every call, the initial values in all pixel unpack parameters, and
+///   `GL_PIXEL_UNPACK_BUFFER` 0.
 ///
-/// docs/embedding.md has it call by call.
+/// docs/embedding.md in the sources lists the state call by call.
 class IKestrixGLScreenPreviewHelper : public IUnknown {
 public:
-    /// Makes the helper's GL objects in the current context. May be called again, say in a new
-    /// context: what was made before is deleted by its names in the context that is current then.
-    /// The fixed-function helper goes on with its picture; the other one is black until the next
-    /// frame.
-    /// `E_FAIL` where a GL entry point is missing or a shader does not build, `E_NOTIMPL` where the
-    /// context is older than OpenGL 3.2; the fixed-function helper always answers `S_OK`.
+    /// Makes the helper's GL objects in the current context. It may be called again, for instance
+    /// in a new context. It then deletes the names of the earlier objects in the context that is
+    /// current. After that the fixed-function helper still shows its picture; the OpenGL 3 helper
+    /// shows black until the next frame.
+    ///
+    /// The OpenGL 3 helper returns `E_FAIL` if a GL entry point is missing or a shader does not
+    /// build, and `E_NOTIMPL` if the context is older than OpenGL 3.2. The fixed-function helper
+    /// always returns `S_OK`.
     virtual HRESULT InitializeGL() = 0;
 
-    /// Paints the newest frame, or the one before again if there is no newer. `E_FAIL` from the
-    /// OpenGL 3 helper before a first successful `InitializeGL`.
+    /// Paints the newest frame; without a new one it paints the last picture again. The OpenGL 3
+    /// helper returns `E_FAIL` before the first successful `InitializeGL`.
     virtual HRESULT PaintGL() = 0;
 
-    /// Hands over the frame to show next; null shows black, at the next paint (the OpenGL 3 helper
-    /// clears to transparent black, and goes back to the frame before if painted again).
+    /// Sets the frame that the next paint shows. Null shows black: the fixed-function helper until
+    /// the next frame; the OpenGL 3 helper for one paint, which clears to transparent black, and
+    /// after it the frame before again.
     ///
-    /// OpenGL 3 helper: keeps a reference until the frame has been painted or replaced, always
-    /// `S_OK`. Fixed-function helper: converts at once and keeps no reference; `E_INVALIDARG` for a
-    /// frame that it can't convert or whose row bytes don't hold a line, `E_OUTOFMEMORY` where
-    /// there is no memory or the 3D packing is not `Packing3DLeftOnly`. After a failure the picture
-    /// before stays.
+    /// OpenGL 3 helper: keeps a reference until the frame has been painted or replaced, and always
+    /// returns `S_OK`. Fixed-function helper: converts at once and keeps no reference. It returns
+    /// `E_INVALIDARG` for a frame that it cannot convert or whose row bytes do not hold a line, and
+    /// `E_OUTOFMEMORY` if allocation fails or the 3D packing is not `Packing3DLeftOnly`. After a
+    /// failure the last picture stays.
     virtual HRESULT SetFrame(IKestrixVideoFrame* frame) = 0;
 
-    /// Chooses how stereoscopic frames are shown, a `Kestrix3DPreviewFormat`; from the next frame
-    /// on. Always `S_OK`.
+    /// Chooses how stereoscopic frames are shown, from the next frame on. `format` is a
+    /// `Kestrix3DPreviewFormat`. Always returns `S_OK`.
     virtual HRESULT Set3DPreviewFormat(std::uint32_t format) = 0;
 
 protected:
     virtual ~IKestrixGLScreenPreviewHelper() = default;
 };
 
-/// What is known of a frame beside its pixels. Reached from a frame. One without it counts as
-/// Rec. 601 where it is 720 pixels wide (fixed-function helper), or 720 x 480, 486 or 576 (OpenGL 3
-/// helper), and as Rec. 709 otherwise.
+/// Properties of a frame beside its pixels. Query the frame for it. A frame without it counts as
+/// Rec. 601 if it is 720 pixels wide (fixed-function helper), or if its size is 720 x 480, 486 or
+/// 576 (OpenGL 3 helper), and as Rec. 709 otherwise.
 ///
-/// Only the first operation is part of this revision; an object's table may go on after it.
+/// Only the first operation is part of this revision. An object's table may have more after it.
 class IKestrixVideoFrameMetadata : public IUnknown {
 public:
-    /// Stores the value of `id`, a `KestrixMetadataID`. A negative status where there is none.
+    /// Stores the value of `id`, a `KestrixMetadataID`. Returns a negative status if the frame has
+    /// no such value.
     virtual HRESULT GetInt(std::uint32_t id, std::int64_t* out) = 0;
 };
 
-/// A captured frame. The current revision uses it as a mark only: the fixed-function helper takes
-/// 8-bit RGB of a frame that answers for this id as studio range, 16 to 235.
+/// A captured frame. To the library the interface is only a mark: if a frame has it, the
+/// fixed-function helper takes its 8-bit RGB as studio range, 16 to 235.
 class IKestrixVideoInputFrame : public IKestrixVideoFrame {
 public:
     /// Not called by the library.
@@ -324,39 +334,38 @@ protected:
     ~IKestrixVideoInputFrame() override = default;
 };
 
-/// A frame whose properties can be set, and to which interfaces can be added.
+/// A frame whose properties can be changed, and which takes more interfaces.
 class IKestrixMutableVideoFrame : public IKestrixVideoFrame {
 public:
-    /// Sets what `GetFlags` answers. This and the next four are not called by the library, but by
-    /// the adapter that hands the frame to a host of revision 14.2.1.
+    /// Sets the value that `GetFlags` returns. The helpers do not call this operation and the next
+    /// four. The adapter that shows the frame to a host of revision 14.2.1 does.
     virtual HRESULT SetFlags(std::uint32_t flags) = 0;
-    /// Sets the timecode of a format to an object, of which the frame takes a reference.
+    /// Sets the timecode of a format. The frame takes a reference to `timecode`.
     virtual HRESULT SetTimecode(std::uint32_t format, IKestrixTimecode* timecode) = 0;
-    /// Sets the timecode of a format to a time of day and a frame number.
+    /// Sets the timecode of a format to a time and a frame number.
     virtual HRESULT SetTimecodeFromComponents(std::uint32_t format, std::uint8_t hours,
                                               std::uint8_t minutes, std::uint8_t seconds,
                                               std::uint8_t frames, std::uint32_t flags) = 0;
-    /// Sets what `GetAncillaryData` answers.
+    /// Sets the object that `GetAncillaryData` gives.
     virtual HRESULT SetAncillaryData(IKestrixVideoFrameAncillary* ancillary) = 0;
     /// Sets the 32 user bits of a format's timecode.
     virtual HRESULT SetTimecodeUserBits(std::uint32_t format, std::uint32_t userBits) = 0;
-    /// From now on `QueryInterface` for `id` on this frame is answered by `provider`, to which the
-    /// frame holds a reference. A null provider takes the registration back.
+    /// From now on `provider` answers `QueryInterface` for `id` on this frame, and the frame holds
+    /// a reference to it. A null provider removes the registration.
     virtual HRESULT RegisterInterfaceProvider(REFIID id, IUnknown* provider) = 0;
 
 protected:
     ~IKestrixMutableVideoFrame() override = default;
 };
 
-/// Where interfaces are added to a captured frame, which is not an `IKestrixMutableVideoFrame`.
+/// Adds interfaces to a captured frame, which is not an `IKestrixMutableVideoFrame`.
 class IKestrixFrameProviderRegistry : public IUnknown {
 public:
-    /// The first two operations belong to the side that owns the frames; the library never calls
-    /// them.
+    /// The library never calls the first two operations: they belong to the owner of the frames.
     virtual HRESULT Reserved1() = 0;
     /// See `Reserved1`.
     virtual HRESULT Reserved2() = 0;
-    /// As `IKestrixMutableVideoFrame::RegisterInterfaceProvider`.
+    /// Like `IKestrixMutableVideoFrame::RegisterInterfaceProvider`.
     virtual HRESULT RegisterInterfaceProvider(REFIID id, IUnknown* provider) = 0;
 };
 
@@ -364,18 +373,18 @@ public:
 
 extern "C" {
 
-/// Makes a helper for a legacy context, OpenGL 1.2 or later with the fixed pipeline (a
-/// compatibility profile will do). Two frame slots are kept in memory, at half of a frame's lines
-/// or less.
+/// Makes a helper for a legacy context: OpenGL 1.2 or later with the fixed pipeline, or a
+/// compatibility profile. The helper keeps two pictures in memory, each with half of a frame's
+/// lines or fewer.
 ///
-/// Gives a reference that the caller owns, or null where memory is short. Touches no GL and may be
+/// Returns a reference that the caller owns, or null if allocation fails. Touches no GL, and may be
 /// called on any thread.
 KESTRIX_EXPORT IKestrixGLScreenPreviewHelper* CreateOpenGLScreenPreviewHelper_0002();
 
 /// Makes a helper for a context of OpenGL 3.2 or later. The first call in a process also makes the
 /// colour tables, 8.6 MB that stay until the library is unloaded.
 ///
-/// Gives a reference that the caller owns, or null where memory is short. Touches no GL and may be
+/// Returns a reference that the caller owns, or null if allocation fails. Touches no GL, and may be
 /// called on any thread.
 KESTRIX_EXPORT IKestrixGLScreenPreviewHelper* CreateOpenGL3ScreenPreviewHelper_0002();
 }

@@ -8,8 +8,8 @@
 
 namespace {
 
-/// The body of both factories. `createCurrent` is the current one as it is exported: a host that
-/// puts a factory of its own before the library's gets that one wrapped.
+/// The body of both factories. `createCurrent` is the exported factory of the current revision. If
+/// a host defines a factory of the same name, the helper of that one is wrapped.
 IKestrixGLScreenPreviewHelper_v14_2_1* createHelper(CreateScreenPreviewHelperFunction createCurrent)
 {
     InterfaceRef<IKestrixGLScreenPreviewHelper> current;

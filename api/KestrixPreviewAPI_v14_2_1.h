@@ -1,14 +1,14 @@
-/// Interfaces and factories of libKestrixPreviewAPI as hosts of revision 14.2.1 know them.
+/// Interfaces and factories of libKestrixPreviewAPI for hosts of revision 14.2.1.
 ///
-/// Such a host needs this header alone, and goes on working without being built again. What it can
-/// not see is that the preview helper which it gets wraps one of the current revision, and that its
-/// frames are wrapped in turn on their way there.
+/// Such a host includes this header only, and works without being built again. The helper that it
+/// gets wraps a helper of the current revision, and wraps the host's frames before it passes them
+/// on. The host does not notice.
 ///
-/// The revision differs from the current one in where a frame's memory is: `GetBytes` is one of the
-/// frame's own operations, the bytes are valid as long as the frame, and there is neither a buffer
-/// interface nor an access to open. The rules of ownership, status codes, table order and threads
-/// are those told in KestrixPreviewAPI.h, as are the statuses, the codes, `IUnknown`, and what each
-/// operation does.
+/// The revision differs from the current one in how a host reaches a frame's memory: `GetBytes` is
+/// an operation of the frame itself, the bytes are valid as long as the frame, and there is no
+/// buffer interface and no access to open. All else is as in KestrixPreviewAPI.h: the rules of
+/// ownership, status codes, table order and threads, the statuses, the codes, `IUnknown`, and what
+/// each operation does.
 ///
 /// The header compiles as C++11 and later.
 #ifndef KESTRIX_PREVIEW_API_V14_2_1_H
@@ -33,17 +33,17 @@ static const REFIID IID_IKestrixGLScreenPreviewHelper_v14_2_1 = {{
 
 // --- The probe -----------------------------------------------------------------------------------
 
-/// Before it wraps an old frame, the library asks whether it is a current frame in disguise: it
+/// Before the library wraps an old frame, it asks whether the object is a current frame too: it
 /// queries for `IUnknown` with an out-argument that points to this value.
 static const std::uintptr_t ProbeSentinel = 0xBEEF;
 
-/// The answer of a frame that is one and knows the probe: it leaves the value alone and gives no
-/// reference. It is then used as the current frame that it has to be queried for.
+/// The status that a current frame which knows the probe returns. It leaves the value unchanged and
+/// gives no reference. The library then queries it for `IKestrixVideoFrame` and uses that.
 static const HRESULT ProbeReply = 0x0FEE1BAD;
 
 // --- Interfaces ----------------------------------------------------------------------------------
 
-/// A frame, its memory included.
+/// A frame with its memory.
 class IKestrixVideoFrame_v14_2_1 : public IUnknown {
 public:
     virtual std::int64_t GetWidth() = 0;
@@ -51,8 +51,8 @@ public:
     virtual std::int64_t GetRowBytes() = 0;
     virtual std::uint32_t GetPixelFormat() = 0;
     virtual std::uint32_t GetFlags() = 0;
-    /// Stores the address of the first pixel of the first line in memory, valid as long as the
-    /// frame. `E_POINTER` for a null `out`.
+    /// Stores the address of the first pixel of the first line in memory, which is valid as long as
+    /// the frame. Returns `E_POINTER` for a null `out`.
     virtual HRESULT GetBytes(void** out) = 0;
     virtual HRESULT GetTimecode(std::uint32_t format, IKestrixTimecode** out) = 0;
     virtual HRESULT GetAncillaryData(IKestrixVideoFrameAncillary** out) = 0;
@@ -61,7 +61,7 @@ protected:
     virtual ~IKestrixVideoFrame_v14_2_1() = default;
 };
 
-/// A frame whose properties can be set.
+/// A frame whose properties can be changed.
 class IKestrixMutableVideoFrame_v14_2_1 : public IKestrixVideoFrame_v14_2_1 {
 public:
     virtual HRESULT SetFlags(std::uint32_t flags) = 0;
@@ -88,25 +88,26 @@ protected:
     ~IKestrixVideoInputFrame_v14_2_1() override = default;
 };
 
-/// Present on a frame that belongs to a stereoscopic pair.
+/// An interface of frames that belong to a stereoscopic pair.
 class IKestrixVideoFrame3DExtensions_v14_2_1 : public IUnknown {
 public:
     virtual std::uint32_t Get3DPackingFormat() = 0;
-    /// Stores the right eye's frame, with a reference. `E_INVALIDARG` for a null `out`.
+    /// Stores the frame of the right eye, with a reference. Returns `E_INVALIDARG` for a null
+    /// `out`.
     virtual HRESULT GetFrameForRightEye(IKestrixVideoFrame_v14_2_1** out) = 0;
 
 protected:
     virtual ~IKestrixVideoFrame3DExtensions_v14_2_1() = default;
 };
 
-/// Paints frames into the current OpenGL context, by the rules of `IKestrixGLScreenPreviewHelper`:
-/// for which the library's helper can be queried too.
+/// Paints frames into the current OpenGL context. The rules of `IKestrixGLScreenPreviewHelper`
+/// apply. The library's helper also answers a query for that interface.
 class IKestrixGLScreenPreviewHelper_v14_2_1 : public IUnknown {
 public:
     virtual HRESULT InitializeGL() = 0;
     virtual HRESULT PaintGL() = 0;
-    /// Hands over the frame to show next, null for black. A frame that memory is too short to wrap
-    /// counts as null.
+    /// Sets the frame that the next paint shows; null shows black. If there is no memory to wrap
+    /// the frame, it counts as null.
     virtual HRESULT SetFrame(IKestrixVideoFrame_v14_2_1* frame) = 0;
     virtual HRESULT Set3DPreviewFormat(std::uint32_t format) = 0;
 

@@ -1,15 +1,15 @@
-/// What every `QueryInterface` of the library begins with, and the whole of it for most objects.
+/// The common parts of every `QueryInterface` of the library.
 #pragma once
 
 #include "api/KestrixPreviewAPI.h"
 
-/// Whether `id` is that of `IUnknown`, which every object answers for.
+/// Whether `id` is the id of `IUnknown`, which every object has.
 inline bool IsIUnknown(REFIID id)
 {
     return id == IID_IUnknown;
 }
 
-/// Answers a query with `self`.
+/// Answers a query with `self`: adds a reference, stores the pointer and returns `S_OK`.
 template<class Interface>
 HRESULT AnswerWith(Interface* self, void** out)
 {
@@ -18,8 +18,8 @@ HRESULT AnswerWith(Interface* self, void** out)
     return S_OK;
 }
 
-/// Answers a query for `id` on an object whose only interface beside `IUnknown` is `self`, of the
-/// id `selfID`. `E_POINTER` for a null `out`.
+/// Answers a query for `id` on an object that has only `IUnknown` and the interface `self`, whose
+/// id is `selfID`. `E_POINTER` for a null `out`.
 template<class Interface>
 HRESULT AnswerQueryInterface(Interface* self, REFIID selfID, REFIID id, void** out)
 {
@@ -31,9 +31,9 @@ HRESULT AnswerQueryInterface(Interface* self, REFIID selfID, REFIID id, void** o
     return E_NOINTERFACE;
 }
 
-/// Answers a query for `id` on an object that adds the interface `self`, of the id `selfID`, to
-/// those of `inner`: to which all other queries go, that for `IUnknown` too. `E_POINTER` for a null
-/// `out`.
+/// Answers a query for `id` on an object that adds the interface `self`, whose id is `selfID`, to
+/// the interfaces of `inner`. All other queries go to `inner`, also the query for `IUnknown`.
+/// `E_POINTER` for a null `out`.
 template<class Interface>
 HRESULT AnswerOrForward(Interface* self, REFIID selfID, IUnknown* inner, REFIID id, void** out)
 {
@@ -42,7 +42,8 @@ HRESULT AnswerOrForward(Interface* self, REFIID selfID, IUnknown* inner, REFIID 
     return id == selfID ? AnswerWith(self, out) : inner->QueryInterface(id, out);
 }
 
-/// Queries `object` for its interface `id` and stores it in `out`, null where there is none.
+/// Queries `object` for its interface `id` and stores it in `out`, null if it has none. Returns the
+/// object's status.
 template<class Interface>
 HRESULT QueryInto(IUnknown* object, REFIID id, Interface** out)
 {

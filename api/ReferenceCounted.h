@@ -4,8 +4,8 @@
 #include <atomic>
 #include <cstdint>
 
-/// Counts the references to an object of the given interfaces, all of them by one count. The object
-/// starts with one reference and ends with the last.
+/// An object with the given interfaces and one reference count for all of them. The count starts at
+/// 1. At 0 the object is deleted.
 template<class... Interfaces>
 class ReferenceCounted : public Interfaces... {
 public:
@@ -24,7 +24,7 @@ public:
 
 protected:
     ReferenceCounted() = default;
-    // NOLINTNEXTLINE(modernize-use-override): `IUnknown` has none that could be overridden
+    // NOLINTNEXTLINE(modernize-use-override): `IUnknown` has no destructor to override
     virtual ~ReferenceCounted() = default;
 
 private:

@@ -21,7 +21,7 @@ std::shared_ptr<void> ScopedBufferBytes(IKestrixVideoBuffer* buffer, std::uint32
         buffer->EndAccess(flags);
         buffer->Release();
     };
-    // Should the shared count not fit into memory, the pointer calls the deleter before it throws.
+    // If allocation of the shared count fails, the pointer calls the deleter before it throws.
     return {bytes, endAccess};
 }
 

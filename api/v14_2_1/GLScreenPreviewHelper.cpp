@@ -1,4 +1,4 @@
-/// Hands old frames to the current helper.
+/// Wraps old frames and passes them to the current helper.
 #include "api/v14_2_1/GLScreenPreviewHelper.h"
 
 #include "api/QueryInterface.h"

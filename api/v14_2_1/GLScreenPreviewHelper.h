@@ -1,4 +1,4 @@
-/// A preview helper as hosts of revision 14.2.1 know it.
+/// The preview helper for hosts of revision 14.2.1.
 #pragma once
 
 #include "api/InterfaceRef.h"
@@ -7,14 +7,14 @@
 
 #include <cstdint>
 
-/// Wraps a current helper and the frames on their way to it. Counts its own references, and answers
-/// for its own id only; all other queries go to the current helper.
+/// Wraps a current helper, and wraps the frames that it passes to it. Counts its own references. It
+/// answers queries for its own id, and passes all others to the current helper.
 ///
-/// Threads and GL context as with the current helper.
+/// The rules for threads and the GL context are those of the current helper.
 class CKestrixGLScreenPreviewHelper_v14_2_1 final
     : public ReferenceCounted<IKestrixGLScreenPreviewHelper_v14_2_1> {
 public:
-    /// Takes a reference of its own to `current`, which is not null.
+    /// Adds a reference to `current`, which is not null.
     explicit CKestrixGLScreenPreviewHelper_v14_2_1(IKestrixGLScreenPreviewHelper* current)
         : m_current(current)
     {

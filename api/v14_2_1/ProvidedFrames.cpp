@@ -1,4 +1,4 @@
-/// How each adapter is attached, and what it answers for.
+/// Attaches each adapter to its frame, and answers its queries.
 #include "api/v14_2_1/ProvidedFrames.h"
 
 #include "api/v14_2_1/VideoFrame3DExtensions.h"

@@ -1,22 +1,22 @@
-/// The adapters that make a current frame an old one: attached to the frame by `create`, and found
-/// by a query from then on.
+/// The adapters that show a current frame as an old one. `create` attaches an adapter to the frame,
+/// and after that a query on the frame finds it.
 ///
-/// `create` may be called from any thread. Of several calls for one frame, the first attaches and
-/// the others find. No pointer may be null; `out` is null after a failure and has a reference to
-/// the frame else.
+/// `create` may be called on any thread. The first call for a frame attaches the adapter, and later
+/// calls find it. No pointer may be null. After a success `out` holds a reference to the frame;
+/// after a failure it is null.
 #pragma once
 
 #include "api/v14_2_1/ProvidedInterface.h"
 
 #include <cstdint>
 
-/// A frame that takes registrations by its `IKestrixMutableVideoFrame`.
+/// A frame, whose `IKestrixMutableVideoFrame` takes the registration.
 class CKestrixVideoFrame_v14_2_1 final
     : public CProvidedInterfaceBase<IKestrixVideoFrame, IKestrixVideoFrame_v14_2_1,
                                     CKestrixVideoFrame_v14_2_1> {
 public:
-    /// `E_UNEXPECTED` where the frame is not mutable, `E_OUTOFMEMORY` where memory is short, what
-    /// the registration answers where that fails.
+    /// `E_UNEXPECTED` if the frame is not mutable, `E_OUTOFMEMORY` if allocation fails, or the
+    /// status of a registration that fails.
     static HRESULT create(IKestrixVideoFrame* frame, IKestrixVideoFrame_v14_2_1** out);
 
     explicit CKestrixVideoFrame_v14_2_1(IKestrixVideoFrame* frame) : CProvidedInterfaceBase(frame)
@@ -26,14 +26,15 @@ public:
     HRESULT QueryInterface(REFIID id, void** out) override;
 };
 
-/// A mutable frame: attached as a plain old frame as well, in the place of one that was before.
-/// That one ends, whatever references were taken to it, so callers attach the richer adapter first.
+/// A mutable frame. The adapter is also attached as a plain old frame. If such an adapter was
+/// attached before, it is replaced and destroyed, whatever references exist to it. So callers
+/// attach the adapter with more interfaces first.
 class CKestrixMutableVideoFrame_v14_2_1 final
     : public CProvidedInterfaceBase<IKestrixMutableVideoFrame, IKestrixMutableVideoFrame_v14_2_1,
                                     CKestrixMutableVideoFrame_v14_2_1> {
 public:
-    /// Attaches for both interfaces or for none. `E_OUTOFMEMORY` where memory is short, what the
-    /// registration answers where that fails.
+    /// Attaches for both interfaces or for none. `E_OUTOFMEMORY` if allocation fails, or the status
+    /// of a registration that fails.
     static HRESULT create(IKestrixMutableVideoFrame* frame,
                           IKestrixMutableVideoFrame_v14_2_1** out);
 
@@ -53,18 +54,18 @@ public:
     HRESULT SetTimecodeUserBits(std::uint32_t format, std::uint32_t userBits) override;
 };
 
-/// A captured frame, which takes registrations by its `IKestrixFrameProviderRegistry`: attached as
-/// a plain old frame and for the old 3D extensions as well, in the place of those that were before,
-/// with the same consequence. Extensions are made for every query.
+/// A captured frame, whose `IKestrixFrameProviderRegistry` takes the registrations. The adapter is
+/// also attached as a plain old frame and for the old 3D extensions, and replaces earlier adapters
+/// as above. Each query makes new extensions.
 ///
-/// A frame with the registry that is no `IKestrixVideoInputFrame` gets an adapter that has nothing
-/// to give: it counts no references, and what is asked of it fails.
+/// If a frame has the registry but is no `IKestrixVideoInputFrame`, its adapter has no frame: it
+/// counts no references, and its operations fail.
 class CKestrixVideoInputFrame_v14_2_1 final
     : public CProvidedInterfaceBase<IKestrixVideoInputFrame, IKestrixVideoInputFrame_v14_2_1,
                                     CKestrixVideoInputFrame_v14_2_1> {
 public:
-    /// `E_FAIL` where the frame has no registry, `E_OUTOFMEMORY` where memory is short, what the
-    /// registration answers where that fails: those made before it stay.
+    /// `E_FAIL` if the frame has no registry, `E_OUTOFMEMORY` if allocation fails, or the status of
+    /// a registration that fails: the registrations before it stay.
     static HRESULT create(IKestrixVideoFrame* frame, IKestrixVideoInputFrame_v14_2_1** out);
 
     explicit CKestrixVideoInputFrame_v14_2_1(IKestrixVideoInputFrame* frame)

@@ -1,4 +1,4 @@
-/// How an old interface is added to a current frame.
+/// Adds an old interface to a current frame.
 #pragma once
 
 #include "api/InterfaceRef.h"
@@ -13,15 +13,15 @@
 #include <new>
 #include <type_traits>
 
-/// A current frame as one of revision 14.2.1: what the three adapters `Adapter` have in common.
-/// `Current` and `Old` are a frame interface and its old form.
+/// A current frame as a frame of revision 14.2.1: the common part of the three adapters. `Current`
+/// and `Old` are a frame interface and its old form; `Adapter` is the adapter itself.
 ///
-/// An adapter belongs to a `Provider` that is registered with the frame, and is found by querying
-/// the frame for the old interface. It has no count of its own: its references are references to
-/// the frame. It ends with its registration, at the latest with the frame.
+/// A `Provider` that is registered with the frame owns the adapter. A query on the frame for the
+/// old interface finds it. An adapter has no count of its own: its references are references to the
+/// frame. It is destroyed when its registration ends, at the latest with the frame.
 ///
-/// The frame's memory is opened for reading and writing when the adapter is made and never closed,
-/// as an old frame's bytes can be used at any time.
+/// The constructor opens the frame's memory for reading and writing. The access is never closed,
+/// because the bytes of an old frame can be used at any time.
 template<class Current, class Old, class Adapter>
 class CProvidedInterfaceBase : public Old {
 public:
@@ -30,7 +30,7 @@ public:
     CProvidedInterfaceBase(const CProvidedInterfaceBase&) = delete;
     CProvidedInterfaceBase& operator=(const CProvidedInterfaceBase&) = delete;
 
-    /// Makes an adapter for `frame`. Null where memory is short.
+    /// Makes an adapter for `frame`. Null if allocation fails.
     static Adapter* providerConstructsCProvidedInterface(Current* frame)
     {
         return new (std::nothrow) Adapter(frame);
@@ -76,8 +76,8 @@ protected:
     }
     ~CProvidedInterfaceBase() override = default;
 
-    /// Answers for `ownID` and for the old frame, and hands all else on to the current one: `out`
-    /// as it is, for it may point to a probe that the frame knows.
+    /// Answers queries for `ownID` and for the old frame, and passes all others to the current
+    /// frame. `out` is passed unchanged, because it may point to a probe that the frame knows.
     HRESULT answerOrForward(REFIID ownID, REFIID id, void** out)
     {
         if (!out)
@@ -92,8 +92,7 @@ protected:
         return E_NOINTERFACE;
     }
 
-    /// Calls an operation of the frame. Where there is no frame, statuses are `E_FAIL` and numbers
-    /// 0.
+    /// Calls an operation of the frame. If there is no frame, statuses are `E_FAIL` and numbers 0.
     template<class Result, class Interface, class... Parameters>
     Result forward(Result (Interface::*operation)(Parameters...),
                    std::type_identity_t<Parameters>... arguments)
@@ -103,7 +102,7 @@ protected:
         return std::is_same_v<Result, HRESULT> ? static_cast<Result>(E_FAIL) : Result{0};
     }
 
-    /// Registers `provider` for each of `ids` in turn, up to the first failure.
+    /// Registers `provider` for each of `ids` in order, and stops at the first failure.
     template<class Registry>
     static HRESULT registerFor(std::initializer_list<REFIID> ids, Registry* registry,
                                IUnknown* provider)
@@ -122,13 +121,13 @@ private:
     void* m_bytes = nullptr;
 };
 
-/// What the frame holds: makes the adapter when it is first asked for, and owns it.
+/// The object that is registered with the frame. Makes the adapter at the first query, and owns it.
 template<class Current, class Old, class Adapter>
 class CProvidedInterfaceBase<Current, Old, Adapter>::Provider final
     : public ReferenceCounted<IUnknown> {
 public:
-    /// Makes a provider for `frame`, which may be null and which it holds no reference to, as the
-    /// frame is to hold it. Null where memory is short.
+    /// Makes a provider for `frame`, which may be null. The provider has no reference to the frame,
+    /// because the frame will have one to the provider. Null if allocation fails.
     static InterfaceRef<IUnknown> create(Current* frame)
     {
         InterfaceRef<IUnknown> provider;
@@ -149,7 +148,7 @@ private:
     explicit Provider(Current* frame) : m_frame(frame) {}
     ~Provider() override { delete m_adapter.load(); }
 
-    /// Of threads that come here at the same time one makes the adapter that stays.
+    /// If several threads make an adapter at the same time, one of the adapters stays.
     Adapter* adapterOfFrame()
     {
         if (Adapter* const made = m_adapter.load())

@@ -1,4 +1,4 @@
-/// The frame of the right eye, from either revision to the other.
+/// Passes the frame of the right eye from one revision to the other.
 #include "api/v14_2_1/VideoFrame3DExtensions.h"
 
 #include "api/QueryInterface.h"

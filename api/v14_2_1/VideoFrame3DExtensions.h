@@ -1,7 +1,7 @@
-/// The stereoscopic extensions of a frame, each revision's as the other's.
+/// Adapters for the stereoscopic extensions of a frame, in both directions.
 ///
-/// Both adapters count their own references and answer for their own id only; all other queries go
-/// to the extensions that they wrap.
+/// Both count their own references. They answer queries for their own id, and pass all others to
+/// the extensions that they wrap.
 #pragma once
 
 #include "api/InterfaceRef.h"
@@ -14,13 +14,13 @@
 class CKestrixVideoFrame3DExtensions_From_v14_2_1 final
     : public ReferenceCounted<IKestrixVideoFrame3DExtensions> {
 public:
-    /// Wraps `old`. Null where memory is short.
+    /// Wraps `old`. Null if allocation fails.
     static IKestrixVideoFrame3DExtensions* create(IKestrixVideoFrame3DExtensions_v14_2_1* old);
 
     HRESULT QueryInterface(REFIID id, void** out) override;
     std::uint32_t Get3DPackingFormat() override { return m_old->Get3DPackingFormat(); }
 
-    /// Gives the old frame wrapped. `E_OUTOFMEMORY` where memory is short for that.
+    /// Stores the wrapped old frame. `E_OUTOFMEMORY` if allocation of the wrapper fails.
     HRESULT GetFrameForRightEye(IKestrixVideoFrame** out) override;
 
 private:
@@ -38,14 +38,14 @@ private:
 class CKestrixVideoFrame3DExtensions_v14_2_1 final
     : public ReferenceCounted<IKestrixVideoFrame3DExtensions_v14_2_1> {
 public:
-    /// Wraps `current`. Null where memory is short.
+    /// Wraps `current`. Null if allocation fails.
     static IKestrixVideoFrame3DExtensions_v14_2_1* create(IKestrixVideoFrame3DExtensions* current);
 
     HRESULT QueryInterface(REFIID id, void** out) override;
     std::uint32_t Get3DPackingFormat() override { return m_current->Get3DPackingFormat(); }
 
-    /// Gives the adapter that is attached to the current frame, attaching one if need be as
-    /// `CKestrixVideoInputFrame_v14_2_1::create` does; fails as that does.
+    /// Stores the adapter of the current frame. `CKestrixVideoInputFrame_v14_2_1::create` finds or
+    /// attaches it; its failures are returned.
     HRESULT GetFrameForRightEye(IKestrixVideoFrame_v14_2_1** out) override;
 
 private:

@@ -1,4 +1,4 @@
-/// Which old frames are wrapped, and what the wrapper answers for.
+/// Decides which old frames are wrapped, and answers the wrapper's queries.
 #include "api/v14_2_1/VideoFrame_From.h"
 
 #include "api/QueryInterface.h"
@@ -9,17 +9,17 @@
 
 namespace {
 
-/// Whether the frame is a current one in disguise.
+/// Whether the object is a current frame too, and knows the probe.
 bool understandsProbe(IKestrixVideoFrame_v14_2_1* frame)
 {
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): a value that is no address, to be found again
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): a value to compare with, not an address
     void* const sentinel = reinterpret_cast<void*>(ProbeSentinel);
     void* answer = sentinel;
     const HRESULT status = frame->QueryInterface(IID_IUnknown, &answer);
     if (status < 0)
         return false;
     if (answer != sentinel) {
-        // A frame that does not know the probe has answered for `IUnknown`.
+        // The frame does not know the probe and has answered the query.
         if (answer)
             static_cast<IUnknown*>(answer)->Release();
         return false;

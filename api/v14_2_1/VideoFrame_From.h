@@ -1,4 +1,4 @@
-/// A frame of revision 14.2.1 as a current one.
+/// Shows a frame of revision 14.2.1 as a current one.
 #pragma once
 
 #include "api/InterfaceRef.h"
@@ -7,18 +7,18 @@
 
 #include <cstdint>
 
-/// Wraps an old frame, for as long as it has a reference itself. Interfaces that are the same in
-/// both revisions are the old frame's own.
+/// Wraps an old frame, and keeps a reference to it. Queries for interfaces that are the same in
+/// both revisions go to the old frame.
 ///
 /// As thread-safe as the old frame.
 class CKestrixVideoFrame_From_v14_2_1 final
     : public ReferenceCounted<IKestrixVideoFrame, IKestrixVideoBuffer> {
 public:
-    /// Gives a current frame with a reference: `old` itself where it is one and says so when
-    /// probed, a wrapper otherwise. Null for null, and where memory is short.
+    /// Returns a current frame with a reference: `old` itself if the probe shows that it is one, or
+    /// else a wrapper. Null for null, and if allocation fails.
     static IKestrixVideoFrame* create(IKestrixVideoFrame_v14_2_1* old);
 
-    /// `E_FAIL` for every query where `old` is null; nothing else may be called then.
+    /// If `old` is null, every query returns `E_FAIL`, and nothing else may be called.
     explicit CKestrixVideoFrame_From_v14_2_1(IKestrixVideoFrame_v14_2_1* old) : m_old(old) {}
 
     HRESULT QueryInterface(REFIID id, void** out) override;
@@ -38,7 +38,8 @@ public:
         return m_old->GetAncillaryData(out);
     }
 
-    // IKestrixVideoBuffer. The memory of an old frame is always there: nothing is to be opened.
+    // IKestrixVideoBuffer. The memory of an old frame can always be used: there is no access to
+    // open.
     HRESULT GetBytes(void** out) override { return m_old->GetBytes(out); }
     HRESULT StartAccess(std::uint32_t) override { return S_OK; }
     HRESULT EndAccess(std::uint32_t) override { return S_OK; }
