@@ -22,8 +22,8 @@ unsigned ceil_pow2(unsigned n)
     return static_cast<unsigned>(std::bit_ceil(std::uint64_t{n}));
 }
 
-/// Binary logarithm of the step from one line that is shown to the next: a preview has no use for
-/// more than some 540 lines.
+/// Binary logarithm of the step from one line that is shown to the next. A preview needs about 540
+/// lines at most.
 unsigned lineShiftForWidth(unsigned width)
 {
     if (width > 7679)
@@ -46,8 +46,8 @@ void drawBlack()
 
 } // namespace
 
-/// A frame's sizes and how its lines lie in memory. The frame is asked once, because it may answer
-/// otherwise the next time.
+/// A frame's sizes and how its lines lie in memory. The frame is asked only once, because its next
+/// answer may differ.
 struct CGLScreenPreview::FrameLines {
     explicit FrameLines(IKestrixVideoFrame* frame)
         : width(frame->GetWidth()),
@@ -79,8 +79,8 @@ struct CGLScreenPreview::FrameLines {
     std::int64_t rowBytes;
 };
 
-/// What is drawn of a frame, and where: worked out before anything is touched. Its numbers are of
-/// use only if `lines` holds the frame's format.
+/// What is drawn of a frame, and where. It is worked out before a slot is changed. The numbers are
+/// valid only if `lines` holds the frame's format.
 struct CGLScreenPreview::PicturePlan {
     /// `rightEye` is null for a frame without one. `nonPowerOfTwo`: textures may have any size.
     PicturePlan(IKestrixVideoFrame* frame, IKestrixVideoFrame* rightEye, std::uint32_t format3D,
@@ -103,7 +103,7 @@ struct CGLScreenPreview::PicturePlan {
         rightOffset = sideBySide ? eyeRowBytes() : std::size_t{eyeRows()} * rowBytes();
     }
 
-    /// An eye, in pixels, rows that are drawn, and bytes of a row.
+    /// The size of one eye: its pixels a row, the rows that are drawn, and the bytes of a row.
     [[nodiscard]] unsigned eyeWidth() const { return static_cast<unsigned>(lines.width); }
     [[nodiscard]] unsigned eyeRows() const
     {
@@ -124,7 +124,7 @@ struct CGLScreenPreview::PicturePlan {
 
     IKestrixVideoFrame* left;
     IKestrixVideoFrame* right;
-    /// Those of `left`. An eye with other sizes is left out.
+    /// The lines of `left`. An eye of another size is left out.
     FrameLines lines;
     bool rightOnly;
     /// Every `lineStep`th line is shown.
@@ -146,7 +146,7 @@ CGLScreenPreview::CGLScreenPreview()
 CGLScreenPreview::~CGLScreenPreview()
 {
     for (const FrameTextureBuffer& slot : m_slots) {
-        // Deletes those of both slots each time; the GL ignores names that are gone.
+        // Deletes the buffers of both slots each time. The GL ignores names that are deleted.
         deletePixelBuffers();
         std::free(slot.bytes);
     }

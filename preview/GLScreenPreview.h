@@ -13,13 +13,13 @@
 /// lines or less, and draws it as a textured quad.
 ///
 /// Two slots take turns: one is ready to be painted, and the other is free to be filled. There is
-/// no lock: the host sees to it that no two calls run at once. `InitializeGL`, `PaintGL` and the
-/// last `Release` are GL calls. A context without a `GL_EXTENSIONS` string, which is one of a core
-/// profile, counts as a context without extensions, and shows nothing.
+/// no lock: the host must not let two calls run at the same time. `InitializeGL`, `PaintGL` and the
+/// last `Release` are GL calls. A context of a core profile has no `GL_EXTENSIONS` string: the
+/// helper treats it as a context without extensions, and shows nothing in it.
 ///
-/// A frame's sizes and row bytes are the host's word. The helper asks for them once a use and
-/// compares them with the slot. It refuses or leaves out a frame that changes or contradicts
-/// itself.
+/// A frame's sizes and row bytes come from the host and may be wrong. The helper asks for them once
+/// for each use, and compares them with its plan. It refuses a frame that contradicts itself, and
+/// leaves out an eye that does not fit.
 ///
 /// The interface documents what each operation returns, and the GL state that it leaves.
 class CGLScreenPreview final : public ReferenceCounted<IKestrixGLScreenPreviewHelper>,
@@ -38,8 +38,8 @@ private:
     struct FrameLines;
     struct PicturePlan;
 
-    /// Deletes the pixel buffers, if there are any: the GL thread then, the context current.
-    /// Textures stay until their context goes.
+    /// Deletes the pixel buffers. If there are any, this must be the GL thread, with the context
+    /// current. Textures stay until their context is destroyed.
     ~CGLScreenPreview() override;
 
     /// Draws the eyes of the plan at `destination`. A second eye that is not of the first one's
@@ -64,6 +64,7 @@ private:
     /// Holds the picture on show. Null shows black.
     FrameTextureBuffer* m_ready = nullptr;
     FrameTextureBuffer* m_free = m_slots;
-    /// As the host gave it: a code that is none of `Kestrix3DPreviewFormat` counts as the default.
+    /// The code that the host set. A code that is not in `Kestrix3DPreviewFormat` counts as the
+    /// default.
     std::uint32_t m_3DFormat = Preview3DDefault;
 };
