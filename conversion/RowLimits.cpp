@@ -1,5 +1,5 @@
 /// The least widths of rows that become RGB, from the stages that unpack them.
-#include "conversion/RowLimits.h"
+#include "conversion/pipeline/RowLimits.h"
 
 #include "conversion/KSXPixelConversion.h"
 #include "conversion/stages/V210.h"

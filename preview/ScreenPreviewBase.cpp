@@ -2,8 +2,9 @@
 #include "preview/ScreenPreviewBase.h"
 
 #include "api/InterfaceRef.h"
-#include "conversion/Transform.h"
 #include "conversion/colour/StudioClamp.h"
+#include "conversion/fast/Rules.h"
+#include "conversion/pipeline/Transform.h"
 
 #include <algorithm>
 #include <cstddef>

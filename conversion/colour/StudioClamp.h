@@ -1,8 +1,8 @@
 /// The limit that holds 8-bit RGB within studio range.
 #pragma once
 
-#include "conversion/Kernel.h"
-#include "conversion/VectorConstants.h"
+#include "conversion/pipeline/Kernel.h"
+#include "conversion/pipeline/Vector.h"
 
 namespace KSX::PixelConversion {
 
@@ -17,9 +17,9 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        constexpr __m128i kBlack = v4i(0x10101010);
-        constexpr __m128i kWhite = v4i(0xebebebeb);
-        return {{_mm_min_epu8(_mm_max_epu8(in[0], kBlack), kWhite)}};
+        constexpr Vector kBlack = v4i(0x10101010);
+        constexpr Vector kWhite = v4i(0xebebebeb);
+        return {{minU8(maxU8(in[0], kBlack), kWhite)}};
     }
 };
 
