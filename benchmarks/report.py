@@ -160,7 +160,8 @@ def time_build():
     with tempfile.TemporaryDirectory() as folder:
         configure = ["cmake", "-S", ROOT, "-B", folder, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Release",
                      "-DKESTRIX_BUILD_TESTS=OFF", "-DKESTRIX_BUILD_BENCHMARKS=OFF",
-                     "-DKESTRIX_BUILD_EXAMPLES=OFF", "-DKESTRIX_BUILD_HOST=OFF"]
+                     "-DKESTRIX_BUILD_EXAMPLES=OFF", "-DKESTRIX_BUILD_TOOLS=OFF",
+                     "-DKESTRIX_BUILD_HOST=OFF"]
         subprocess.run(configure, check=True, stdout=subprocess.DEVNULL)
         begin = time.monotonic()
         subprocess.run(["cmake", "--build", folder], check=True, stdout=subprocess.DEVNULL)

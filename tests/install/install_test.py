@@ -106,7 +106,7 @@ def folders(build, scratch):
         folder = scratch / "configured"
         run("cmake", "-S", SOURCE, "-B", folder, "-DCMAKE_INSTALL_PREFIX=/prefix",
             f"-DCMAKE_INSTALL_LIBDIR={libdir}", f"-DCMAKE_INSTALL_INCLUDEDIR={includedir}",
-            *(f"-DKESTRIX_BUILD_{part}=OFF" for part in ("TESTS", "EXAMPLES", "HOST", "BENCHMARKS")))
+            *(f"-DKESTRIX_BUILD_{part}=OFF" for part in ("TESTS", "EXAMPLES", "TOOLS", "HOST", "BENCHMARKS")))
         # As if the installed tree had been moved.
         moved = scratch / "moved" / libdir.lstrip("/") / "pkgconfig"
         moved.mkdir(parents=True, exist_ok=True)
