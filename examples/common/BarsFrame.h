@@ -20,18 +20,18 @@ public:
     static const int kHeight = 1080;
 
     /// Bars that have moved to the left by `shift` times 6 pixels.
-    explicit BarsFrame(unsigned shift) : m_words(kRowWords * kHeight + kOverReadWords)
+    explicit BarsFrame(int shift) : m_words(kRowWords * kHeight + kOverReadWords)
     {
         // 10-bit Y', Cb, Cr by ITU-R BT.709-6, 3: white, yellow, cyan, green, magenta, red, blue,
         // black.
         static const std::uint32_t codes[8][3] = {{721, 512, 512}, {689, 288, 533}, {628, 563, 288},
                                                   {596, 339, 309}, {408, 685, 715}, {376, 461, 736},
                                                   {315, 736, 491}, {283, 512, 512}};
-        const unsigned groups = kWidth / 6;
+        const int groups = kWidth / 6;
         std::uint32_t* word = m_words.data();
-        for (unsigned line = 0; line < kHeight; ++line)
-            for (unsigned group = 0; group < groups; ++group) {
-                const unsigned bar = (group + shift) % groups * 8 / groups;
+        for (int line = 0; line < kHeight; ++line)
+            for (int group = 0; group < groups; ++group) {
+                const int bar = (group + shift) % groups * 8 / groups;
                 const std::uint32_t* code = codes[line < kHeight * 3 / 4 ? bar : 7 - bar];
                 // Six pixels in four words, three samples a word: Cb Y Cr, Y Cb Y, Cr Y Cb, Y Cr Y.
                 const std::uint32_t y = code[0], cb = code[1], cr = code[2];

@@ -1,11 +1,11 @@
-/// What the examples have in common and a host has in its own way: options, errors, a picture file.
+/// What the examples share and each host has in its own way: options, errors, a picture file.
 ///
 ///     EXAMPLE [--size WIDTHxHEIGHT] [--frames N] [--png FILE] [--detach]
 ///
-/// The window has the given size in the toolkit's units and stays until it is closed, or until N
-/// frames have been painted, the last of which goes into FILE as it stands in the framebuffer. With
-/// N of 0 there is no signal: what is painted is the missing frame. `--detach`, where an example
-/// can, has the view change to another window after half of the frames.
+/// The window has the given size in the toolkit's units. It stays until it is closed, or until N
+/// frames have been painted; FILE then gets the last picture in the framebuffer. If N is 0, there
+/// is no signal, and the example paints without a frame. `--detach` moves the view to another
+/// window after half of the frames, in the examples that can do so.
 #pragma once
 
 #include <KestrixPreviewAPI.h>
@@ -64,6 +64,16 @@ inline void check(HRESULT status, const char* call)
 {
     if (status < 0)
         throw std::runtime_error(std::string(call) + " failed");
+}
+
+/// Sets the alpha of the bound framebuffer to 1. Without a frame the OpenGL 3 helper clears to
+/// alpha 0, and a compositor would show what is behind the picture.
+inline void makeOpaque()
+{
+    glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_TRUE);
+    glClearColor(0, 0, 0, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
 }
 
 /// Writes the bound framebuffer, if a file was asked for.

@@ -1,9 +1,9 @@
-/// Where the newest frame waits between the thread that captures and the one that paints. To be
-/// copied.
+/// Holds the newest frame between the thread that captures and the thread that paints. Copy it into
+/// your host.
 ///
-/// With it a helper is called on the GL thread alone. So it does for both helpers, and the capture
-/// may go on while a helper ends and another is made, as toolkits want it when a view changes its
-/// window: the new one gets the same frame.
+/// All calls to the helper are made on the GL thread. So the slot works with both helpers. The
+/// capture can also continue while one helper ends and another is made, which happens when a view
+/// moves to another window: the new helper gets the same frame.
 #pragma once
 
 #include <KestrixPreviewAPI.h>
@@ -30,13 +30,16 @@ public:
             ++m_number;
         }
         if (frame)
-            frame->Release(); // without the lock: a frame's end may take a while
+            frame->Release(); // not under the lock, because it may take a while
     }
 
-    /// Hands the newest frame to a helper, in front of each paint. `shown` belongs to the helper: 0
-    /// when it is made, or initialised anew, and otherwise left alone. A frame that the helper has
-    /// is not handed over again, which would be another upload or conversion; no signal is, because
-    /// the OpenGL 3 helper is black for one paint only. GL thread.
+    /// Hands the newest frame to a helper. Call it before each paint, on the GL thread. `shown` is
+    /// the number of the frame that this helper has: set it to 0 after the helper is made or
+    /// initialised again, and do not change it otherwise.
+    ///
+    /// If the helper has the newest frame already, nothing is done, because the helper would upload
+    /// or convert the frame again. If there is no frame, null is handed over before every paint,
+    /// because the OpenGL 3 helper paints black only once and then shows its last frame again.
     HRESULT handTo(IKestrixGLScreenPreviewHelper* helper, std::uint64_t& shown)
     {
         IKestrixVideoFrame* frame = nullptr;
@@ -58,5 +61,5 @@ public:
 private:
     std::mutex m_mutex;
     IKestrixVideoFrame* m_frame = nullptr;
-    std::uint64_t m_number = 0; // of the frame, counted from 1
+    std::uint64_t m_number = 0; // number of the frame, from 1
 };

@@ -79,19 +79,13 @@ void run(const ExampleOptions& options)
     // A context that never had a surface starts with a viewport of 0 by 0.
     glViewport(0, 0, options.width, options.height);
     for (int painted = 0; painted == 0 || !options.ends(painted); ++painted) {
-        BarsFrame* frame =
-            options.signal() ? new BarsFrame(static_cast<unsigned>(painted)) : nullptr;
+        BarsFrame* frame = options.signal() ? new BarsFrame(painted) : nullptr;
         check(helper->SetFrame(frame), "SetFrame");
         if (frame)
             frame->Release(); // the helper has a reference of its own
         check(helper->PaintGL(), "PaintGL");
     }
-    // Without a frame the helper has cleared to alpha 0. What goes to an encoder or a compositor
-    // as a picture is to be opaque.
-    glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_TRUE);
-    glClearColor(0, 0, 0, 1);
-    glClear(GL_COLOR_BUFFER_BIT);
-    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+    makeOpaque(); // an encoder or a compositor may use alpha
     writePng(options, options.width, options.height);
 
     // The last Release deletes GL objects, so the context is still current here.

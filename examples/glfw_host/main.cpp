@@ -31,7 +31,7 @@ private:
     void run(int count)
     {
         for (int i = 0; i != count && !m_stop; ++i) {
-            BarsFrame* frame = new BarsFrame(static_cast<unsigned>(i));
+            BarsFrame* frame = new BarsFrame(i);
             m_slot.put(frame);
             frame->Release(); // the slot has a reference of its own
             m_ended = i + 1 == count;
@@ -58,12 +58,7 @@ void paint(GLFWwindow* window, IKestrixGLScreenPreviewHelper* helper, FrameSlot&
     glfwGetFramebufferSize(window, &width, &height);
     glViewport(0, 0, width, height);
     check(helper->PaintGL(), "PaintGL");
-
-    // Without a frame the helper clears to alpha 0, which a compositor may look at.
-    glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_TRUE);
-    glClearColor(0, 0, 0, 1);
-    glClear(GL_COLOR_BUFFER_BIT);
-    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+    makeOpaque();
 }
 
 void run(const ExampleOptions& options)

@@ -93,8 +93,7 @@ void run(const ExampleOptions& options)
     for (int painted = 0; view.handleEvents();) {
         // This helper converts here and now, and keeps no reference. It has no lock, so all calls
         // are made from one thread.
-        BarsFrame* frame =
-            options.signal() ? new BarsFrame(static_cast<unsigned>(painted)) : nullptr;
+        BarsFrame* frame = options.signal() ? new BarsFrame(painted) : nullptr;
         const HRESULT status = helper->SetFrame(frame);
         if (frame)
             frame->Release();

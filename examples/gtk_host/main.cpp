@@ -44,66 +44,12 @@ void unrealize(GtkGLArea* area, View* view)
     view->helper = nullptr;
 }
 
-void place(View* view);
-
-gboolean move(gpointer data)
-{
-    place(static_cast<View*>(data));
-    return G_SOURCE_REMOVE;
-}
-
-gboolean render(GtkGLArea* area, GdkGLContext*, View* view)
-{
-    if (!view->helper || !view->open)
-        return TRUE;
-    // From any thread in a real program; then gtk_gl_area_queue_render by g_idle_add.
-    BarsFrame* frame =
-        view->options.signal() ? new BarsFrame(static_cast<unsigned>(view->painted)) : nullptr;
-    view->helper->SetFrame(frame);
-    if (frame)
-        frame->Release(); // the helper has a reference of its own
-
-    // The area's framebuffer is not 0, and GTK has bound it. Its size is the area's times the
-    // scale of the display.
-    const int scale = gtk_widget_get_scale_factor(GTK_WIDGET(area));
-    const int width = gtk_widget_get_width(GTK_WIDGET(area)) * scale;
-    const int height = gtk_widget_get_height(GTK_WIDGET(area)) * scale;
-    glViewport(0, 0, width, height);
-    view->helper->PaintGL();
-
-    // GTK blends the area over the window. Without a frame the helper clears to alpha 0, and the
-    // window's background would show.
-    glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_TRUE);
-    glClearColor(0, 0, 0, 1);
-    glClear(GL_COLOR_BUFFER_BIT);
-    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
-
-    ++view->painted;
-    if (view->options.ends(view->painted)) {
-        view->open = false;
-        try {
-            writePng(view->options, width, height);
-        } catch (const std::exception& error) {
-            end(view, error.what()); // which must not pass through GTK
-        }
-    } else if (view->options.detach && view->painted == view->options.frames / 2) {
-        g_idle_add(move, view); // not while painting
-    }
-    return TRUE;
-}
-
 void closed(GtkWidget* window, View* view)
 {
     if (window != view->window)
         return; // the area has left it
     view->window = nullptr;
     view->open = false;
-}
-
-gboolean nextFrame(GtkWidget* area, GdkFrameClock*, gpointer)
-{
-    gtk_gl_area_queue_render(GTK_GL_AREA(area));
-    return G_SOURCE_CONTINUE;
 }
 
 /// Puts the area into a new window; the one before goes.
@@ -121,6 +67,47 @@ void place(View* view)
     }
     gtk_window_set_child(GTK_WINDOW(view->window), view->area);
     gtk_window_present(GTK_WINDOW(view->window));
+}
+
+gboolean render(GtkGLArea* area, GdkGLContext*, View* view)
+{
+    if (!view->helper || !view->open)
+        return TRUE;
+    // From any thread in a real program; then gtk_gl_area_queue_render by g_idle_add.
+    BarsFrame* frame = view->options.signal() ? new BarsFrame(view->painted) : nullptr;
+    view->helper->SetFrame(frame);
+    if (frame)
+        frame->Release(); // the helper has a reference of its own
+
+    // The area's framebuffer is not 0, and GTK has bound it. Its size is the area's times the
+    // scale of the display.
+    const int scale = gtk_widget_get_scale_factor(GTK_WIDGET(area));
+    const int width = gtk_widget_get_width(GTK_WIDGET(area)) * scale;
+    const int height = gtk_widget_get_height(GTK_WIDGET(area)) * scale;
+    glViewport(0, 0, width, height);
+    view->helper->PaintGL();
+
+    makeOpaque(); // GTK blends the area over the window
+
+    ++view->painted;
+    if (view->options.ends(view->painted)) {
+        view->open = false;
+        try {
+            writePng(view->options, width, height);
+        } catch (const std::exception& error) {
+            end(view, error.what()); // which must not pass through GTK
+        }
+    } else if (view->options.detach && view->painted == view->options.frames / 2) {
+        const auto move = [](gpointer data) { place(static_cast<View*>(data)); };
+        g_idle_add_once(move, view); // not while painting
+    }
+    return TRUE;
+}
+
+gboolean nextFrame(GtkWidget* area, GdkFrameClock*, gpointer)
+{
+    gtk_gl_area_queue_render(GTK_GL_AREA(area));
+    return G_SOURCE_CONTINUE;
 }
 
 void run(const ExampleOptions& options)

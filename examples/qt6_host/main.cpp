@@ -24,13 +24,7 @@ public:
         QObject::connect(&m_timer, &QTimer::timeout, this, [this] { update(); });
         m_timer.start(40);
     }
-    ~PreviewWidget() override
-    {
-        // Qt makes no context current for a destructor.
-        makeCurrent();
-        releaseHelper();
-        doneCurrent();
-    }
+    ~PreviewWidget() override { releaseHelper(); }
 
     /// What went wrong inside Qt's calls, which no exception may leave.
     const std::string& failure() const { return m_failure; }
@@ -51,12 +45,8 @@ protected:
     void initializeGL() override
     {
         // The old context goes before the new one comes, and with it the helper's objects.
-        m_contextEnds =
-            QObject::connect(context(), &QOpenGLContext::aboutToBeDestroyed, this, [this] {
-                makeCurrent();
-                releaseHelper();
-                doneCurrent();
-            });
+        m_contextEnds = QObject::connect(context(), &QOpenGLContext::aboutToBeDestroyed, this,
+                                         &PreviewWidget::releaseHelper);
         m_helper = CreateOpenGL3ScreenPreviewHelper_0002();
         if (!m_helper || m_helper->InitializeGL() < 0)
             end("no helper in this context");
@@ -64,11 +54,10 @@ protected:
 
     void paintGL() override
     {
-        if (!m_helper)
+        if (m_ended)
             return;
         // From any thread in a real program; then update() by a queued call.
-        BarsFrame* frame =
-            m_options.signal() ? new BarsFrame(static_cast<unsigned>(m_painted)) : nullptr;
+        BarsFrame* frame = m_options.signal() ? new BarsFrame(m_painted) : nullptr;
         m_helper->SetFrame(frame);
         if (frame)
             frame->Release(); // the helper has a reference of its own
@@ -79,13 +68,7 @@ protected:
         const int height = qRound(this->height() * devicePixelRatio());
         glViewport(0, 0, width, height);
         m_helper->PaintGL();
-
-        // Qt composes this framebuffer with what lies behind. Without a frame the helper clears to
-        // alpha 0, and the desktop would show through a translucent window.
-        glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_TRUE);
-        glClearColor(0, 0, 0, 1);
-        glClear(GL_COLOR_BUFFER_BIT);
-        glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+        makeOpaque(); // Qt composes this framebuffer with what is behind the widget
 
         ++m_painted;
         if (m_options.ends(m_painted)) {
@@ -106,18 +89,21 @@ private:
     void end(const char* failure)
     {
         m_timer.stop();
-        releaseHelper(); // Qt has the context current wherever this is called
+        m_ended = true;
         m_failure = failure;
         QTimer::singleShot(0, [] { QApplication::quit(); }); // exec() may not have begun
     }
 
-    /// With the context current.
+    /// The last Release deletes GL objects. Qt makes no context current for a destructor, nor for
+    /// the signal of a context that ends.
     void releaseHelper()
     {
         QObject::disconnect(m_contextEnds);
+        makeCurrent();
         if (m_helper)
             m_helper->Release();
         m_helper = nullptr;
+        doneCurrent();
     }
 
     const ExampleOptions& m_options;
@@ -126,6 +112,7 @@ private:
     QMetaObject::Connection m_contextEnds;
     QTimer m_timer;
     int m_painted = 0;
+    bool m_ended = false;
     std::string m_failure;
 };
 

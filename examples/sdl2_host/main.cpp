@@ -50,8 +50,7 @@ void run(const ExampleOptions& options)
             open = open && event.type != SDL_QUIT;
 
         // From any thread in a real program, such as the one on which a capture device calls back.
-        BarsFrame* frame =
-            options.signal() ? new BarsFrame(static_cast<unsigned>(painted)) : nullptr;
+        BarsFrame* frame = options.signal() ? new BarsFrame(painted) : nullptr;
         check(helper->SetFrame(frame), "SetFrame");
         if (frame)
             frame->Release(); // the helper has a reference of its own
