@@ -22,27 +22,12 @@ inline std::size_t rowBytes(KSX::PixelConversion::PixelFormat format, unsigned w
     return KSX::PixelConversion::rowBytes(*KSX::PixelConversion::findPixelFormat(format), width);
 }
 
-/// "709", or nothing for an unspecified colourspace.
-inline std::string colourspaceName(KSX::PixelConversion::Colorspace colorspace)
-{
-    switch (colorspace) {
-    case KSX::PixelConversion::Colorspace601:
-        return "601";
-    case KSX::PixelConversion::Colorspace709:
-        return "709";
-    case KSX::PixelConversion::Colorspace2020:
-        return "2020";
-    default:
-        return "";
-    }
-}
-
 /// As in "2vuy:709/BGRA:709".
 inline std::string shortName(unsigned index)
 {
     const auto end = [](KSX::PixelConversion::PixelFormat format,
                         KSX::PixelConversion::Colorspace colorspace) {
-        const std::string suffix = colourspaceName(colorspace);
+        const std::string suffix = KSX::PixelConversion::colorspaceName(colorspace);
         return KSX::PixelConversion::findPixelFormat(format)->name +
                (suffix.empty() ? "" : ":" + suffix);
     };

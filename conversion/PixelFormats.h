@@ -1,9 +1,10 @@
-/// What is known of each pixel format as memory: its names, and how many bytes a row takes.
+/// The names of formats and colourspaces, and how many bytes a row of each format takes.
 #pragma once
 
 #include "conversion/KSXPixelConversion.h"
 
 #include <cstddef>
+#include <string_view>
 
 namespace KSX::PixelConversion {
 
@@ -63,6 +64,36 @@ constexpr const PixelFormatInfo* findPixelFormat(std::uint32_t code)
         if (info.code == code)
             return &info;
     return nullptr;
+}
+
+/// The row of the format with that name, or null.
+constexpr const PixelFormatInfo* findPixelFormat(std::string_view name)
+{
+    for (const PixelFormatInfo& info : kPixelFormats)
+        if (info.name == name)
+            return &info;
+    return nullptr;
+}
+
+/// The code of `format` as text: its four characters, or "32".
+constexpr const char* codeText(const PixelFormatInfo& format)
+{
+    return format.code == PixelFormat_ARGB ? "32" : format.name;
+}
+
+/// "601", "709" or "2020"; empty for an unspecified colourspace.
+constexpr const char* colorspaceName(Colorspace colorspace)
+{
+    switch (colorspace) {
+    case Colorspace601:
+        return "601";
+    case Colorspace709:
+        return "709";
+    case Colorspace2020:
+        return "2020";
+    default:
+        return "";
+    }
 }
 
 /// Bytes that a row of `width` pixels occupies when written: whole groups. Of a row of 8-bit 4:2:2

@@ -46,7 +46,8 @@ std::string colorspacesOf(const Conversion& conversion)
     const auto& [src, from, dst, to, function] = conversion.entry;
     if (from == ColorspaceUnspecified)
         return "any";
-    return from == to ? nameOf(from) : nameOf(from) + std::string(" to ") + nameOf(to);
+    const std::string name = colorspaceName(from);
+    return from == to ? name : name + " to " + colorspaceName(to);
 }
 
 } // namespace

@@ -172,7 +172,7 @@ std::string fixedFunction(PixelFormat format, unsigned& leastWidth)
             GetConversionFunction(format, PixelFormat_RGBA, colorspace, Colorspace709);
         if (!function && !(format == PixelFormat_RGBA && colorspace == Colorspace709))
             continue;
-        taken += (taken.empty() ? "" : ", ") + std::string(nameOf(colorspace));
+        taken += (taken.empty() ? "" : ", ") + std::string(colorspaceName(colorspace));
         if (function)
             leastWidth = std::max(leastWidth, leastWidthOf(function));
     }
@@ -319,7 +319,7 @@ void printMatrix()
     for (std::size_t line = 0; line < 4; ++line) {
         std::string head = "     ";
         for (const PixelFormatInfo& dst : kPixelFormats) {
-            const std::string code = codeOf(dst.code);
+            const std::string code = codeText(dst);
             const std::size_t blank = 4 - code.size();
             head += std::string(" ") + (line < blank ? ' ' : code[line - blank]);
         }
@@ -329,7 +329,7 @@ void printMatrix()
         if (std::none_of(conversions, kEnd,
                          [&](const auto& entry) { return entry.srcFormat == src.code; }))
             continue;
-        std::printf("%4s ", codeOf(src.code).c_str());
+        std::printf("%4s ", codeText(src));
         for (const PixelFormatInfo& dst : kPixelFormats)
             std::printf(" %c", cellOf(src.code, dst.code));
         std::printf("\n");
