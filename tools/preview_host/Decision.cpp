@@ -25,22 +25,14 @@ std::optional<std::uint32_t> statedCode(IKestrixVideoFrame* frame)
     return static_cast<std::uint32_t>(code);
 }
 
-std::string colorspaceName(Colorspace colorspace)
+std::string nameOf(Colorspace colorspace)
 {
-    switch (colorspace) {
-    case Colorspace601:
-        return "Rec. 601";
-    case Colorspace709:
-        return "Rec. 709";
-    case Colorspace2020:
-        return "Rec. 2020";
-    default:
-        return "no known colourspace";
-    }
+    return colorspace == ColorspaceUnspecified ? "no known colourspace"
+                                               : std::string("Rec. ") + colorspaceName(colorspace);
 }
 
-/// The row by which the conversion of a frame of `format` was found. A row for captured frames is
-/// that of another format, and has its conversion to itself.
+/// The row of the table that has this conversion to RGBA, of `format` if it has one: captured
+/// frames are converted by a row of another format.
 const ConversionEntry* rowOf(ConversionFunction conversion, PixelFormat format)
 {
     const ConversionEntry* found = nullptr;
@@ -63,9 +55,8 @@ std::string conversionFor(const ScreenPreviewBase& base)
     std::string words = clamped + "row " + std::to_string(row - conversions) +
                         " of the conversions, " + findPixelFormat(row->srcFormat)->name + " to " +
                         findPixelFormat(row->dstFormat)->name;
-    words += row->srcColorspace == ColorspaceUnspecified
-                 ? ", the same in every colourspace"
-                 : " of " + colorspaceName(row->dstColorspace);
+    words += row->srcColorspace == ColorspaceUnspecified ? ", the same in every colourspace"
+                                                         : " of " + nameOf(row->dstColorspace);
     return words;
 }
 
@@ -74,7 +65,7 @@ std::string fixedFunctionDecision(IKestrixVideoFrame* frame)
     ScreenPreviewBase base;
     const bool canBeShown = base.setup(frame, PixelFormat_RGBA);
     const std::string colorspace =
-        colorspaceName(base.previewColourspace()) +
+        nameOf(base.previewColourspace()) +
         (statedCode(frame) ? " as stated" : " by width " + std::to_string(frame->GetWidth()));
     return colorspace + "; " +
            (canBeShown

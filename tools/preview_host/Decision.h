@@ -1,4 +1,4 @@
-/// What a helper makes of a frame, and why.
+/// What a helper decides about a frame, and why.
 #pragma once
 
 #include "Options.h"
@@ -7,11 +7,11 @@
 
 namespace preview_host {
 
-/// The colourspace that the helper takes `frame` to be in, what made it so, and the conversion or
-/// colour table that follows from that, in one line.
+/// One line: the colourspace that the helper takes `frame` to be in, the reason, and the conversion
+/// or colour table that follows.
 ///
-/// Asks the very code that the library was linked from, so that the two can't come apart. The
-/// helpers differ: without a stated colourspace the fixed-function one goes by the width alone.
+/// The helpers' own code decides here too. The helpers differ: if the frame states no colourspace,
+/// the fixed-function one decides by the width alone.
 std::string decisionFor(HelperKind helper, IKestrixVideoFrame* frame);
 
 } // namespace preview_host

@@ -1,77 +1,69 @@
-/// Frames are made once and used again as soon as the helper has let go of them.
+/// Opening the inputs, and making frames of what they give.
 #include "FrameReader.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace preview_host {
 
 using kestrix::host::MemoryFrame;
 using kestrix::host::MemoryFrameOptions;
 
-FrameReader::FrameReader(const FrameLayout& layout, bool captured, Input& left, Input* right)
-    : m_layout(layout),
-      m_captured(captured),
-      m_left(left),
-      m_right(right)
+namespace {
+
+constexpr Size kPatternSize{1920, 1080};
+
+Size frameSize(const Options& options, const Source& source)
 {
+    if (options.size)
+        return *options.size;
+    if (source.picture)
+        return source.picture->size;
+    if (source.path.empty())
+        return kPatternSize;
+    throw UsageError("raw frames need --size");
+}
+
+} // namespace
+
+FrameReader::FrameReader(const Options& options)
+{
+    const Source left = openSource(options.input);
+    m_layout = makeLayout(options, frameSize(options, left));
+    m_left = makeInput(left, m_layout, options.rate);
+    if (!options.rightEye.empty())
+        m_right = makeInput(openSource(options.rightEye), m_layout, options.rate);
 }
 
 Read FrameReader::next()
 {
-    if (!m_filling)
-        m_filling = &unusedPair();
-
-    if (!m_leftIsFilled) {
-        const Read result = m_left.read(m_index, m_filling->left->bytes());
-        if (result != Read::Frame)
+    for (Input* input : {m_left.get(), m_right.get()})
+        if (const Read result = input ? input->read() : Read::Frame; result != Read::Frame)
             return result;
-        m_leftIsFilled = true;
-    }
-    if (m_right) {
-        const Read result = m_right->read(m_index, m_filling->right->bytes());
-        if (result != Read::Frame)
-            return result;
-    }
-    m_shown = m_filling;
-    m_filling = nullptr;
-    m_leftIsFilled = false;
-    ++m_index;
+    ++m_frames;
+    writeFrame();
     return Read::Frame;
 }
 
-void FrameReader::setLayout(const FrameLayout& layout, bool captured)
+void FrameReader::setLayout(const FrameLayout& layout)
 {
     m_layout = layout;
-    m_captured = captured;
-    const auto fill = [&](Input& input, bool isShown, MemoryFrame& from, MemoryFrame& to) {
-        if (!input.isEndless())
-            std::copy_n(from.bytes(), from.size(), to.bytes());
-        else if (isShown)
-            input.read(m_index - 1, to.bytes());
-    };
-    m_left.setLayout(layout);
-    if (m_right)
-        m_right->setLayout(layout);
-    for (Pair& pair : m_pairs) {
-        Pair old = std::exchange(pair, makePair());
-        fill(m_left, &pair == m_shown, *old.left, *pair.left);
-        if (m_right)
-            fill(*m_right, &pair == m_shown, *old.right, *pair.right);
-    }
-    // A frame that was being filled is made anew where it is made.
-    m_leftIsFilled = m_leftIsFilled && !m_left.isEndless();
+    m_pairs.clear();
+    if (m_frames > 0)
+        writeFrame();
 }
 
-FrameReader::Pair& FrameReader::unusedPair()
+void FrameReader::writeFrame()
 {
-    const auto unused = std::find_if(m_pairs.begin(), m_pairs.end(), [](const Pair& pair) {
-        // The left frame holds a reference to the right one.
-        return pair.left->references() == 1 && (!pair.right || pair.right->references() == 2);
+    auto pair = std::find_if(m_pairs.begin(), m_pairs.end(), [](const Pair& each) {
+        return each.left->references() == 1 && (!each.right || each.right->references() == 2);
     });
-    if (unused != m_pairs.end())
-        return *unused;
-    return m_pairs.emplace_back(makePair());
+    const bool isNew = pair == m_pairs.end();
+    if (isNew)
+        pair = m_pairs.insert(pair, makePair());
+    m_left->write(m_frames - 1, m_layout, isNew, pair->left->bytes());
+    if (m_right)
+        m_right->write(m_frames - 1, m_layout, isNew, pair->right->bytes());
+    m_frame = pair->left.get();
 }
 
 FrameReader::Pair FrameReader::makePair() const
@@ -83,23 +75,21 @@ FrameReader::Pair FrameReader::makePair() const
         .rowBytes = m_layout.rowBytes,
         .flags = m_layout.flip ? FrameFlagFlipVertical : FrameFlagDefault,
         .colorspace = m_layout.colorspace,
-        .captured = m_captured,
+        .captured = m_layout.captured,
     };
     Pair pair;
     if (m_right) {
         pair.right = MemoryFrame::create(options);
-        m_right->prepare(pair.right->bytes());
         options.packing3D = Packing3DLeftOnly;
         options.rightEye = pair.right.get();
     }
     pair.left = MemoryFrame::create(options);
-    m_left.prepare(pair.left->bytes());
     return pair;
 }
 
 std::string FrameReader::fault() const
 {
-    const std::string fault = m_left.fault();
+    const std::string fault = m_left->fault();
     return fault.empty() && m_right ? m_right->fault() : fault;
 }
 

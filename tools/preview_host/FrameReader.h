@@ -1,4 +1,4 @@
-/// Turns one or two inputs into frames to hand to a helper.
+/// Turns the inputs into frames for a helper.
 #pragma once
 
 #include "Input.h"
@@ -7,52 +7,55 @@
 
 #include <cstdint>
 #include <deque>
+#include <memory>
 
 namespace preview_host {
 
-/// Reads frames, a pair of them where there is a right eye.
+/// Reads frames, and their right eyes if there is an input for these.
 class FrameReader {
 public:
-    /// The inputs have to outlive the reader; `right` may be null. Frames are marked as captured if
-    /// so asked.
-    FrameReader(const FrameLayout& layout, bool captured, Input& left, Input* right);
+    /// Opens the inputs. Throws `UsageError` and `std::runtime_error`.
+    explicit FrameReader(const Options& options);
 
-    /// Goes on to the next frame; after `Read::Frame` it is there.
+    const FrameLayout& layout() const { return m_layout; }
+
+    /// Gives this frame and the next ones another layout of the same size.
+    void setLayout(const FrameLayout& layout);
+
+    const Input& left() const { return *m_left; }
+
+    /// Null if frames have one eye.
+    const Input* right() const { return m_right.get(); }
+
+    /// Goes on to the next frame; `frame` is valid after `Read::Frame`.
     Read next();
 
-    /// Has the frames in another layout of the same size from now on, that of `frame` included, and
-    /// marked as captured or not. Frames that are read rather than made keep their bytes, of which
-    /// there are as many then as before.
-    void setLayout(const FrameLayout& layout, bool captured);
+    /// The newest frame, the left eye's. Valid until the next call of `next` or `setLayout`; who
+    /// holds a reference has it for longer.
+    IKestrixVideoFrame* frame() const { return m_frame; }
 
-    /// The newest frame, the left eye's. Valid until the next call of `next` or `setLayout`, and
-    /// from then on for whoever holds a reference.
-    IKestrixVideoFrame* frame() const { return m_shown->left.get(); }
-
-    /// What was wrong with the inputs' end, one line; empty where nothing was.
+    /// What is wrong with the end of the inputs, one line; empty if nothing is.
     std::string fault() const;
 
 private:
     using FramePointer = kestrix::host::Owned<kestrix::host::MemoryFrame>;
 
-    /// The frames of both eyes; the left one leads to the right one.
+    /// The frames of both eyes. The left one holds a reference to the right one.
     struct Pair {
         FramePointer left;
         FramePointer right;
     };
 
     Pair makePair() const;
-    Pair& unusedPair();
+    void writeFrame();
 
     FrameLayout m_layout;
-    bool m_captured;
-    Input& m_left;
-    Input* const m_right;
+    std::unique_ptr<Input> m_left;
+    std::unique_ptr<Input> m_right;
+    /// Frames are used again after the helper has released them.
     std::deque<Pair> m_pairs;
-    const Pair* m_filling = nullptr;
-    const Pair* m_shown = nullptr;
-    bool m_leftIsFilled = false;
-    std::uint64_t m_index = 0;
+    IKestrixVideoFrame* m_frame = nullptr;
+    std::uint64_t m_frames = 0;
 };
 
 } // namespace preview_host

@@ -1,4 +1,4 @@
-/// Where the bytes of frames come from.
+/// The sources of the frames' bytes.
 #pragma once
 
 #include "FrameLayout.h"
@@ -14,11 +14,11 @@ namespace preview_host {
 /// How an attempt to get a frame ended.
 enum class Read {
     Frame,   ///< there is a new frame
-    Pending, ///< not all of it has come yet, try again
+    Pending, ///< a part of it has not come yet, try again
     End,     ///< there is no more
 };
 
-/// A source of frames of one layout.
+/// A source of frames.
 class Input {
 public:
     virtual ~Input() = default;
@@ -26,47 +26,39 @@ public:
     /// In words.
     virtual std::string description() const = 0;
 
-    /// Whether it goes on for ever. Such an input makes its frames itself, and may be asked for one
-    /// again.
-    virtual bool isEndless() const = 0;
+    /// Whether the input makes its frames. It can then make them in any layout and has no end.
+    /// Frames that are not made but read keep their bytes in every layout.
+    virtual bool isMade() const { return true; }
 
-    /// How many frames there are, if that is known beforehand.
+    /// How many frames there are, if that is known.
     virtual std::optional<std::uint64_t> frames() const { return std::nullopt; }
 
-    /// Makes further frames in another layout of the same size. Frames that are not made but read
-    /// stay the bytes that they are, and have as many in both layouts.
-    virtual void setLayout(const FrameLayout& /*layout*/) {}
+    /// Gets the next frame ready, if it is not. Waits a few milliseconds at most.
+    virtual Read read() { return Read::Frame; }
 
-    /// Writes what is the same in all frames to the zeroed bytes of a new one.
-    virtual void prepare(std::uint8_t* /*bytes*/) {}
+    /// Writes frame `index`: the one that is ready, or again the one that was written last. `bytes`
+    /// are those of a frame of `layout`; they hold an earlier frame or, if `isNew`, zeros.
+    virtual void write(std::uint64_t index, const FrameLayout& layout, bool isNew,
+                       std::uint8_t* bytes) = 0;
 
-    /// Makes prepared bytes frame `index`; frames are asked for in order. Waits a few milliseconds
-    /// at most: after `Read::Pending` it is to be called again with the same arguments.
-    virtual Read read(std::uint64_t index, std::uint8_t* bytes) = 0;
-
-    /// What was wrong with the input's end, one line; empty where nothing was.
+    /// What is wrong with the end of the input, one line; empty if nothing is.
     virtual std::string fault() const { return {}; }
 };
 
-/// The inputs of a run, and the layout of their frames.
-struct Inputs {
-    FrameLayout layout;
-    std::unique_ptr<Input> left;
-    /// Null without a right eye.
-    std::unique_ptr<Input> right;
+/// A path with its picture, if it names one. An empty path is the test pattern.
+struct Source {
+    std::string path;
+    std::optional<Image> picture;
 };
 
-/// Opens what the options name. Throws `UsageError` and `std::runtime_error`.
-Inputs openInputs(const Options& options);
+/// Throws `std::runtime_error`.
+Source openSource(const std::string& path);
+
+/// The test pattern, a picture, or raw frames. The pattern's clock counts `rate` frames a second.
+/// Throws `UsageError` and `std::runtime_error`.
+std::unique_ptr<Input> makeInput(const Source& source, const FrameLayout& layout, double rate);
 
 /// Raw frames one after the other in a file, or on standard input for "-".
-std::unique_ptr<Input> openRawInput(const std::string& path, const FrameLayout& layout);
-
-/// One still picture for ever.
-std::unique_ptr<Input> makePictureInput(const std::string& path, const Image& image,
-                                        const FrameLayout& layout);
-
-/// The test pattern for ever, its clock counting `rate` frames a second.
-std::unique_ptr<Input> makePatternInput(const FrameLayout& layout, double rate);
+std::unique_ptr<Input> makeRawInput(const std::string& path, std::size_t frameBytes);
 
 } // namespace preview_host

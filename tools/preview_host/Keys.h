@@ -1,7 +1,8 @@
-/// The keys: which there are, what each does, and how they are told to the user.
+/// The keys, and what each of them does.
 #pragma once
 
-#include <optional>
+#include <algorithm>
+#include <iterator>
 #include <string>
 
 namespace preview_host {
@@ -27,21 +28,32 @@ struct Key {
 
 inline constexpr Key kKeys[] = {
     {'f', Action::NextFormat, "show the picture in the next pixel format"},
-    {'F', Action::PreviousFormat, "in the one before"},
-    {'r', Action::OtherRange, "in the other range, full or studio, where the format has both"},
-    {'c', Action::NextColorspace, "have the frames state r601, r709, 2020 or none, in turn"},
-    {'3', Action::Next3D, "the next 3D mode: default, left, right, side, topbottom"},
-    {'h', Action::OtherHelper, "the other helper, gl or gl3"},
+    {'F', Action::PreviousFormat, "show it in the previous pixel format"},
+    {'r', Action::OtherRange, "show it in the other range, full or studio, if the format has both"},
+    {'c', Action::NextColorspace, "let the frames state r601, r709, 2020 or none, in turn"},
+    {'3', Action::Next3D, "use the next 3D mode: default, left, right, side, topbottom"},
+    {'h', Action::OtherHelper, "use the other helper, gl or gl3"},
     {'m', Action::OtherCapture, "mark the frames as captured, or not"},
     {'t', Action::TellTimes, "print the frame times"},
     {'?', Action::TellKeys, "print the keys"},
     {'q', Action::Quit, "quit; so does Escape"},
 };
 
-/// What the key does, if it does anything.
-std::optional<Action> actionOf(char character);
+/// The key with that character, or null.
+inline const Key* findKey(char character)
+{
+    const Key* key = std::find_if(std::begin(kKeys), std::end(kKeys),
+                                  [=](const Key& each) { return each.character == character; });
+    return key == std::end(kKeys) ? nullptr : key;
+}
 
 /// A line for each key.
-std::string keyList();
+inline std::string keyList()
+{
+    std::string list;
+    for (const Key& key : kKeys)
+        list += std::string("  ") + key.character + "  " + key.effect + '\n';
+    return list;
+}
 
 } // namespace preview_host

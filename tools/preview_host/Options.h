@@ -1,10 +1,13 @@
-/// The command line of the sample host.
+/// The command line of preview_host.
 #pragma once
 
 #include "api/KestrixPreviewAPI.h"
+#include "conversion/KSXPixelConversion.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -26,14 +29,14 @@ struct Size {
 
 enum class HelperKind { FixedFunction, OpenGL3 };
 
-/// What was asked for, each value checked by itself.
+/// The values of the options, each checked by itself.
 struct Options {
     /// A file of raw frames, "-" for standard input, a PNG picture, or empty for the test pattern.
     std::string input;
-    /// The same for the right eye; empty for a plain frame.
+    /// The same for the right eye; empty for frames of one eye.
     std::string rightEye;
     HelperKind helper = HelperKind::OpenGL3;
-    std::uint32_t format = 0;
+    std::uint32_t format = KSX::PixelConversion::PixelFormat_BGRA;
     std::optional<Size> size;
     std::optional<unsigned> rowBytes;
     std::optional<std::uint32_t> colorspace;
@@ -41,21 +44,20 @@ struct Options {
     bool flip = false;
     std::uint32_t preview3D = Preview3DDefault;
     /// Frames a second, 0 for as fast as possible.
-    double rate = 0;
-    /// How many frames to show, if not all.
+    double rate = 25;
+    /// How many frames to show; all if not given.
     std::optional<std::uint64_t> frames;
     std::optional<Size> window;
     std::string screenshot;
     /// Keys to press, one after each frame.
     std::string keys;
-    bool listFormats = false;
 };
 
-/// Reads the command line. Throws `UsageError`; gives nothing where help or a completion script was
-/// asked for and printed.
+/// Reads the command line. Throws `UsageError`. Returns nothing if an option asked for information
+/// only, which is printed then.
 std::optional<Options> parseOptions(int argc, char** argv);
 
-/// A value by its name on the command line. The keys go through a table of them in its order.
+/// A value and its name on the command line. The keys step through a table of these in its order.
 template<class VALUE>
 struct Named {
     const char* name;
@@ -84,20 +86,15 @@ inline constexpr Named<std::uint32_t> kPreview3DModes[] = {
 template<class VALUE, std::size_t N>
 const Named<VALUE>& named(const Named<VALUE> (&table)[N], VALUE value)
 {
-    std::size_t i = 0;
-    while (!(table[i].value == value))
-        ++i;
-    return table[i];
+    return *std::find_if(std::begin(table), std::end(table),
+                         [&](const auto& entry) { return entry.value == value; });
 }
 
-/// The value after that of `value` in the table, after the last one the first.
+/// The value after `value` in the table; the first one after the last one.
 template<class VALUE, std::size_t N>
 VALUE nextValue(const Named<VALUE> (&table)[N], VALUE value)
 {
     return table[(&named(table, value) - table + 1) % N].value;
 }
-
-/// The code that a format's name or number means, if it is one of the 30.
-std::optional<std::uint32_t> formatCode(const std::string& name);
 
 } // namespace preview_host

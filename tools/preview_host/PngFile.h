@@ -15,7 +15,7 @@ struct Image {
     std::vector<std::uint8_t> rgba;
 };
 
-/// Whether a file begins as PNG files do. Throws `std::runtime_error` where it can't be opened.
+/// Whether a file begins as PNG files do. Throws `std::runtime_error` if it can't be opened.
 bool isPng(const std::string& path);
 
 /// Reads a PNG file of any kind as 8-bit RGBA. Throws `std::runtime_error`.

@@ -1,38 +1,23 @@
 /// The calls to the library.
 #include "Preview.h"
 
+#include <initializer_list>
+#include <utility>
+
 namespace preview_host {
 namespace {
 
-/// Why a call failed, in words, where the status has a meaning of its own for it.
-struct Reason {
-    HRESULT status;
-    const char* words;
-};
-
-constexpr Reason kInitializeReasons[] = {
-    {E_NOTIMPL, "the OpenGL context is older than 3.2"},
-    {E_FAIL, "an OpenGL function is missing or a shader does not build"},
-};
-
-constexpr Reason kSetFrameReasons[] = {
-    {E_INVALIDARG, "the helper has no conversion for frames of this format, colourspace and width"},
-    {E_OUTOFMEMORY, "out of memory, or a 3D packing that the helper doesn't show"},
-};
-
-template<std::size_t N>
-std::string faultOf(const char* call, HRESULT status, const Reason (&reasons)[N])
+/// Throws an `ERROR` if a call failed; `reasons` tells what a status means for it.
+template<class ERROR>
+void check(HRESULT status, const std::string& call,
+           std::initializer_list<std::pair<HRESULT, const char*>> reasons)
 {
-    for (const Reason& reason : reasons)
-        if (reason.status == status)
-            return std::string(call) + ": " + reason.words;
-    return std::string(call) + " failed";
-}
-
-void check(const char* call, HRESULT status)
-{
-    if (status < 0)
-        throw std::runtime_error(faultOf(call, status, kInitializeReasons));
+    if (status >= 0)
+        return;
+    for (const auto& [value, words] : reasons)
+        if (value == status)
+            throw ERROR(call + ": " + words);
+    throw ERROR(call + " failed");
 }
 
 } // namespace
@@ -43,7 +28,10 @@ Preview::Preview(HelperKind kind, std::uint32_t preview3D)
 {
     if (!m_helper)
         throw std::runtime_error("the library could not make a preview helper");
-    check("InitializeGL", m_helper->InitializeGL());
+    check<std::runtime_error>(
+        m_helper->InitializeGL(), "InitializeGL",
+        {{E_NOTIMPL, "the OpenGL context is older than 3.2"},
+         {E_FAIL, "an OpenGL function is missing or a shader does not build"}});
     set3DMode(preview3D);
 }
 
@@ -54,14 +42,16 @@ void Preview::set3DMode(std::uint32_t mode)
 
 void Preview::setFrame(IKestrixVideoFrame* frame)
 {
-    const HRESULT status = m_helper->SetFrame(frame);
-    if (status < 0)
-        throw FrameRefused(faultOf("SetFrame", status, kSetFrameReasons));
+    check<FrameRefused>(
+        m_helper->SetFrame(frame), "SetFrame",
+        {{E_INVALIDARG,
+          "the helper has no conversion for frames of this format, colourspace and width"},
+         {E_OUTOFMEMORY, "out of memory, or a 3D packing that the helper doesn't show"}});
 }
 
 void Preview::paint()
 {
-    check("PaintGL", m_helper->PaintGL());
+    check<std::runtime_error>(m_helper->PaintGL(), "PaintGL", {});
 }
 
 } // namespace preview_host

@@ -1,4 +1,4 @@
-/// A preview helper of the library, its answers checked.
+/// A preview helper of the library, with its statuses checked.
 #pragma once
 
 #include "Options.h"
@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <stdexcept>
+#include <string>
 
 namespace preview_host {
 
@@ -15,14 +16,14 @@ struct FrameRefused : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// A helper from its factory to its last `Release`. The GL context has to be current on the calling
-/// thread all the time. Failures are thrown as `std::runtime_error`.
+/// A helper, from its factory to its last `Release`. The GL context has to be current on the
+/// calling thread all the time. Failures are thrown as `std::runtime_error`.
 class Preview {
 public:
     Preview(HelperKind kind, std::uint32_t preview3D);
 
-    /// Hands a frame over; the helper takes a reference if it needs one. Throws `FrameRefused`, the
-    /// frame before it then staying.
+    /// Hands over a frame; the helper takes a reference if it needs one. Throws `FrameRefused`; the
+    /// helper then keeps the frame before.
     void setFrame(IKestrixVideoFrame* frame);
 
     /// How frames of both eyes are shown, from the next frame on.

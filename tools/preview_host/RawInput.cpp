@@ -1,22 +1,25 @@
 /// Raw frames from a file or a pipe, read without blocking the window.
 #include "Input.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace preview_host {
 namespace {
 
 class RawInput : public Input {
 public:
-    RawInput(const std::string& path, const FrameLayout& layout)
+    RawInput(const std::string& path, std::size_t frameBytes)
         : m_name(path == "-" ? "standard input" : path),
-          m_frameBytes(layout.bytes()),
-          m_file(path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC))
+          m_file(path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC)),
+          m_frame(frameBytes),
+          m_next(frameBytes)
     {
         if (m_file < 0)
             throw std::runtime_error("can't open " + m_name + ": " + std::strerror(errno));
@@ -33,45 +36,54 @@ public:
 
     std::string description() const override { return "raw frames from " + m_name; }
 
-    bool isEndless() const override { return false; }
+    bool isMade() const override { return false; }
 
     std::optional<std::uint64_t> frames() const override
     {
         struct stat status = {};
         if (fstat(m_file, &status) != 0 || !S_ISREG(status.st_mode))
             return std::nullopt;
-        return static_cast<std::uint64_t>(status.st_size) / m_frameBytes;
+        return static_cast<std::uint64_t>(status.st_size) / m_frame.size();
     }
 
-    Read read(std::uint64_t index, std::uint8_t* bytes) override
+    Read read() override
     {
-        while (m_filled < m_frameBytes) {
+        while (m_filled < m_next.size()) {
             constexpr int kPatience = 10; // ms
             pollfd waitFor{m_file, POLLIN, 0};
             const int ready = poll(&waitFor, 1, kPatience);
             if (ready == 0 || (ready < 0 && errno == EINTR))
                 return Read::Pending;
-            const ssize_t got = ::read(m_file, bytes + m_filled, m_frameBytes - m_filled);
+            const ssize_t got = ::read(m_file, &m_next[m_filled], m_next.size() - m_filled);
             if (got < 0 && errno == EINTR)
                 return Read::Pending;
             if (got < 0)
                 throw std::runtime_error("can't read " + m_name + ": " + std::strerror(errno));
             if (got == 0)
-                return end(index);
+                return end();
             m_filled += static_cast<std::size_t>(got);
         }
-        m_filled = 0;
         return Read::Frame;
+    }
+
+    void write(std::uint64_t index, const FrameLayout&, bool, std::uint8_t* bytes) override
+    {
+        if (index == m_written) {
+            m_frame.swap(m_next);
+            m_filled = 0;
+            ++m_written;
+        }
+        std::copy(m_frame.begin(), m_frame.end(), bytes);
     }
 
     std::string fault() const override { return m_fault; }
 
 private:
-    Read end(std::uint64_t index)
+    Read end()
     {
         const std::string size =
-            std::to_string(m_filled) + " of " + std::to_string(m_frameBytes) + " bytes";
-        if (index == 0)
+            std::to_string(m_filled) + " of " + std::to_string(m_next.size()) + " bytes";
+        if (m_written == 0)
             throw std::runtime_error("no whole frame in " + m_name + ": " + size);
         if (m_filled != 0)
             m_fault = "the last frame of " + m_name + " is short and was dropped: " + size;
@@ -79,17 +91,21 @@ private:
     }
 
     const std::string m_name;
-    const std::size_t m_frameBytes;
     const int m_file;
+    /// The frame that was written last.
+    std::vector<std::uint8_t> m_frame;
+    /// The next frame, of which `m_filled` bytes have come.
+    std::vector<std::uint8_t> m_next;
     std::size_t m_filled = 0;
+    std::uint64_t m_written = 0;
     std::string m_fault;
 };
 
 } // namespace
 
-std::unique_ptr<Input> openRawInput(const std::string& path, const FrameLayout& layout)
+std::unique_ptr<Input> makeRawInput(const std::string& path, std::size_t frameBytes)
 {
-    return std::make_unique<RawInput>(path, layout);
+    return std::make_unique<RawInput>(path, frameBytes);
 }
 
 } // namespace preview_host

@@ -11,11 +11,11 @@
 #include <iterator>
 #include <sstream>
 #include <stdexcept>
+#include <unistd.h>
 
 namespace preview_host {
 namespace {
 
-using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
 using KSX::PixelConversion::findPixelFormat;
 using KSX::PixelConversion::kPixelFormats;
@@ -23,42 +23,8 @@ using KSX::PixelConversion::kPixelFormats;
 /// A preview texture takes four bytes of a row as one texel.
 constexpr unsigned kTexelBytes = 4;
 
-/// The size at which the helpers show a frame's pixels one to one.
-Size shownSize(const Inputs& inputs, std::uint32_t preview3D)
-{
-    Size size = inputs.layout.size;
-    if (!inputs.right || preview3D == Preview3DLeftOnly || preview3D == Preview3DRightOnly)
-        return size;
-    (preview3D == Preview3DSideBySide ? size.width : size.height) *= 2;
-    return size;
-}
-
-Size windowSize(const Options& options, const Inputs& inputs)
-{
-    return options.window.value_or(shownSize(inputs, options.preview3D));
-}
-
-std::unique_ptr<VirtualDisplay> makeDisplay(Size size)
-{
-    return VirtualDisplay::isNeeded() ? std::make_unique<VirtualDisplay>(size) : nullptr;
-}
-
-/// How many frames to show: by default all there are. Made frames never end, and where no one can
-/// close a window a few have to do.
-std::optional<std::uint64_t> frameLimit(const Options& options, const Input& input, bool offscreen)
-{
-    constexpr std::uint64_t kOffscreenFrames = 10;
-    if (options.frames || !offscreen || !input.isEndless())
-        return options.frames;
-    return std::max<std::uint64_t>(kOffscreenFrames, options.keys.size());
-}
-
-/// How many frames the run takes, where that is known.
-std::optional<std::uint64_t> expectedFrames(std::optional<std::uint64_t> limit, const Input& input)
-{
-    const auto there = input.frames();
-    return limit && there ? std::min(*limit, *there) : (limit ? limit : there);
-}
+/// How often the progress is told; the first time after a second.
+constexpr std::chrono::milliseconds kProgressStep{100};
 
 std::string nameWithEngineName(std::uint32_t format)
 {
@@ -66,46 +32,39 @@ std::string nameWithEngineName(std::uint32_t format)
     return std::string(info->name) + " (" + info->engineName + ")";
 }
 
-std::string inMilliseconds(const FrameTimes& times)
-{
-    const FrameTimes::Figures figures = times.figures();
-    std::ostringstream text;
-    text << std::fixed << std::setprecision(3) << "median " << figures.median
-         << " ms, 99th percentile " << figures.percentile99 << " ms, worst " << figures.worst
-         << " ms";
-    return text.str();
-}
-
 } // namespace
 
-Session::Session(const Options& options)
-    : m_options(options),
-      m_inputs(openInputs(options)),
-      m_display(makeDisplay(windowSize(options, m_inputs))),
-      m_window(windowSize(options, m_inputs), options.helper, options.rate > 0),
-      m_reader(m_inputs.layout, options.captured, *m_inputs.left, m_inputs.right.get()),
-      m_limit(frameLimit(options, *m_inputs.left, m_display != nullptr)),
-      m_progress(expectedFrames(m_limit, *m_inputs.left))
+Session::Session(const Options& options) : m_options(options), m_reader(options)
 {
+    const Size size = options.window.value_or(pictureSize());
+    if (VirtualDisplay::isNeeded())
+        m_display.emplace(size);
+    m_window.emplace(size, options.helper, options.rate > 0);
+
+    // Nobody can close a window on a virtual display, so an input without end needs a limit there.
+    constexpr std::uint64_t kOffscreenFrames = 10;
+    m_limit = options.frames;
+    if (!m_limit && m_display && m_reader.left().isMade())
+        m_limit = std::max<std::uint64_t>(kOffscreenFrames, options.keys.size());
+
     tellStart();
-    if (m_inputs.layout.rowBytes / kTexelBytes > m_window.largestTexture())
-        throw std::runtime_error("rows of " + std::to_string(m_inputs.layout.rowBytes) +
+    if (m_reader.layout().rowBytes / kTexelBytes > m_window->largestTexture())
+        throw std::runtime_error("rows of " + std::to_string(m_reader.layout().rowBytes) +
                                  " bytes are longer than the textures of this OpenGL");
     m_preview.emplace(options.helper, options.preview3D);
 }
 
 void Session::run()
 {
-    m_window.onRefresh([this] { paint(); });
+    m_window->onRefresh([this] { paint(); });
     showFrames();
-    m_window.onRefresh(nullptr);
-    m_progress.clear();
+    m_window->onRefresh(nullptr);
     tellOutcome();
     if (!m_options.screenshot.empty()) {
         // Showing a picture gives its memory away, so it is painted again.
-        m_window.beginPaint(pictureSize());
+        m_window->beginPaint(pictureSize());
         m_preview->paint();
-        m_window.saveScreenshot(m_options.screenshot);
+        m_window->saveScreenshot(m_options.screenshot);
         tell("screenshot", m_options.screenshot);
     }
     if (!m_reader.fault().empty())
@@ -114,7 +73,7 @@ void Session::run()
 
 void Session::showFrames()
 {
-    while ((!m_limit || m_frames < *m_limit) && !m_quit && !m_window.isClosed()) {
+    while ((!m_limit || m_frames < *m_limit) && !m_quit && !m_window->isClosed()) {
         handleEvents(0);
         const Read result = m_reader.next();
         if (result == Read::End)
@@ -124,6 +83,7 @@ void Session::showFrames()
 
         if (m_frames == 0) {
             m_start = Clock::now();
+            m_progressDue = m_start + std::chrono::seconds(1);
             tellDecision();
         }
         waitForNextFrame();
@@ -131,7 +91,7 @@ void Session::showFrames()
         setFrame();
         paint();
         ++m_frames;
-        m_progress.update(m_frames);
+        tellProgress();
         if (m_frames <= m_options.keys.size())
             press(m_options.keys[m_frames - 1]);
     }
@@ -139,8 +99,8 @@ void Session::showFrames()
 
 void Session::handleEvents(double seconds)
 {
-    m_window.handleEvents(seconds);
-    for (const char character : m_window.takeKeys())
+    m_window->handleEvents(seconds);
+    for (const char character : m_window->takeKeys())
         press(character);
 }
 
@@ -149,7 +109,7 @@ void Session::waitForNextFrame()
     if (m_options.rate == 0)
         return;
     const Seconds due(static_cast<double>(m_frames) / m_options.rate);
-    for (Seconds now = Clock::now() - m_start; now < due && !m_quit && !m_window.isClosed();
+    for (Seconds now = Clock::now() - m_start; now < due && !m_quit && !m_window->isClosed();
          now = Clock::now() - m_start)
         handleEvents((due - now).count());
 }
@@ -171,30 +131,35 @@ void Session::setFrame()
 void Session::paint()
 {
     m_paintTimes.time([&] {
-        m_window.beginPaint(pictureSize());
+        m_window->beginPaint(pictureSize());
         m_preview->paint();
-        m_window.show();
+        m_window->show();
     });
 }
 
 Size Session::pictureSize() const
 {
-    return shownSize(m_inputs, m_options.preview3D);
+    // The size at which the helpers show a frame's pixels one to one.
+    Size size = m_reader.layout().size;
+    const std::uint32_t mode = m_options.preview3D;
+    if (m_reader.right() && mode != Preview3DLeftOnly && mode != Preview3DRightOnly)
+        (mode == Preview3DSideBySide ? size.width : size.height) *= 2;
+    return size;
 }
 
 void Session::press(char character)
 {
-    const auto action = actionOf(character);
-    if (!action)
+    const Key* key = findKey(character);
+    if (!key)
         return;
     const std::string label = std::string("key ") + character;
-    if (*action == Action::Quit)
+    if (key->action == Action::Quit)
         m_quit = true;
-    else if (*action == Action::TellKeys)
+    else if (key->action == Action::TellKeys)
         tell(label, std::string("\n").append(keyList()));
-    else if (*action == Action::TellTimes)
+    else if (key->action == Action::TellTimes)
         tellTimes();
-    else if (const std::string obstacle = change(*action); !obstacle.empty())
+    else if (const std::string obstacle = change(key->action); !obstacle.empty())
         tell(label, obstacle);
     else
         showChange(label);
@@ -239,26 +204,25 @@ std::string Session::stepFormat(std::size_t step)
         if (tryLayout(next).empty())
             return {};
     }
-    return "no other format has rows of " + std::to_string(m_inputs.layout.rowBytes) + " bytes";
+    return "no other format has rows of " + std::to_string(m_reader.layout().rowBytes) + " bytes";
 }
 
 std::string Session::tryLayout(const Options& next)
 {
     FrameLayout layout;
     try {
-        layout = makeLayout(next, m_inputs.layout.size);
+        layout = makeLayout(next, m_reader.layout().size);
     } catch (const UsageError& error) {
         return error.what();
     }
     const bool areMade =
-        m_inputs.left->isEndless() && (!m_inputs.right || m_inputs.right->isEndless());
-    if (!areMade && layout.rowBytes != m_inputs.layout.rowBytes)
-        return "the input has rows of " + std::to_string(m_inputs.layout.rowBytes) + " bytes";
-    if (layout.rowBytes / kTexelBytes > m_window.largestTexture())
+        m_reader.left().isMade() && (!m_reader.right() || m_reader.right()->isMade());
+    if (!areMade && layout.rowBytes != m_reader.layout().rowBytes)
+        return "the input has rows of " + std::to_string(m_reader.layout().rowBytes) + " bytes";
+    if (layout.rowBytes / kTexelBytes > m_window->largestTexture())
         return "rows of " + std::to_string(layout.rowBytes) + " bytes are too long for this OpenGL";
     m_options = next;
-    m_inputs.layout = layout;
-    m_reader.setLayout(layout, next.captured);
+    m_reader.setLayout(layout);
     return {};
 }
 
@@ -283,7 +247,7 @@ std::string Session::switchHelper()
 
 void Session::openHelper(HelperKind helper)
 {
-    m_window.reopen(helper);
+    m_window->reopen(helper);
     m_preview.emplace(helper, m_options.preview3D);
     m_options.helper = helper;
 }
@@ -291,35 +255,35 @@ void Session::openHelper(HelperKind helper)
 void Session::tell(const std::string& label, const std::string& text)
 {
     constexpr int kColumn = 13;
-    m_progress.clear();
+    clearProgress();
     std::cout << std::left << std::setw(kColumn) << label + ":" << text << std::endl;
 }
 
 void Session::tellStart()
 {
-    const FrameLayout& layout = m_inputs.layout;
+    const FrameLayout& layout = m_reader.layout();
     if (m_display)
         tell("display", "none, using a virtual one, Xvfb " + m_display->name());
-    tell("input", m_inputs.left->description());
-    if (m_inputs.right)
-        tell("right eye", m_inputs.right->description());
+    tell("input", m_reader.left().description());
+    if (m_reader.right())
+        tell("right eye", m_reader.right()->description());
     tell("frames", std::to_string(layout.size.width) + "x" + std::to_string(layout.size.height) +
                        " " + nameWithEngineName(layout.format) + ", " +
                        std::to_string(layout.rowBytes) + " bytes a row" +
-                       (m_options.captured ? ", captured" : "") +
+                       (layout.captured ? ", captured" : "") +
                        (layout.flip ? ", bottom row first" : ""));
     tell("colourspace",
          layout.colorspace ? named(kColorspaces, layout.colorspace).name : "none stated");
     tell("helper", m_options.helper == HelperKind::OpenGL3 ? "OpenGL 3" : "fixed function");
-    tell("OpenGL", m_window.version());
+    tell("OpenGL", m_window->version());
 }
 
 void Session::tellDecision()
 {
     const std::string decision = decisionFor(m_options.helper, m_reader.frame());
     tell("decided", decision);
-    m_window.setTitle(std::string("preview_host: ") + findPixelFormat(m_options.format)->name +
-                      ", " + decision);
+    m_window->setTitle(std::string("preview_host: ") + findPixelFormat(m_options.format)->name +
+                       ", " + decision);
 }
 
 void Session::showChange(const std::string& label)
@@ -340,8 +304,8 @@ void Session::showChange(const std::string& label)
 
 void Session::tellTimes()
 {
-    tell("SetFrame", inMilliseconds(m_setFrameTimes));
-    tell("paint+swap", inMilliseconds(m_paintTimes));
+    tell("SetFrame", m_setFrameTimes.figures());
+    tell("paint+swap", m_paintTimes.figures());
 }
 
 void Session::tellOutcome()
@@ -355,6 +319,27 @@ void Session::tellOutcome()
         shown << " (asked for: " << m_options.rate << " a second)";
     tell("shown", shown.str());
     tellTimes();
+}
+
+void Session::tellProgress()
+{
+    const auto now = Clock::now();
+    if (now < m_progressDue)
+        return;
+    m_progressDue = now + kProgressStep;
+    const std::uint64_t all =
+        std::min(m_limit.value_or(UINT64_MAX), m_reader.left().frames().value_or(UINT64_MAX));
+    if (all == UINT64_MAX || !isatty(STDERR_FILENO))
+        return;
+    m_isProgressShown = true;
+    std::cerr << "\rframe " << m_frames << " of " << all << std::flush;
+}
+
+void Session::clearProgress()
+{
+    if (m_isProgressShown)
+        std::cerr << "\r\033[K" << std::flush;
+    m_isProgressShown = false;
 }
 
 } // namespace preview_host

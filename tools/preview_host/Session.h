@@ -3,16 +3,13 @@
 
 #include "FrameReader.h"
 #include "FrameTimes.h"
-#include "Input.h"
 #include "Keys.h"
 #include "Preview.h"
-#include "Progress.h"
 #include "VirtualDisplay.h"
 #include "Window.h"
 
 #include <chrono>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -24,12 +21,18 @@ public:
     /// Opens inputs, window and helper and reports them on standard output. Throws `UsageError` and
     /// `std::runtime_error`, as all of this class.
     explicit Session(const Options& options);
+    ~Session() { clearProgress(); }
+
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
 
     /// Shows frames until there are no more, the limit is reached or the user quits; then reports
-    /// what that came to and writes the screenshot.
+    /// the outcome and writes the screenshot.
     void run();
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     void showFrames();
     void handleEvents(double seconds);
     void waitForNextFrame();
@@ -37,7 +40,7 @@ private:
     void paint();
 
     void press(char character);
-    /// Each of these changes something, or tells what stands in the way.
+    /// Each of these changes something, or returns why it can't.
     std::string change(Action action);
     std::string stepFormat(std::size_t step);
     std::string tryLayout(const Options& next);
@@ -52,24 +55,28 @@ private:
     void showChange(const std::string& label);
     void tellTimes();
     void tellOutcome();
+    void tellProgress();
+    void clearProgress();
 
     Options m_options;
-    Inputs m_inputs;
-    std::unique_ptr<VirtualDisplay> m_display;
-    // The order of these matters: the helper's last Release needs the window's context.
-    Window m_window;
     FrameReader m_reader;
+    std::optional<VirtualDisplay> m_display;
+    // The order of these matters: the helper's last Release needs the window's context.
+    std::optional<Window> m_window;
     std::optional<Preview> m_preview;
-    const std::optional<std::uint64_t> m_limit;
-    Progress m_progress;
+    /// How many frames to show; all if not given.
+    std::optional<std::uint64_t> m_limit;
 
     FrameTimes m_setFrameTimes;
     FrameTimes m_paintTimes;
-    std::chrono::steady_clock::time_point m_start;
+    Clock::time_point m_start;
     std::uint64_t m_frames = 0;
     /// From the first frame to the last.
     double m_seconds = 0;
-    /// Why the helper refused the last frame; empty where it took it.
+    /// When to tell the progress again.
+    Clock::time_point m_progressDue;
+    bool m_isProgressShown = false;
+    /// Why the helper refused the last frame; empty if it took it.
     std::string m_refusal;
     /// The user has changed something: a frame that the helper refuses is no longer the end.
     bool m_isChanged = false;

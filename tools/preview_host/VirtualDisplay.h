@@ -1,21 +1,22 @@
-/// A display in memory, for machines that have no other.
+/// A display in memory, for machines without another one.
 #pragma once
 
 #include "Options.h"
 
-#include <optional>
+#include <cstdio>
+#include <memory>
 #include <string>
 #include <sys/types.h>
 
 namespace preview_host {
 
-/// An Xvfb of its own that runs as long as this object lives, with DISPLAY set to it.
+/// An Xvfb that runs as long as this object lives. DISPLAY names it.
 class VirtualDisplay {
 public:
     /// Whether the environment names no display.
     static bool isNeeded();
 
-    /// Starts Xvfb with a screen of `size`. Throws `std::runtime_error` where that fails.
+    /// Starts Xvfb with a screen of `size`. Throws `std::runtime_error` if that fails.
     explicit VirtualDisplay(Size size);
     ~VirtualDisplay();
 
@@ -26,8 +27,11 @@ public:
     const std::string& name() const { return m_name; }
 
 private:
-    void stop();
+    struct Close {
+        void operator()(std::FILE* file) const { pclose(file); }
+    };
 
+    std::unique_ptr<std::FILE, Close> m_output;
     pid_t m_server = 0;
     std::string m_name;
 };

@@ -3,9 +3,9 @@
 
 #include "PngFile.h"
 
-#include <GLFW/glfw3.h>
-
 #include <algorithm>
+#include <cstdint>
+#include <vector>
 
 namespace preview_host {
 namespace {
@@ -111,11 +111,6 @@ void Window::reopen(HelperKind helper)
     glfwSetWindowPos(m_window, x, y);
 }
 
-void Window::setTitle(const std::string& title)
-{
-    glfwSetWindowTitle(m_window, title.c_str());
-}
-
 Window::~Window()
 {
     glfwDestroyWindow(m_window);
@@ -128,11 +123,6 @@ void Window::handleEvents(double seconds)
         glfwWaitEventsTimeout(seconds);
     else
         glfwPollEvents();
-}
-
-bool Window::isClosed() const
-{
-    return glfwWindowShouldClose(m_window);
 }
 
 Size Window::framebufferSize() const
@@ -153,11 +143,6 @@ void Window::beginPaint(Size picture) const
     glViewport(static_cast<int>(room.width - view.width) / 2,
                static_cast<int>(room.height - view.height) / 2, static_cast<int>(view.width),
                static_cast<int>(view.height));
-}
-
-void Window::show() const
-{
-    glfwSwapBuffers(m_window);
 }
 
 void Window::saveScreenshot(const std::string& path) const

@@ -3,13 +3,11 @@
 
 #include "Options.h"
 
-#include <cstdint>
+#include <GLFW/glfw3.h>
+
 #include <functional>
 #include <string>
 #include <utility>
-#include <vector>
-
-struct GLFWwindow;
 
 namespace preview_host {
 
@@ -17,47 +15,46 @@ namespace preview_host {
 /// it lives.
 class Window {
 public:
-    /// Opens a window of `size`, or of that shape where the screen is smaller, with a context of
-    /// OpenGL 2.1 or of OpenGL 3.2 core. Without `paced`, showing does not wait for the screen.
-    /// Throws `std::runtime_error`.
+    /// Opens a window of `size`, or a smaller one of the same shape if the screen is smaller, with
+    /// a context of OpenGL 2.1 or of OpenGL 3.2 core. If not `paced`, `show` does not wait for the
+    /// screen. Throws `std::runtime_error`.
     Window(Size size, HelperKind helper, bool paced);
     ~Window();
 
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;
 
-    /// Puts another window in this one's place, with a context for the other helper. Nothing of the
-    /// old context is left. Throws `std::runtime_error`, the old window and its context then still
-    /// being there.
+    /// Replaces the window by one with a context for the other helper. Nothing of the old context
+    /// is left. Throws `std::runtime_error`; the old window and its context then stay.
     void reopen(HelperKind helper);
 
-    void setTitle(const std::string& title);
+    void setTitle(const std::string& title) { glfwSetWindowTitle(m_window, title.c_str()); }
 
     /// The characters that the user typed since the last call.
     std::string takeKeys() { return std::exchange(m_keys, {}); }
 
-    /// What to do when the system has lost the window's contents.
+    /// Sets what to do after the system has lost the window's contents.
     void onRefresh(std::function<void()> paint) { m_refresh = std::move(paint); }
 
     /// Handles what the user did, and waits for more for so many seconds.
     void handleEvents(double seconds);
 
     /// Whether the user has closed the window or pressed Escape.
-    bool isClosed() const;
+    bool isClosed() const { return glfwWindowShouldClose(m_window); }
 
     /// Clears the window and sets the viewport to its largest part that has the shape of `picture`.
     void beginPaint(Size picture) const;
 
     /// Shows what was painted.
-    void show() const;
+    void show() const { glfwSwapBuffers(m_window); }
 
     /// Writes what was painted and not yet shown to a PNG file.
     void saveScreenshot(const std::string& path) const;
 
-    /// Texels on the longest side of a texture.
+    /// The longest side of a texture, in texels.
     unsigned largestTexture() const;
 
-    /// The context's version, and whose it is.
+    /// The version and the renderer of the context.
     std::string version() const;
 
 private:

@@ -1,42 +1,20 @@
-/// A small host: reads or makes video frames and shows them through a preview helper.
+/// Reads or makes video frames and shows them through a preview helper.
 #include "Options.h"
 #include "Session.h"
 
-#include "conversion/PixelFormats.h"
-
 #include <csignal>
 #include <exception>
-#include <iomanip>
 #include <iostream>
 #include <new>
-
-namespace preview_host {
-namespace {
-
-void listFormats()
-{
-    for (const auto& info : KSX::PixelConversion::kPixelFormats)
-        std::cout << info.name << "  " << std::left << std::setw(25) << info.engineName
-                  << std::right << std::setw(2) << info.groupBytes << " bytes for "
-                  << info.groupPixels << (info.groupPixels == 1 ? " pixel\n" : " pixels\n");
-}
-
-} // namespace
-} // namespace preview_host
 
 int main(int argc, char** argv)
 {
     constexpr int kUsage = 2;
     constexpr int kFailure = 1;
-    // A reader of our report that has gone is no reason to stop.
+    // The run goes on if the reader of the report has gone.
     std::signal(SIGPIPE, SIG_IGN);
     try {
-        const auto options = preview_host::parseOptions(argc, argv);
-        if (!options)
-            return 0;
-        if (options->listFormats)
-            preview_host::listFormats();
-        else
+        if (const auto options = preview_host::parseOptions(argc, argv))
             preview_host::Session(*options).run();
         return 0;
     } catch (const preview_host::UsageError& error) {
