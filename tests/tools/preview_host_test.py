@@ -7,6 +7,7 @@ import os
 import pty
 import re
 import shutil
+import socket
 import subprocess
 import tempfile
 import time
@@ -424,9 +425,10 @@ class NoDisplay(HostTest):
 
     def assert_server_ended(self, report):
         number = report.split("Xvfb :")[1].split()[0]
-        for _ in range(100):
-            if not os.path.exists(f"/tmp/.X{number}-lock"):
-                return
+        for _ in range(50):
+            with socket.socket(socket.AF_UNIX) as client:
+                if client.connect_ex(f"/tmp/.X11-unix/X{number}") != 0:
+                    return
             time.sleep(0.1)
         self.fail("the server still runs")
 
