@@ -8,8 +8,8 @@
 
 namespace kestrix::host {
 
-/// Memory goes on this many zeroed bytes behind the last line: conversions that rebuild chroma look
-/// at the pixels to the right of a line's last ones.
+/// So many zeroed bytes follow the last line, because conversions that rebuild chroma read the
+/// pixels to the right of a line.
 inline constexpr std::size_t kReadableBehind = 64;
 
 struct FreeFrameBytes {
@@ -20,11 +20,12 @@ struct FreeFrameBytes {
 using FrameBytes = std::unique_ptr<std::uint8_t, FreeFrameBytes>;
 
 /// Makes memory for `height` lines of `rowBytes` bytes. Throws `std::invalid_argument` for negative
-/// row bytes, `std::bad_alloc` where memory is short.
+/// row bytes, `std::bad_alloc` if allocation fails.
 FrameBytes allocateFrameBytes(std::int64_t rowBytes, std::int64_t height);
 
-/// Bytes from one line to the next: as given, or else what a line of the format takes. Throws
-/// `std::invalid_argument` for a negative size, or a format with no row size where none is given.
+/// Bytes from one line to the next: as given, or the size of a line of the format. Throws
+/// `std::invalid_argument` for a negative size, and for an unknown format if no row bytes are
+/// given.
 std::int64_t frameRowBytes(std::int64_t width, std::int64_t height, std::uint32_t format,
                            std::optional<std::int64_t> rowBytes);
 

@@ -1,4 +1,4 @@
-/// A list of ids and who answers for them.
+/// A list of ids and their providers.
 #include "host/InterfaceProviders.h"
 
 #include <algorithm>
@@ -8,7 +8,7 @@ namespace kestrix::host {
 
 HRESULT InterfaceProviders::add(REFIID id, IUnknown* provider)
 {
-    // Declared first, so that what is replaced ends after the lock.
+    // Declared before the lock, so that the replaced provider is released after it.
     Owned<IUnknown> replaced = share(provider);
     const std::lock_guard lock(m_mutex);
     const auto known =

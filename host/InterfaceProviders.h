@@ -9,16 +9,15 @@
 
 namespace kestrix::host {
 
-/// The providers that are registered with a frame. Any thread; no provider is queried or ends under
-/// the lock.
+/// The providers that are registered with a frame. Any thread. No provider is called under the
+/// lock.
 class InterfaceProviders {
 public:
-    /// Answers queries for `id` by `provider` from now on, to which it holds a reference, in the
-    /// place of one that was before. Null takes the registration back. `E_OUTOFMEMORY` where memory
-    /// is short.
+    /// Lets `provider` answer queries for `id` from now on, and holds a reference to it. It
+    /// replaces an earlier provider; null removes that. `E_OUTOFMEMORY` if allocation fails.
     HRESULT add(REFIID id, IUnknown* provider);
 
-    /// Lets the provider for `id` answer the query. Without one stores null and answers
+    /// Lets the provider for `id` answer the query. If there is none, stores null and returns
     /// `E_NOINTERFACE`.
     HRESULT query(REFIID id, void** out) const;
 

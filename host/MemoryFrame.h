@@ -1,4 +1,4 @@
-/// A video frame in memory, for hosts that have no capture card to get one from.
+/// A video frame in memory, for hosts without a capture card.
 #pragma once
 
 #include "api/KestrixPreviewAPI.h"
@@ -13,52 +13,52 @@
 
 namespace kestrix::host {
 
-/// What a `MemoryFrame` is made of. Only the size and the format have to be given.
+/// The properties of a `MemoryFrame`. Only size and format are required.
 struct MemoryFrameOptions {
     /// Pixels a line and lines, not negative.
     std::int64_t width = 0;
     std::int64_t height = 0;
     /// Any code; the 30 formats of the engine have a default row size.
     std::uint32_t format = 0;
-    /// Bytes from one line to the next. Left out: what a line of the format takes.
+    /// Bytes from one line to the next. If not given: the size of a line of the format.
     std::optional<std::int64_t> rowBytes{};
     /// `KestrixFrameFlags`.
     std::uint32_t flags = FrameFlagDefault;
-    /// What `GetInt` answers for `MetadataColorspace`, a `KestrixColorspaceCode` or anything else.
-    /// Left out: the frame has no metadata interface.
+    /// What `GetInt` returns for `MetadataColorspace`, a `KestrixColorspaceCode` or any other
+    /// number. If not given: the frame has no metadata interface.
     std::optional<std::int64_t> colorspace{};
-    /// The frame answers for `IID_IKestrixVideoInputFrame`, and has a registry of providers.
+    /// The frame has `IID_IKestrixVideoInputFrame` and a registry of providers.
     bool captured = false;
-    /// What `Get3DPackingFormat` answers, a `Kestrix3DPackingFormat` or anything else. Left out:
-    /// the frame has no 3D interface.
+    /// What `Get3DPackingFormat` returns, a `Kestrix3DPackingFormat` or any other number. If not
+    /// given: the frame has no 3D interface.
     std::optional<std::uint32_t> packing3D{};
-    /// The frame that `GetFrameForRightEye` gives; the new frame holds a reference.
+    /// The frame that `GetFrameForRightEye` returns; the new frame holds a reference.
     IKestrixVideoFrame* rightEye = nullptr;
-    /// Bytes of the caller's, which must outlive the frame. Left out: the frame has its own, zeroed
-    /// and 16-byte aligned.
+    /// Bytes of the caller, which must outlive the frame. If not given: the frame has its own
+    /// bytes, zeroed and 16-byte aligned.
     void* bytes = nullptr;
 };
 
-/// A frame whose bytes lie in memory. One object with all the interfaces that were asked for, so
-/// that each of them leads to every other and `IUnknown` is the same pointer from all.
+/// A frame in memory. One object has all interfaces of the frame: each of them can be queried for
+/// every other one, and all give the same pointer for `IUnknown`.
 ///
-/// Made by `create`, ended by the last `Release`. Counts are atomic: references and accesses may be
-/// taken and given back on any thread. As with a capture card's frame, `GetBytes` succeeds only
-/// while an access is open, and an access closes with the flags that it was opened with.
+/// Made by `create`, ended by the last `Release`. Counts are atomic, so references and accesses may
+/// be taken and returned on any thread. As with a frame of a capture card, `GetBytes` succeeds only
+/// while an access is open, and an access is closed with the flags that opened it.
 class MemoryFrame : public IKestrixVideoInputFrame,
                     public IKestrixVideoBuffer,
                     public IKestrixVideoFrameMetadata,
                     public IKestrixVideoFrame3DExtensions,
                     public IKestrixFrameProviderRegistry {
 public:
-    /// Makes a frame with one reference. Throws `std::invalid_argument` for a negative size or a
-    /// format with no default row size where none is given, `std::bad_alloc` where memory is short.
+    /// Makes a frame with one reference. Throws `std::invalid_argument` for a negative size and for
+    /// an unknown format without row bytes, `std::bad_alloc` if allocation fails.
     static Owned<MemoryFrame> create(const MemoryFrameOptions& options);
 
     MemoryFrame(const MemoryFrame&) = delete;
     MemoryFrame& operator=(const MemoryFrame&) = delete;
 
-    /// The bytes, for the side that made the frame: no access needed.
+    /// The bytes, for the maker of the frame; no access is needed.
     std::uint8_t* bytes() { return m_bytes; }
 
     /// Bytes of all lines.

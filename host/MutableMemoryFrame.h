@@ -7,14 +7,14 @@
 
 namespace kestrix::host {
 
-/// A `MemoryFrame` with the interface of frames that a host makes for playout. It has flags to set,
-/// and no timecode or ancillary data. Providers of interfaces can be registered with it.
+/// A `MemoryFrame` with the interface of frames that a host makes for playout. Its flags can be
+/// set; it has no timecode or ancillary data. Providers of interfaces can be registered with it.
 class MutableMemoryFrame : public MemoryFrame, public IKestrixMutableVideoFrame {
 public:
     /// As `MemoryFrame::create`.
     static Owned<MutableMemoryFrame> create(const MemoryFrameOptions& options);
 
-    // IUnknown and IKestrixVideoFrame, once for both bases
+    // IUnknown and IKestrixVideoFrame, for both bases
     HRESULT QueryInterface(REFIID id, void** out) override;
     std::uint32_t AddRef() override { return MemoryFrame::AddRef(); }
     std::uint32_t Release() override { return MemoryFrame::Release(); }

@@ -12,37 +12,37 @@
 
 namespace kestrix::host {
 
-/// What an `OldMemoryFrame` is made of. Only the size and the format have to be given.
+/// The properties of an `OldMemoryFrame`. Only size and format are required.
 struct OldMemoryFrameOptions {
     /// Pixels a line and lines, not negative.
     std::int64_t width = 0;
     std::int64_t height = 0;
     /// Any code; the 30 formats of the engine have a default row size.
     std::uint32_t format = 0;
-    /// Bytes from one line to the next. Left out: what a line of the format takes.
+    /// Bytes from one line to the next. If not given: the size of a line of the format.
     std::optional<std::int64_t> rowBytes{};
     /// `KestrixFrameFlags`.
     std::uint32_t flags = FrameFlagDefault;
-    /// What `Get3DPackingFormat` answers. Left out: the frame has no 3D interface.
+    /// What `Get3DPackingFormat` returns. If not given: the frame has no 3D interface.
     std::optional<std::uint32_t> packing3D{};
-    /// The frame that `GetFrameForRightEye` gives; the new frame holds a reference.
+    /// The frame that `GetFrameForRightEye` returns; the new frame holds a reference.
     IKestrixVideoFrame_v14_2_1* rightEye = nullptr;
 };
 
-/// A frame with zeroed bytes of its own, which are there without an access being opened.
+/// A frame with zeroed bytes of its own. They are valid without an access.
 ///
 /// Made by `create`, ended by the last `Release`, on any thread.
 class OldMemoryFrame : public IKestrixVideoFrame_v14_2_1,
                        public IKestrixVideoFrame3DExtensions_v14_2_1 {
 public:
-    /// Makes a frame with one reference. Throws `std::invalid_argument` for a negative size or a
-    /// format with no default row size where none is given, `std::bad_alloc` where memory is short.
+    /// Makes a frame with one reference. Throws `std::invalid_argument` for a negative size and for
+    /// an unknown format without row bytes, `std::bad_alloc` if allocation fails.
     static Owned<OldMemoryFrame> create(const OldMemoryFrameOptions& options);
 
     OldMemoryFrame(const OldMemoryFrame&) = delete;
     OldMemoryFrame& operator=(const OldMemoryFrame&) = delete;
 
-    /// The bytes, for the side that made the frame.
+    /// The bytes, for the maker of the frame.
     std::uint8_t* bytes() { return m_bytes.get(); }
 
     /// References held now.

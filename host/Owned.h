@@ -1,4 +1,4 @@
-/// An owning pointer to a reference-counted interface, for code on the host's side.
+/// An owning pointer to a reference-counted interface, for code of hosts.
 #pragma once
 
 #include "api/KestrixPreviewAPI.h"
@@ -7,7 +7,7 @@
 
 namespace kestrix::host {
 
-/// Gives the one reference that an `Owned` holds back.
+/// Releases the reference of an `Owned`.
 struct ReleaseReference {
     template<class INTERFACE>
     void operator()(INTERFACE* object) const
@@ -16,12 +16,12 @@ struct ReleaseReference {
     }
 };
 
-/// Holds one reference. Built from what a factory or an out-argument gave; `get()` lends it to a
-/// call that takes a plain pointer.
+/// Holds one reference: the one that a factory or an out-argument gave. `get()` is for calls that
+/// take a plain pointer.
 template<class INTERFACE>
 using Owned = std::unique_ptr<INTERFACE, ReleaseReference>;
 
-/// Adds a reference of its own to an object that someone else holds.
+/// Adds a reference to an object that someone else holds.
 template<class INTERFACE>
 Owned<INTERFACE> share(INTERFACE* object)
 {
@@ -30,7 +30,7 @@ Owned<INTERFACE> share(INTERFACE* object)
     return Owned<INTERFACE>(object);
 }
 
-/// Asks `object` for its interface `id`, which is that of `INTERFACE`; null where it has none.
+/// Queries `object` for the interface `INTERFACE`, whose id is `id`; null if it has none.
 template<class INTERFACE, class OBJECT>
 Owned<INTERFACE> query(OBJECT* object, REFIID id)
 {

@@ -23,8 +23,8 @@ struct Color {
 };
 
 /// Encodes a picture row by row in one of the 30 pixel formats: plain scalar code for test
-/// pictures, made for being read and not for speed. It shares no code with the library but the list
-/// of formats, and so can serve as a witness.
+/// pictures, easy to read and not fast. It shares only the list of formats with the library, so
+/// tests can compare the two.
 ///
 /// - A code of n bits is `round(2^(n-8) (16 + 219 E'))` in studio range, `round((2^n - 1) E')` in
 ///   full range, and `round(2^(n-8) (128 + 224 E'c))` for chroma (ITU-R BT.709-6, 3.4; ITU-R
