@@ -1,4 +1,4 @@
-/// EGL without a surface: paints into a framebuffer object, on a machine that needs no display.
+/// EGL without a surface: paints into a framebuffer object, without a display.
 #define GL_GLEXT_PROTOTYPES
 #include "BarsFrame.h"
 #include "ExampleMain.h"
@@ -18,14 +18,13 @@ public:
             eglGetProcAddress("eglGetPlatformDisplayEXT"));
         if (getPlatformDisplay)
             m_display = getPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, nullptr, nullptr);
-        // A driver without that platform may still do without a display by itself.
+        // A driver without that platform may still work without a display.
         if (m_display == EGL_NO_DISPLAY)
             m_display = eglGetDisplay(EGL_DEFAULT_DISPLAY);
         if (!eglInitialize(m_display, nullptr, nullptr))
             throw std::runtime_error("no EGL display");
 
-        // EGL makes contexts of OpenGL ES unless told otherwise, and in those the helpers can't
-        // paint.
+        // By default EGL makes contexts of OpenGL ES, in which the helpers can't paint.
         eglBindAPI(EGL_OPENGL_API);
         const EGLint attributes[] = {EGL_CONTEXT_MAJOR_VERSION,
                                      3,
@@ -58,8 +57,8 @@ void run(const ExampleOptions& options)
 {
     const SurfacelessContext context;
 
-    // Without a surface there is no framebuffer 0: the host brings one of its own. The helper
-    // paints into whatever is bound, and never binds another.
+    // Without a surface there is no framebuffer 0, so the host makes one of its own. The helper
+    // paints into the framebuffer that is bound, and never binds another.
     GLuint framebuffer = 0;
     GLuint renderbuffer = 0;
     glGenFramebuffers(1, &framebuffer);
@@ -69,8 +68,8 @@ void run(const ExampleOptions& options)
     glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA8, options.width, options.height);
     glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, renderbuffer);
 
-    // The helper's own look-up goes through GLX by name only. The vendor-neutral dispatch library
-    // gives entry points that serve any context, those of EGL too.
+    // The helper looks its entry points up by glXGetProcAddress. The vendor-neutral dispatch
+    // library returns entry points that work in every context, also in those of EGL.
     IKestrixGLScreenPreviewHelper* helper = CreateOpenGL3ScreenPreviewHelper_0002();
     if (!helper)
         throw std::runtime_error("no memory for a helper");

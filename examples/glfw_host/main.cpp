@@ -11,10 +11,10 @@
 
 namespace {
 
-/// Stands for a capture device: 25 frames a second, until it is told to stop or has no more.
+/// Acts as a capture device: 25 frames a second, until it is stopped or has no more.
 class Capture {
 public:
-    /// `count` frames, without end below 0.
+    /// `count` frames; no end if negative.
     Capture(FrameSlot& slot, int count) : m_slot(slot), m_thread([this, count] { run(count); }) {}
     ~Capture()
     {
@@ -35,7 +35,7 @@ private:
             m_slot.put(frame);
             frame->Release(); // the slot has a reference of its own
             m_ended = i + 1 == count;
-            glfwPostEmptyEvent(); // the one that paints may be asleep
+            glfwPostEmptyEvent(); // wakes the thread that paints
             std::this_thread::sleep_for(std::chrono::milliseconds(40));
         }
     }
@@ -46,13 +46,13 @@ private:
     std::thread m_thread; // the last member, so that the others are there when it starts
 };
 
-/// Paints the newest frame, which may be the one before: the window may have been uncovered.
+/// Paints the newest frame. It may be the one before again, after the window was uncovered.
 void paint(GLFWwindow* window, IKestrixGLScreenPreviewHelper* helper, FrameSlot& slot,
            std::uint64_t& shown)
 {
     check(slot.handTo(helper, shown), "SetFrame");
 
-    // The framebuffer's size, which on a display of high density is not glfwGetWindowSize's.
+    // The framebuffer's size, which differs from glfwGetWindowSize on a display of high density.
     int width = 0;
     int height = 0;
     glfwGetFramebufferSize(window, &width, &height);
@@ -86,7 +86,7 @@ void run(const ExampleOptions& options)
         const Capture capture(slot, options.frames);
         bool last = !options.signal();
         while (!glfwWindowShouldClose(window)) {
-            last = last || capture.ended(); // asked first: what is painted then is the last
+            last = last || capture.ended(); // before the paint, which then shows the last frame
             paint(window, helper, slot, shown);
             if (last && options.frames >= 0)
                 break;

@@ -1,4 +1,4 @@
-/// Plain Xlib and GLX, with the helper that needs nothing but the fixed pipeline.
+/// Plain Xlib and GLX, with the fixed-function helper.
 #include "BarsFrame.h"
 #include "ExampleMain.h"
 
@@ -14,13 +14,12 @@ public:
         m_display = XOpenDisplay(nullptr);
         if (!m_display)
             throw std::runtime_error("no display");
-        // No alpha is asked for: under a compositor one sees through a window with alpha wherever
-        // less than 1 was painted.
+        // Without alpha, because a compositor shows what is behind a window wherever its alpha is
+        // less than 1.
         int attributes[] = {
             GLX_RGBA, GLX_DOUBLEBUFFER, GLX_RED_SIZE, 8, GLX_GREEN_SIZE, 8, GLX_BLUE_SIZE, 8, None};
         XVisualInfo* visual = glXChooseVisual(m_display, DefaultScreen(m_display), attributes);
-        // Of all ways to a context this is the oldest, and the one that leads to the fixed
-        // pipeline.
+        // The oldest way to make a context gives one with the fixed pipeline.
         m_context = visual ? glXCreateContext(m_display, visual, nullptr, True) : nullptr;
         if (!m_context)
             throw std::runtime_error("no OpenGL on this display");
@@ -48,7 +47,7 @@ public:
     View(const View&) = delete;
     View& operator=(const View&) = delete;
 
-    /// Handles what has happened; false once the window was closed.
+    /// Handles the events; false after the window was closed.
     bool handleEvents()
     {
         bool open = true;
@@ -66,7 +65,7 @@ public:
         return open;
     }
 
-    /// In pixels, which is all that X knows.
+    /// In pixels, the only unit of X.
     int width() const { return m_width; }
     int height() const { return m_height; }
 
@@ -89,10 +88,10 @@ void run(const ExampleOptions& options)
         throw std::runtime_error("no memory for a helper");
     check(helper->InitializeGL(), "InitializeGL");
 
-    // The first ConfigureNotify comes when it comes, and before that there is the size asked for.
+    // Until the first ConfigureNotify comes, the size is the one that was asked for.
     for (int painted = 0; view.handleEvents();) {
-        // This helper converts here and now, and keeps no reference. It has no lock, so all calls
-        // are made from one thread.
+        // This helper converts the frame in SetFrame, and keeps no reference. It has no lock, so
+        // all calls are made on one thread.
         BarsFrame* frame = options.signal() ? new BarsFrame(painted) : nullptr;
         const HRESULT status = helper->SetFrame(frame);
         if (frame)
@@ -117,7 +116,7 @@ void run(const ExampleOptions& options)
         }
         view.show();
     }
-    // The last Release deletes GL objects: before the context goes, and with it current.
+    // The last Release deletes GL objects, so the context is still current here.
     helper->Release();
 }
 

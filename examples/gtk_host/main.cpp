@@ -23,7 +23,7 @@ void end(View* view, const char* failure)
     view->open = false;
 }
 
-/// The area has come into a window, and has got a context there: at first and after each move.
+/// The area is in a window and has a context there: at first and after each move.
 void realize(GtkGLArea* area, View* view)
 {
     gtk_gl_area_make_current(area);
@@ -34,8 +34,8 @@ void realize(GtkGLArea* area, View* view)
         end(view, "no helper in this context");
 }
 
-/// The area leaves its window, and the context ends with that. The last Release deletes GL objects,
-/// and GTK has made no context current for it.
+/// The area leaves its window, and its context ends. The last Release deletes GL objects, and GTK
+/// does not make the context current for it.
 void unrealize(GtkGLArea* area, View* view)
 {
     gtk_gl_area_make_current(area);
@@ -52,7 +52,7 @@ void closed(GtkWidget* window, View* view)
     view->open = false;
 }
 
-/// Puts the area into a new window; the one before goes.
+/// Puts the area into a new window and closes the one before.
 void place(View* view)
 {
     GtkWidget* const before = view->window;
@@ -95,7 +95,7 @@ gboolean render(GtkGLArea* area, GdkGLContext*, View* view)
         try {
             writePng(view->options, width, height);
         } catch (const std::exception& error) {
-            end(view, error.what()); // which must not pass through GTK
+            end(view, error.what()); // an exception must not pass through GTK
         }
     } else if (view->options.detach && view->painted == view->options.frames / 2) {
         const auto move = [](gpointer data) { place(static_cast<View*>(data)); };

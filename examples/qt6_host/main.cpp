@@ -1,7 +1,7 @@
 /// Qt 6: a `QOpenGLWidget` that shows the newest frame. A double click, or `--detach`, moves it out
 /// of its window into one of its own, and back.
 
-// Qt's headers first: with them comes a glext.h of Qt's own, which warns of another before it.
+// Qt's headers first: their own glext.h warns if another one was included before.
 #include <QApplication>
 #include <QMainWindow>
 #include <QOpenGLContext>
@@ -26,7 +26,7 @@ public:
     }
     ~PreviewWidget() override { releaseHelper(); }
 
-    /// What went wrong inside Qt's calls, which no exception may leave.
+    /// What failed inside a call by Qt; an exception must not leave it.
     const std::string& failure() const { return m_failure; }
 
     void detachOrAttach()
@@ -40,11 +40,11 @@ public:
     }
 
 protected:
-    /// Not once in a widget's life: a widget that gets another top-level window gets another
-    /// context too, and this is called again.
+    /// Qt calls this again after the widget gets another top-level window, because it also gets
+    /// another context.
     void initializeGL() override
     {
-        // The old context goes before the new one comes, and with it the helper's objects.
+        // The old context ends before the new one is made, and the helper's objects end with it.
         m_contextEnds = QObject::connect(context(), &QOpenGLContext::aboutToBeDestroyed, this,
                                          &PreviewWidget::releaseHelper);
         m_helper = CreateOpenGL3ScreenPreviewHelper_0002();
@@ -62,8 +62,8 @@ protected:
         if (frame)
             frame->Release(); // the helper has a reference of its own
 
-        // The widget's framebuffer is not 0, and Qt has bound it. Its size is in device pixels,
-        // where width() and height() are in units that may be several.
+        // The widget's framebuffer is not 0, and Qt has bound it. Its size is in device pixels; a
+        // unit of width() and height() may be several of these.
         const int width = qRound(this->width() * devicePixelRatio());
         const int height = qRound(this->height() * devicePixelRatio());
         glViewport(0, 0, width, height);
@@ -118,7 +118,7 @@ private:
 
 void run(const ExampleOptions& options)
 {
-    // Before the application, so that the contexts in which Qt itself works are alike.
+    // Before the application is made, so that the contexts of Qt itself have the same format.
     QSurfaceFormat format;
     format.setVersion(3, 2);
     format.setProfile(QSurfaceFormat::CoreProfile);
@@ -137,7 +137,7 @@ void run(const ExampleOptions& options)
     QApplication::exec();
     const std::string failure = widget->failure();
     if (!widget->parent())
-        delete widget; // of what is detached the window knows nothing
+        delete widget; // the window does not own a detached widget
     if (!failure.empty())
         throw std::runtime_error(failure);
 }

@@ -1,5 +1,4 @@
-/// SDL 2: a program with drawing of its own, whose GL state a guard keeps from the helper, and the
-/// helper's from it.
+/// SDL 2: a program that also draws by itself. A guard keeps its GL state and the helper's apart.
 #include "BarsFrame.h"
 #include "ExampleMain.h"
 #include "KestrixGLStateGuard.h"
@@ -8,9 +7,9 @@
 
 namespace {
 
-/// A lamp in the lower left corner, red. Stands for what a program draws besides: it leaves its
-/// state as it was convenient, and the next picture would be off-colour, cut to the lamp's box and
-/// shifted within its lines.
+/// A red lamp in the lower left corner, in place of what a program draws by itself. It leaves its
+/// state changed: without the guard the next picture would have wrong colours, be cut to the lamp's
+/// box and be shifted within its lines.
 void drawLamp(int width, int height)
 {
     glEnable(GL_FRAMEBUFFER_SRGB); // for what is blended in linear light
@@ -29,7 +28,7 @@ void run(const ExampleOptions& options)
     SDL_GL_SetAttribute(SDL_GL_CONTEXT_MINOR_VERSION, 2);
     SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_CORE);
     SDL_GL_SetAttribute(SDL_GL_FRAMEBUFFER_SRGB_CAPABLE, 1);
-    // Without alpha, lest a compositor show what lies behind the window while there is no frame.
+    // Without alpha, so that a compositor does not show what is behind the window.
     SDL_GL_SetAttribute(SDL_GL_ALPHA_SIZE, 0);
     SDL_Window* window = SDL_CreateWindow(
         "sdl2_host", SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, options.width,
@@ -55,7 +54,8 @@ void run(const ExampleOptions& options)
         if (frame)
             frame->Release(); // the helper has a reference of its own
 
-        // The framebuffer's size, which on a display of high density is not SDL_GetWindowSize's.
+        // The framebuffer's size, which differs from SDL_GetWindowSize on a display of high
+        // density.
         int width = 0;
         int height = 0;
         SDL_GL_GetDrawableSize(window, &width, &height);
@@ -74,8 +74,8 @@ void run(const ExampleOptions& options)
         SDL_GL_SwapWindow(window);
     }
 
-    // The last Release deletes GL objects. Programs with several windows make this one's context
-    // current first.
+    // The last Release deletes GL objects. A program with several windows makes the right context
+    // current before it.
     SDL_GL_MakeCurrent(window, context);
     helper->Release();
     SDL_GL_DeleteContext(context);
