@@ -19,7 +19,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent
 PAGE = ROOT / "docs/performance.md"
 CHART = ROOT / "docs/images/performance.svg"
-BUDGETS = ROOT / "benchmarks/instructions.txt"
+BUDGETS = ROOT / "benchmarks/instructions/g++-12.txt"
 
 # What hosts use most.
 CHIEF_ROWS = [
@@ -262,7 +262,6 @@ def main():
     parser.add_argument("--preview", action="store_true", help="loading, tables and helpers too")
     parser.add_argument("--clean-build", action="store_true", help="a build from clean too")
     parser.add_argument("--write", action="store_true", help="into docs/performance.md")
-    parser.add_argument("--record", action="store_true", help="write the budgets anew")
     parser.add_argument("--repetitions", type=int, default=7, metavar="N")
     parser.add_argument("--min-time", type=float, default=0.02, metavar="S",
                         help="seconds a repetition takes at least")
@@ -270,11 +269,6 @@ def main():
                         help="where the programs were built")
     arguments = parser.parse_args()
     programs = arguments.folder / "benchmarks"
-
-    if arguments.record:
-        command = [sys.executable, ROOT / "benchmarks/instructions.py", "--record",
-                   programs / "kestrix_instructions", BUDGETS]
-        return subprocess.run(command).returncode
 
     text, rows, sizes = measure(arguments, programs)
     print(text)
