@@ -139,6 +139,7 @@ int main(int argc, char** argv)
     const std::regex rows(argc > 1 ? argv[1] : "");
     const std::string sizes = argc > 2 ? argv[2] : "";
 
+    benchmark::AddCustomContext("compiler", KESTRIX_COMPILER);
     benchmark::AddCustomContext("last_cache_bytes", std::to_string(lastCacheBytes()));
     for (const std::string& version : peerVersions())
         benchmark::AddCustomContext("peer " + version.substr(0, version.find(' ')), version);
