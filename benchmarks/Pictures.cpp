@@ -11,11 +11,11 @@ namespace {
 
 constexpr std::size_t kCacheLine = 64;
 constexpr std::size_t kPage = 4096;
-/// Stages that look ahead read behind a row.
+/// Stages that look ahead read past the end of a row.
 constexpr std::size_t kReadableBehind = 64;
 constexpr std::size_t kLeastColdBytes = std::size_t{512} << 20;
 
-/// A block, and how far cold pictures have got in it.
+/// The block of memory, and where the next cold pair begins.
 struct Ring {
     std::vector<unsigned char> bytes;
     unsigned char* begin;
@@ -49,7 +49,8 @@ std::size_t lastCacheBytes()
     return bytes > 0 ? static_cast<std::size_t>(bytes) : 0;
 }
 
-// Half a page apart: loads that lie a little ahead of stores in two pages wait for them.
+// Half a page apart: a load waits for an earlier store if their addresses are nearly equal modulo a
+// page.
 Pictures::Pictures(std::size_t srcBytes, std::size_t dstBytes, Temperature temperature)
     : m_dstOffset((padded(srcBytes) + kPage - 1) / kPage * kPage + kPage / 2),
       m_pairBytes(m_dstOffset + padded(dstBytes)),

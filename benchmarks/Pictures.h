@@ -1,4 +1,4 @@
-/// Memory that the benchmarks read from and write to.
+/// The memory that the benchmarks read and write.
 #pragma once
 
 #include <cstddef>
@@ -7,15 +7,15 @@ namespace kestrix::bench {
 
 /// Where pictures are when a conversion gets to them.
 enum class Temperature {
-    Hot,  ///< as near as their size allows: one pair of pictures, again and again
-    Cold, ///< in memory: pairs that are together several times what the last cache holds
+    Hot,  ///< in the nearest cache that holds them: one pair of pictures again and again
+    Cold, ///< in memory: pairs that are together several times as large as the last cache
 };
 
 /// Bytes of the processor's last cache.
 std::size_t lastCacheBytes();
 
-/// Goes round pairs of a source and a destination. All benchmarks share one block of memory, which
-/// is filled when the first of them asks.
+/// Hands out pairs of a source and a destination in a ring. All benchmarks share one block of
+/// memory, which is filled for the first of them.
 class Pictures {
 public:
     Pictures(std::size_t srcBytes, std::size_t dstBytes, Temperature temperature);
@@ -24,7 +24,7 @@ public:
         unsigned char* src;
         unsigned char* dst;
     };
-    /// Where it is cold, the memory that was left alone for longest.
+    /// The same pair if hot; if cold, the one that was not used for the longest time.
     Pair next();
 
 private:

@@ -1,6 +1,6 @@
-/// Times every live conversion of the table, beside a memcpy that moves as many bytes and beside
-/// what other libraries have for it: kestrix_bench [ROWS [SIZE]] takes the rows whose names fit the
-/// regular expression ROWS, and the sizes whose names begin with SIZE.
+/// Times every conversion of the table, a memcpy that moves as many bytes, and the conversions of
+/// other libraries: kestrix_bench [ROWS [SIZE]] takes the rows whose names match the regular
+/// expression ROWS, and the sizes whose names begin with SIZE.
 ///
 /// Names are ROW/SIZE/TEMPERATURE/WHO, as "row41/2vuy:709/BGRA:709/1920x1080/hot/kestrix";
 /// "memcpy/BYTES/TEMPERATURE" moves BYTES in all, half of them read and half written. Counters are
@@ -41,8 +41,8 @@ std::string nameOf(Level level)
     return level == Level::Ssse3 ? "ssse3" : "free";
 }
 
-/// Calls `work` with pair after pair. Memory that a benchmark is the first to touch is touched
-/// before the clock runs.
+/// Calls `work` with pair after pair. The first call is not timed: it may be the first to touch
+/// memory.
 template<class WORK>
 void timePictures(benchmark::State& state, std::size_t srcBytes, std::size_t dstBytes,
                   Temperature temperature, std::size_t pixels, WORK work)
@@ -62,7 +62,7 @@ void timePictures(benchmark::State& state, std::size_t srcBytes, std::size_t dst
     state.counters["bytes"] = static_cast<double>(srcBytes + dstBytes);
 }
 
-/// A peer that stands beside no conversion would never be run, and nobody would know.
+/// False if a peer names no conversion: it would never run, and nobody would notice.
 bool allPeersHaveRows()
 {
     bool all = true;

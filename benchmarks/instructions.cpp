@@ -1,5 +1,5 @@
-/// Runs every live conversion of the table once on a low picture and once on one twice as high, for
-/// callgrind to count the instructions of each run: see instructions.py.
+/// Runs every conversion of the table on two pictures, the second twice as high as the first.
+/// callgrind counts the instructions of each run; see instructions.py.
 #include "benchmarks/Rows.h"
 
 #include <cstdio>
@@ -15,7 +15,7 @@ using namespace KSX::PixelConversion;
 
 constexpr unsigned kWidth = 1920;
 constexpr unsigned kHeights[] = {4, 8};
-/// Bytes of a pixel of the largest format, and what stages that look ahead read behind a row.
+/// Bytes of a pixel of the largest format, and bytes that stages read past the end of a row.
 constexpr std::size_t kPixelBytes = 8;
 constexpr std::size_t kReadableBehind = 64;
 
@@ -40,7 +40,6 @@ int main()
                              "run benchmarks/instructions.py\n");
         return 1;
     }
-    // Read once outside the difference that is taken: what a first call sets up.
     const std::size_t bytes = std::size_t{kWidth} * kHeights[1] * kPixelBytes + kReadableBehind;
     std::vector<unsigned char> src(bytes, 0x5a);
     std::vector<unsigned char> dst(bytes);

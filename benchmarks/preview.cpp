@@ -1,5 +1,5 @@
 /// Times what hosts wait for: loading, the first helper, and the helpers' calls for each frame.
-/// Needs a display for the latter.
+/// The helpers' calls need a display.
 #include "api/KestrixPreviewAPI.h"
 #include "conversion/PixelFormats.h"
 #include "host/MemoryFrame.h"
@@ -28,7 +28,7 @@ using kestrix::host::Owned;
 
 // --- Loading -------------------------------------------------------------------------------------
 
-/// Bytes that this process alone has, of what is mapped from `file`.
+/// Bytes of the mappings of `file` that only this process has.
 double privateBytes(const std::string& file)
 {
     std::ifstream maps("/proc/self/smaps");
@@ -47,7 +47,7 @@ double privateBytes(const std::string& file)
     return bytes;
 }
 
-/// What it needs itself is there already: this program has it too.
+/// The libraries that it needs are loaded before, because this program needs them too.
 void load(benchmark::State& state)
 {
     double bytes = 0;
@@ -67,8 +67,8 @@ void load(benchmark::State& state)
     state.counters["file_bytes"] = static_cast<double>(std::filesystem::file_size(KESTRIX_LIBRARY));
 }
 
-/// Seconds that the first OpenGL 3 helper of a process takes, most of it for the colour tables: in
-/// a process of its own. Negative where that fails.
+/// Seconds that the first OpenGL 3 helper of a process takes, most of them for the colour tables.
+/// Runs in a process of its own. Negative if that fails.
 double timeFirstHelper()
 {
     int ends[2];
@@ -91,7 +91,7 @@ double timeFirstHelper()
     return seconds;
 }
 
-/// Those of `seconds`, which were taken before any benchmark made a helper here.
+/// Reports `seconds`, which were measured before a benchmark made a helper in this process.
 void firstHelper(benchmark::State& state, const std::vector<double>& seconds)
 {
     std::size_t i = 0;
@@ -136,7 +136,7 @@ Owned<MemoryFrame> noise(const Format& format, const Size& size)
 
 enum class Helper { FixedFunction, OpenGL3 };
 
-/// A helper that is ready, with a context that is current as long as it lives.
+/// An initialized helper, and the context that is current while it lives.
 class Preview {
 public:
     explicit Preview(Helper kind)

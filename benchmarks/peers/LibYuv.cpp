@@ -1,4 +1,4 @@
-/// libyuv, which names formats by words: its ARGB is B G R A in memory.
+/// libyuv. It names formats as words of the processor: its ARGB is B G R A in memory.
 #include "benchmarks/peers/Libraries.h"
 
 #include <libyuv.h>
@@ -19,7 +19,7 @@ void hold(Level level)
 using Function = int (*)(const std::uint8_t* src, int srcStride, std::uint8_t* dst, int dstStride,
                          int width, int height);
 
-/// A conversion from one packed format to another; bytes of a pixel on either side.
+/// A conversion between packed formats, with the bytes of a pixel in each.
 Peer packed(std::string row, Function function, int srcBytes, int dstBytes,
             std::string differs = "")
 {
@@ -49,7 +49,8 @@ int fromWords(const std::uint8_t* src, int srcStride, std::uint8_t* dst, int dst
                               dstStride, width, height);
 }
 
-/// The one road to Rec. 709 goes over planes: row by row, so that they stay in the nearest cache.
+/// libyuv converts by Rec. 709 from planes only. A row is split at a time, so that the planes stay
+/// in the nearest cache.
 Peer overPlanes(std::string name)
 {
     return {std::move(name), "libyuv planes", "two steps over planes, chroma repeated",

@@ -1,4 +1,4 @@
-/// The peers of each library, where the build has it.
+/// The peers of each library that the build has.
 #pragma once
 
 #include "benchmarks/Peers.h"

@@ -1,4 +1,4 @@
-/// libswscale between packed formats, with libavcodec's coders where one side is v210 or r210.
+/// libswscale between packed formats, with libavcodec's coders for v210 and r210.
 #include "benchmarks/peers/Libraries.h"
 
 extern "C" {
@@ -31,7 +31,7 @@ struct Free {
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
 };
 
-/// A picture of libav's, with lines that follow each other without padding.
+/// An AVFrame whose lines follow each other without padding.
 struct Picture {
     std::uint8_t* planes[4];
     int strides[4];
@@ -51,7 +51,7 @@ std::size_t bytesOf(AVPixelFormat format, unsigned width, unsigned height)
         av_image_get_buffer_size(format, static_cast<int>(width), static_cast<int>(height), 1));
 }
 
-/// From one format of libswscale's to another, in Rec. 709.
+/// Converts between two formats of libswscale by Rec. 709.
 class Scaler {
 public:
     Scaler(AVPixelFormat from, AVPixelFormat to, unsigned width, unsigned height)
@@ -100,7 +100,7 @@ Peer scaled(std::string row, AVPixelFormat from, AVPixelFormat to, std::string d
             }};
 }
 
-/// A format that libav has as a codec.
+/// A format that FFmpeg has as a codec.
 struct Coded {
     AVCodecID codec;
     AVPixelFormat planes;
@@ -111,15 +111,15 @@ constexpr Coded kV210{AV_CODEC_ID_V210, AV_PIX_FMT_YUV422P10,
 constexpr Coded kR210{AV_CODEC_ID_R210, AV_PIX_FMT_GBRP10,
                       [](unsigned w, unsigned h) { return (w + 63) / 64 * std::size_t{256} * h; }};
 
-/// A buffer of the host's as libav counts it; the bytes after it serve as libav's padding.
+/// A buffer of the caller as an AVBufferRef; the bytes after it are the padding that decoders ask
+/// for.
 AVBufferRef* borrowed(std::uint8_t* bytes, std::size_t size)
 {
     return av_buffer_create(
         bytes, size + AV_INPUT_BUFFER_PADDING_SIZE, [](void*, std::uint8_t*) {}, nullptr, 0);
 }
 
-/// Has an encoder write to the address in `opaque`, so that neither an allocation nor a copy is
-/// timed.
+/// Lets an encoder write to the address in `opaque`, so that no allocation and no copy is timed.
 int encodeInPlace(AVCodecContext* context, AVPacket* packet, int /*flags*/)
 {
     packet->data = static_cast<std::uint8_t*>(context->opaque);
@@ -157,7 +157,7 @@ Peer decoded(std::string row, const Coded& from, AVPixelFormat to, std::string d
                 const std::size_t bytes = from.bytes(width, height);
                 return {bytes, bytesOf(to, width, height),
                         [=](const unsigned char* src, unsigned char* dst) {
-                            // Counted, so that it is not copied.
+                            // With a reference count, so that it is not copied.
                             auto* const data = const_cast<std::uint8_t*>(src);
                             packet->buf = borrowed(data, bytes);
                             packet->data = data;

@@ -1,4 +1,4 @@
-/// zimg, which works on planes: what its host does to get there and back is not timed.
+/// zimg. It works on planes; splitting packed pixels and packing them again is not timed.
 #include "benchmarks/peers/Libraries.h"
 
 #include <zimg.h>
