@@ -66,7 +66,7 @@ def percent(share):
 
 def spread(records, column, form):
     """The median of a column, and its lowest and highest value."""
-    values = [float(record[column]) for record in records]
+    values = [float(record[column]) for record in records if record[column]]
     return f"{form(median(values))} ({form(min(values))} to {form(max(values))})"
 
 
@@ -87,7 +87,7 @@ def chief_table(own, peers):
     for record in sorted((r for r in own if r["conversion"] in CHIEF),
                          key=lambda r: CHIEF.index(r["conversion"])):
         beside = [p for p in peers if p["conversion"] == record["conversion"]]
-        fastest = min(beside, key=lambda p: float(p["cold_free"]), default=None)
+        fastest = min(beside, key=lambda p: float(p["cold_free"] or "inf"), default=None)
         cells = ([fastest["library"], fastest["cold_ssse3"], fastest["cold_free"], fastest["differs"]]
                  if fastest else [""] * 4)
         lines.append([f"`{record['conversion']}`", record["hot_ns"], record["cold_ns"],
@@ -100,7 +100,7 @@ def peer_table(peers):
     lines = []
     for library in sorted({p["library"] for p in peers}):
         beside = [p for p in peers if p["library"] == library]
-        faster = [f"`{p['conversion']}`" for p in beside if float(p["cold_free"]) < 0.95]
+        faster = [f"`{p['conversion']}`" for p in beside if float(p["cold_free"] or "inf") < 0.95]
         lines.append([library, str(len(beside)), spread(beside, "cold_ssse3", "{:.1f}".format),
                       spread(beside, "cold_free", "{:.1f}".format), ", ".join(faster) or "none"])
     return table(["library", "rows", "with SSSE3", "free", "where it is over 5 % faster than ours"], lines)
@@ -138,9 +138,9 @@ def chart():
     size = SIZES[0]
     others = [(p["conversion"], p["library"], p["cold_free"]) for p in read("peers") if p["size"] == size]
     others += [(r["conversion"], "memcpy", r["cold_of_memcpy"]) for r in read("conversions")
-               if r["size"] == size and r["conversion"] in CHIEF]
+               if r["size"] == size]
     points = [f'{CHIEF.index(conversion)} "{conversion}" "{library}" {ratio}'
-              for conversion, library, ratio in others if ratio]
+              for conversion, library, ratio in others if ratio and conversion in CHIEF]
     script = "\n".join([f"places = {len(CHIEF)}", "$figures <<END", *points, "END",
                         Path(__file__).with_name("chart.gp").read_text()])
     drawn = subprocess.run(["gnuplot"], input=script, check=True, stdout=subprocess.PIPE, text=True)
