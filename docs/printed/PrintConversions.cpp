@@ -2,8 +2,8 @@
 /// reference says.
 #include "docs/printed/EntriesThatTellTheirPipelines.h"
 #include "docs/printed/FormatNames.h"
+#include "tests/common/AllConversions.h"
 #include "tests/reference/Conversions.h"
-#include "tests/support/AllConversions.h"
 
 #include <cstdio>
 #include <string>

@@ -2,7 +2,7 @@
 /// rule fits no row of the table, and if a budget is missing.
 #include "docs/printed/EntriesThatTellTheirPipelines.h"
 #include "docs/printed/FormatNames.h"
-#include "tests/support/AllConversions.h"
+#include "tests/common/AllConversions.h"
 
 #include <algorithm>
 #include <cstdio>

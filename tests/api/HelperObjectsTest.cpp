@@ -1,7 +1,7 @@
 /// The helpers as reference-counted objects, and the factories that make them.
 #include "api/KestrixPreviewAPI_v14_2_1.h"
-#include "tests/support/CaseName.h"
-#include "tests/support/PreviewFixture.h"
+#include "tests/common/CaseName.h"
+#include "tests/common/PreviewFixture.h"
 
 #include <thread>
 

@@ -5,9 +5,9 @@
 #include "api/v14_2_1/VideoFrame3DExtensions.h"
 #include "api/v14_2_1/VideoFrame_From.h"
 #include "host/OldMemoryFrame.h"
-#include "tests/support/AllocationFaults.h"
-#include "tests/support/CaseName.h"
-#include "tests/support/TestFrame.h"
+#include "tests/common/AllocationFaults.h"
+#include "tests/common/CaseName.h"
+#include "tests/common/TestFrame.h"
 
 #include <gtest/gtest.h>
 

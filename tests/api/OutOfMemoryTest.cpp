@@ -5,9 +5,9 @@
 #include "api/v14_2_1/VideoFrame_From.h"
 #include "host/OldMemoryFrame.h"
 #include "preview/ScreenPreviewLut.h"
-#include "tests/support/AllocationFaults.h"
-#include "tests/support/CaseName.h"
-#include "tests/support/PreviewFixture.h"
+#include "tests/common/AllocationFaults.h"
+#include "tests/common/CaseName.h"
+#include "tests/common/PreviewFixture.h"
 
 #include <functional>
 #include <ostream>

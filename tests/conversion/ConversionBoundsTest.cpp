@@ -1,10 +1,10 @@
 /// What conversions touch and what their results hang on: every byte of memory that is theirs and
 /// none besides, and neither alignment nor what lies on the stack.
+#include "tests/common/AllConversions.h"
+#include "tests/common/FaultCatcher.h"
+#include "tests/common/GuardedBytes.h"
+#include "tests/common/Random.h"
 #include "tests/reference/Conversions.h"
-#include "tests/support/AllConversions.h"
-#include "tests/support/FaultCatcher.h"
-#include "tests/support/GuardedBytes.h"
-#include "tests/support/Random.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,8 +1,8 @@
 /// Prints a hash of what each conversion makes of random pictures: the same for every compiler and
 /// every level of optimisation. Bits without a defined value are left out.
+#include "tests/common/AllConversions.h"
+#include "tests/common/Random.h"
 #include "tests/reference/Conversions.h"
-#include "tests/support/AllConversions.h"
-#include "tests/support/Random.h"
 
 #include <cstdio>
 #include <vector>

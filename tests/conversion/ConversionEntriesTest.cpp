@@ -1,11 +1,11 @@
 /// Whole conversions against the scalar reference: every row of the table that has a function, and
 /// the entries that no row leads to.
+#include "tests/common/AllConversions.h"
+#include "tests/common/CaseName.h"
+#include "tests/common/Difference.h"
+#include "tests/common/GuardedPicture.h"
+#include "tests/common/Random.h"
 #include "tests/reference/Conversions.h"
-#include "tests/support/AllConversions.h"
-#include "tests/support/CaseName.h"
-#include "tests/support/Difference.h"
-#include "tests/support/GuardedPicture.h"
-#include "tests/support/Random.h"
 
 #include <algorithm>
 #include <numeric>

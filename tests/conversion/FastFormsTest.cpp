@@ -1,8 +1,8 @@
 /// What runs against what is listed: every row of the table beside the same row without fast forms.
+#include "tests/common/AllConversions.h"
+#include "tests/common/Random.h"
 #include "tests/conversion/listed/ListedConversion.h"
 #include "tests/reference/Conversions.h"
-#include "tests/support/AllConversions.h"
-#include "tests/support/Random.h"
 
 #include <algorithm>
 #include <vector>

@@ -1,6 +1,6 @@
 /// The scalar reference on rows worked out by hand.
+#include "tests/common/CaseName.h"
 #include "tests/reference/Conversions.h"
-#include "tests/support/CaseName.h"
 
 #include <algorithm>
 #include <ostream>

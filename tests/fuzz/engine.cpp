@@ -1,9 +1,9 @@
 /// Fuzzes the engine: an input is a conversion, a picture's shape and its bytes. Buffers have
 /// exactly the bytes that the conversion can touch, and the scalar reference says what has to come
 /// out.
+#include "tests/common/AllConversions.h"
 #include "tests/fuzz/FuzzTarget.h"
 #include "tests/reference/Conversions.h"
-#include "tests/support/AllConversions.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -2,10 +2,10 @@
 /// frame's first answers hold; later ones may be anything. Its memory has what the first ones say
 /// and not a byte more than the 64 that may be read behind the last line.
 #include "conversion/KSXPixelConversion.h"
+#include "tests/common/GLRecorder.h"
+#include "tests/common/GuardedBytes.h"
+#include "tests/common/InventedFrame.h"
 #include "tests/fuzz/FuzzTarget.h"
-#include "tests/support/GLRecorder.h"
-#include "tests/support/GuardedBytes.h"
-#include "tests/support/InventedFrame.h"
 
 #include <GL/gl.h>
 #include <GL/glext.h>

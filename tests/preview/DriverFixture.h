@@ -1,9 +1,9 @@
 /// Tests of what is painted: a real context, frames of noise, a picture to paint into.
 #pragma once
 
-#include "tests/support/GLContext.h"
-#include "tests/support/PreviewFixture.h"
-#include "tests/support/Random.h"
+#include "tests/common/GLContext.h"
+#include "tests/common/PreviewFixture.h"
+#include "tests/common/Random.h"
 
 #include <GL/gl.h>
 

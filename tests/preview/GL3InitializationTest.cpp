@@ -1,6 +1,6 @@
 /// What the OpenGL 3 helper asks of a context, and what it makes in it.
 #include "preview/ScreenPreviewLut.h"
-#include "tests/support/PreviewFixture.h"
+#include "tests/common/PreviewFixture.h"
 
 #include <GL/gl.h>
 #include <GL/glext.h>

@@ -1,7 +1,7 @@
 /// What the OpenGL 3 helper does with frames: uploads, tables, uniforms, fences, references.
 #include "preview/ScreenPreviewLut.h"
-#include "tests/support/PreviewFixture.h"
-#include "tests/support/TestFrame.h"
+#include "tests/common/PreviewFixture.h"
+#include "tests/common/TestFrame.h"
 
 #include <GL/gl.h>
 #include <GL/glext.h>

@@ -1,8 +1,8 @@
 /// What the OpenGL 3 helper paints, read back from a real context.
 #include "preview/ScreenPreviewLut.h"
+#include "tests/common/CaseName.h"
 #include "tests/preview/DriverFixture.h"
 #include "tests/preview/ShaderModel.h"
-#include "tests/support/CaseName.h"
 
 #include <GL/glext.h>
 

@@ -1,7 +1,7 @@
 /// Both helpers through the ends that a host can bring about: contexts that fail, that go and that
 /// come again. Every GL object is counted.
+#include "tests/common/CaseName.h"
 #include "tests/preview/DriverFixture.h"
-#include "tests/support/CaseName.h"
 
 #include <GL/glext.h>
 

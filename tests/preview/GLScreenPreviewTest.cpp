@@ -1,7 +1,7 @@
 /// The fixed-function helper: what it converts into its slots, and how those reach the texture.
-#include "tests/support/AllocationFaults.h"
-#include "tests/support/CaseName.h"
-#include "tests/support/PreviewFixture.h"
+#include "tests/common/AllocationFaults.h"
+#include "tests/common/CaseName.h"
+#include "tests/common/PreviewFixture.h"
 
 #include <GL/gl.h>
 #include <GL/glext.h>

@@ -2,8 +2,8 @@
 /// within the guard for hosts, which is to leave nothing changed.
 #define GL_GLEXT_PROTOTYPES
 #include "examples/common/KestrixGLStateGuard.h"
+#include "tests/common/CaseName.h"
 #include "tests/preview/DriverFixture.h"
-#include "tests/support/CaseName.h"
 
 #include <GL/glext.h>
 

@@ -1,8 +1,8 @@
 /// What hosts can get wrong in a frame's numbers: a status, and no byte outside the frame's lines
 /// and the helper's memory. The fuzz target has what changes and what fails.
-#include "tests/support/GuardedBytes.h"
-#include "tests/support/InventedFrame.h"
-#include "tests/support/PreviewFixture.h"
+#include "tests/common/GuardedBytes.h"
+#include "tests/common/InventedFrame.h"
+#include "tests/common/PreviewFixture.h"
 
 #include <GL/gl.h>
 #include <GL/glext.h>

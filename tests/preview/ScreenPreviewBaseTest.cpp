@@ -1,9 +1,9 @@
 /// Which colourspace a frame stands in, which way it is converted, and the CPU's passes over it.
 #include "preview/ScreenPreviewBase.h"
-#include "tests/support/Difference.h"
-#include "tests/support/GuardedPicture.h"
-#include "tests/support/PreviewFixture.h"
-#include "tests/support/Random.h"
+#include "tests/common/Difference.h"
+#include "tests/common/GuardedPicture.h"
+#include "tests/common/PreviewFixture.h"
+#include "tests/common/Random.h"
 
 #include <algorithm>
 #include <optional>

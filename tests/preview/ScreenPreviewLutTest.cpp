@@ -1,10 +1,10 @@
 /// The store of colour tables, what they hold and the choice among them.
 #include "preview/ScreenPreviewLut.h"
+#include "tests/common/AllocationFaults.h"
+#include "tests/common/PreviewFixture.h"
 #include "tests/reference/Gamut.h"
 #include "tests/reference/Levels.h"
 #include "tests/reference/YUV.h"
-#include "tests/support/AllocationFaults.h"
-#include "tests/support/PreviewFixture.h"
 
 #include <algorithm>
 #include <array>

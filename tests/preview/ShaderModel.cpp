@@ -1,7 +1,7 @@
 /// One function a format, for the pixel at a column and a line.
 #include "tests/preview/ShaderModel.h"
 
-#include "tests/support/PreviewFixture.h"
+#include "tests/common/PreviewFixture.h"
 
 #include <algorithm>
 #include <cmath>

@@ -3,7 +3,7 @@
 #define GL_GLEXT_PROTOTYPES
 #include "api/KestrixPreviewAPI.h"
 #include "host/MemoryFrame.h"
-#include "tests/support/CaseName.h"
+#include "tests/common/CaseName.h"
 
 #include <EGL/egl.h>
 #include <EGL/eglext.h>

@@ -1,7 +1,7 @@
 /// The factories when a process begins on many threads at once.
 #include "api/KestrixPreviewAPI_v14_2_1.h"
 #include "preview/ScreenPreviewLut.h"
-#include "tests/support/PreviewFixture.h"
+#include "tests/common/PreviewFixture.h"
 
 #include <barrier>
 #include <thread>

@@ -1,8 +1,8 @@
 /// Frames from four threads while a fifth paints, as the OpenGL 3 helper allows. The fixed-function
 /// helper leaves it to its host that no two calls meet.
-#include "tests/support/CaseName.h"
-#include "tests/support/GLContext.h"
-#include "tests/support/PreviewFixture.h"
+#include "tests/common/CaseName.h"
+#include "tests/common/GLContext.h"
+#include "tests/common/PreviewFixture.h"
 
 #include <GL/gl.h>
 

@@ -1,5 +1,5 @@
 /// Replacements of the allocation functions that can be told to fail.
-#include "tests/support/AllocationFaults.h"
+#include "tests/common/AllocationFaults.h"
 
 #include <cerrno>
 #include <cstdlib>

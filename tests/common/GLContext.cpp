@@ -1,8 +1,8 @@
 /// GL contexts by GLFW, and framebuffer objects.
 #define GL_GLEXT_PROTOTYPES
-#include "tests/support/GLContext.h"
+#include "tests/common/GLContext.h"
 
-#include "tests/support/GLRecorder.h"
+#include "tests/common/GLRecorder.h"
 
 #include <GL/gl.h>
 #include <GL/glext.h>

@@ -3,8 +3,8 @@
 
 #include "api/KestrixPreviewAPI.h"
 #include "host/Owned.h"
-#include "tests/support/GLRecorder.h"
-#include "tests/support/TestFrame.h"
+#include "tests/common/GLRecorder.h"
+#include "tests/common/TestFrame.h"
 
 #include <gtest/gtest.h>
 

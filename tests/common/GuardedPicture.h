@@ -1,7 +1,7 @@
 /// A picture in memory that shows every byte touched outside its rows.
 #pragma once
 
-#include "tests/support/GuardedBytes.h"
+#include "tests/common/GuardedBytes.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 /// Frames that contradict themselves.
 #pragma once
 
-#include "tests/support/TestFrame.h"
+#include "tests/common/TestFrame.h"
 
 #include <algorithm>
 #include <cstdint>

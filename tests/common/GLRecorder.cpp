@@ -1,9 +1,9 @@
 /// The entry points that the library finds in a test program, by link and by look-up.
 #define GL_GLEXT_PROTOTYPES
-#include "tests/support/GLRecorder.h"
+#include "tests/common/GLRecorder.h"
 
 #include "preview/GL3Functions.h"
-#include "tests/support/AllocationFaults.h"
+#include "tests/common/AllocationFaults.h"
 
 #include <GL/glx.h>
 
