@@ -3,6 +3,7 @@
 #include "conversion/PixelFormats.h"
 
 #include <algorithm>
+#include <ios>
 #include <map>
 #include <set>
 #include <tuple>
@@ -38,33 +39,9 @@ std::map<Question, std::size_t> answers()
     return rows;
 }
 
-TEST(ConversionTable, IsInGroupsOfASource)
-{
-    // Every row where the source changes. A row lost or doubled moves all that follow.
-    const std::vector<std::pair<std::size_t, PixelFormat>> starts = {
-        {0, PixelFormat_2vuy},   {1, PixelFormat_YUY2},   {2, PixelFormat_2vuy},
-        {3, PixelFormat_YUY2},   {4, PixelFormat_2vuy},   {42, PixelFormat_v210},
-        {79, PixelFormat_v212},  {81, PixelFormat_v216},  {83, PixelFormat_ay10},
-        {86, PixelFormat_Ay10},  {98, PixelFormat_ARGB},  {115, PixelFormat_BGRA},
-        {158, PixelFormat_BGRX}, {164, PixelFormat_vRGB}, {170, PixelFormat_BGRv},
-        {178, PixelFormat_r210}, {196, PixelFormat_R210}, {211, PixelFormat_RGBA},
-        {230, PixelFormat_RGB3}, {244, PixelFormat_R10l}, {260, PixelFormat_r210},
-        {261, PixelFormat_R10b}, {277, PixelFormat_R10L}, {293, PixelFormat_R10B},
-        {309, PixelFormat_R10A}, {325, PixelFormat_A04l}, {329, PixelFormat_A04L},
-        {331, PixelFormat_R12B}, {340, PixelFormat_R12L}, {349, PixelFormat_b64a},
-        {350, PixelFormat_2vuy}, {352, PixelFormat_v210}, {354, PixelFormat_BGRA},
-        {355, PixelFormat_R12B}, {356, PixelFormat_R12L}, {357, PixelFormat_R12l},
-        {362, PixelFormat_b64a}};
-    std::vector<std::pair<std::size_t, PixelFormat>> got;
-    for (std::size_t i = 0; i < std::size(conversions); ++i)
-        if (i == 0 || conversions[i].srcFormat != conversions[i - 1].srcFormat)
-            got.emplace_back(i, conversions[i].srcFormat);
-    EXPECT_EQ(got, starts);
-    EXPECT_EQ(std::size(conversions), 364u);
-}
-
 TEST(ConversionTable, HoldsWhatEveryRowMustHold)
 {
+    EXPECT_EQ(std::size(conversions), 364u);
     for (std::size_t i = 0; i < std::size(conversions); ++i) {
         SCOPED_TRACE(testing::Message() << "row " << i);
         const ConversionEntry& row = conversions[i];
@@ -111,20 +88,16 @@ TEST(ConversionLookup, AnswersEveryQuestionByTheFirstRowThatServesIt)
 
 TEST(PixelFormats, RowsEndInWholeGroups)
 {
-    const auto bytes = [](PixelFormat format, std::size_t width) {
-        return rowBytes(*findPixelFormat(format), width);
-    };
-    EXPECT_EQ(bytes(PixelFormat_2vuy, 15), 32u);
-    EXPECT_EQ(bytes(PixelFormat_YUY2, 1), 4u);
-    EXPECT_EQ(bytes(PixelFormat_v210, 1280), 3424u);
-    EXPECT_EQ(bytes(PixelFormat_v216, 5), 20u);
-    EXPECT_EQ(bytes(PixelFormat_Ay10, 5), 32u);
-    EXPECT_EQ(bytes(PixelFormat_RGB3, 5), 15u);
-    EXPECT_EQ(bytes(PixelFormat_ARGB, 5), 20u);
-    EXPECT_EQ(bytes(PixelFormat_R10A, 5), 20u);
-    EXPECT_EQ(bytes(PixelFormat_A04L, 5), 40u);
-    EXPECT_EQ(bytes(PixelFormat_R12l, 9), 72u);
-    EXPECT_EQ(bytes(PixelFormat_b64a, 5), 40u);
+    const struct {
+        PixelFormat format;
+        std::size_t width, bytes;
+    } cases[] = {
+        {PixelFormat_2vuy, 15, 32}, {PixelFormat_YUY2, 1, 4},  {PixelFormat_v210, 1280, 3424},
+        {PixelFormat_v216, 5, 20},  {PixelFormat_Ay10, 5, 32}, {PixelFormat_RGB3, 5, 15},
+        {PixelFormat_ARGB, 5, 20},  {PixelFormat_R10A, 5, 20}, {PixelFormat_A04L, 5, 40},
+        {PixelFormat_R12l, 9, 72},  {PixelFormat_b64a, 5, 40}};
+    for (const auto& [format, width, bytes] : cases)
+        EXPECT_EQ(rowBytes(*findPixelFormat(format), width), bytes) << std::hex << format;
     EXPECT_EQ(PixelFormat_ARGB, 32u);
     EXPECT_EQ(PixelFormat_BGRA, 0x42475241u);
 
