@@ -10,7 +10,6 @@
 #include "tests/common/PreviewFixture.h"
 
 #include <functional>
-#include <ostream>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -34,11 +33,6 @@ struct Operation {
     /// Prepares, makes the call, and clears away.
     HRESULT (*run)(const ShortOfMemory& shortOfMemory);
 };
-
-void PrintTo(const Operation& operation, std::ostream* out)
-{
-    *out << operation.name;
-}
 
 /// As a status what is told by a pointer.
 template<class OBJECT>

@@ -1,17 +1,46 @@
-/// A host that knows nothing of the library but its headers and its file: finds all factories,
-/// makes a helper by each and gives it back, for which no GL context is needed. Takes the library's
-/// path; one line and exit status 1 for whatever goes wrong.
+/// A host that knows nothing of the library but its headers and its file, and needs no GL context.
+///
+///     dlopen_host LIBRARY          all four factories: makes a helper by each and gives it back
+///     dlopen_host LIBRARY ROUNDS   loads the library again and again: nothing of it may stay
+///     dlopen_host LIBRARY live     ends with helpers that nobody has released
+///
+/// One line and exit status 1 for whatever goes wrong.
 #include <KestrixPreviewAPI_v14_2_1.h>
 
 #include <dlfcn.h>
+#include <malloc.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <string>
 
 namespace {
 
+using Current = IKestrixGLScreenPreviewHelper;
+using Old = IKestrixGLScreenPreviewHelper_v14_2_1;
+
+constexpr int kRoundsToSettle = 10;
+/// What may come and go between two rounds, such as pages of the heap; not 1,000 times one helper.
+constexpr long kGrowthBytes = 64 * 1024;
+
 void* s_library = nullptr;
 int s_callsOfOwnFactory = 0;
+/// What a process that ends still holds, as a host's own variables would.
+Current* volatile s_heldAtExit[2];
+
+bool fail(const char* what, const char* why)
+{
+    std::fprintf(stderr, "dlopen_host: %s: %s\n", what, why);
+    return false;
+}
+
+bool load(const char* path)
+{
+    s_library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
+    return s_library || fail("dlopen", dlerror());
+}
 
 template<class Helper>
 Helper* createHelper(const char* factory)
@@ -24,68 +53,98 @@ Helper* createHelper(const char* factory)
     return create();
 }
 
-/// What is wrong, null where all is well.
 template<class Helper>
-const char* use(const char* factory, REFIID id)
+bool use(const char* factory, REFIID id)
 {
     Helper* const helper = createHelper<Helper>(factory);
     void* same = nullptr;
     if (!helper)
-        return "not exported, or gave no helper";
+        return fail(factory, "not exported, or gave no helper");
     if (helper->QueryInterface(id, &same) != S_OK || same != helper)
-        return "the helper does not answer for its own interface";
+        return fail(factory, "the helper does not answer for its own interface");
     if (helper->SetFrame(nullptr) != S_OK ||
         helper->Set3DPreviewFormat(Preview3DSideBySide) != S_OK)
-        return "a call across the boundary failed";
+        return fail(factory, "a call across the boundary failed");
     if (helper->Release() != 1 || helper->Release() != 0)
-        return "references are not counted";
-    return nullptr;
+        return fail(factory, "references are not counted");
+    return true;
 }
 
-template<class Helper>
-bool works(const char* factory, REFIID id)
+bool useAll()
 {
-    const char* const fault = use<Helper>(factory, id);
-    if (fault)
-        std::fprintf(stderr, "dlopen_host: %s: %s\n", factory, fault);
-    return !fault;
+    const REFIID current = IID_IKestrixGLScreenPreviewHelper;
+    const REFIID old = IID_IKestrixGLScreenPreviewHelper_v14_2_1;
+    return use<Current>("CreateOpenGLScreenPreviewHelper_0002", current) &&
+           use<Current>("CreateOpenGL3ScreenPreviewHelper_0002", current) &&
+           use<Old>("CreateOpenGLScreenPreviewHelper_0001", old) &&
+           use<Old>("CreateOpenGL3ScreenPreviewHelper_0001", old) &&
+           (s_callsOfOwnFactory == 1 || fail("the exported factory", "was passed by"));
 }
 
-bool worksWithCurrent(const char* factory)
+bool mapped()
 {
-    return works<IKestrixGLScreenPreviewHelper>(factory, IID_IKestrixGLScreenPreviewHelper);
+    std::ifstream maps("/proc/self/maps");
+    for (std::string line; std::getline(maps, line);)
+        if (line.find("libKestrixPreviewAPI.so") != std::string::npos)
+            return true;
+    return false;
 }
 
-bool worksWithOld(const char* factory)
+/// Resident memory that is nobody else's too, in bytes.
+long privateBytes()
 {
-    return works<IKestrixGLScreenPreviewHelper_v14_2_1>(factory,
-                                                        IID_IKestrixGLScreenPreviewHelper_v14_2_1);
+    std::ifstream statm("/proc/self/statm");
+    long size = 0, resident = 0, shared = 0;
+    statm >> size >> resident >> shared;
+    return (resident - shared) * 4096;
+}
+
+bool loadAgainAndAgain(const char* path, int rounds)
+{
+    // What the library needs stays, as it would in a host.
+    if (!dlopen("libGL.so.1", RTLD_NOW | RTLD_GLOBAL))
+        return fail("libGL", dlerror());
+    long settled = 0;
+    for (int round = 1; round <= rounds; ++round) {
+        s_callsOfOwnFactory = 0;
+        if (!load(path) || !useAll())
+            return false;
+        if (dlclose(s_library) != 0 || mapped())
+            return fail("dlclose", "the library is still mapped");
+        malloc_trim(0);
+        if (round == kRoundsToSettle)
+            settled = privateBytes();
+    }
+    const long growth = privateBytes() - settled;
+    std::printf("%d rounds, %ld bytes grown since round %d\n", rounds, growth, kRoundsToSettle);
+    return growth <= kGrowthBytes || fail("memory", "grows");
+}
+
+bool endWithLiveHelpers(const char* path)
+{
+    if (!load(path))
+        return false;
+    s_heldAtExit[0] = createHelper<Current>("CreateOpenGLScreenPreviewHelper_0002");
+    s_heldAtExit[1] = createHelper<Current>("CreateOpenGL3ScreenPreviewHelper_0002");
+    return (s_heldAtExit[0] && s_heldAtExit[1]) || fail("a factory", "gave no helper");
 }
 
 } // namespace
 
 /// Comes before the library's own of that name, as a host's may: old helpers have to be made by it.
-IKestrixGLScreenPreviewHelper* CreateOpenGL3ScreenPreviewHelper_0002()
+Current* CreateOpenGL3ScreenPreviewHelper_0002()
 {
     ++s_callsOfOwnFactory;
-    return createHelper<IKestrixGLScreenPreviewHelper>("CreateOpenGL3ScreenPreviewHelper_0002");
+    return createHelper<Current>("CreateOpenGL3ScreenPreviewHelper_0002");
 }
 
 int main(int count, char** arguments)
 {
-    s_library = count == 2 ? dlopen(arguments[1], RTLD_NOW | RTLD_LOCAL) : nullptr;
-    if (!s_library) {
-        std::fprintf(stderr, "dlopen_host: %s\n", count == 2 ? dlerror() : "takes one library");
-        return 1;
-    }
-    if (!worksWithCurrent("CreateOpenGLScreenPreviewHelper_0002") ||
-        !worksWithCurrent("CreateOpenGL3ScreenPreviewHelper_0002") ||
-        !worksWithOld("CreateOpenGLScreenPreviewHelper_0001") ||
-        !worksWithOld("CreateOpenGL3ScreenPreviewHelper_0001"))
-        return 1;
-    if (s_callsOfOwnFactory != 1) {
-        std::fprintf(stderr, "dlopen_host: the exported factory was passed by\n");
-        return 1;
-    }
-    return dlclose(s_library);
+    if (count < 2)
+        return !fail("arguments", "takes a library, and a number or \"live\"");
+    if (count == 2)
+        return !(load(arguments[1]) && useAll() && dlclose(s_library) == 0);
+    if (std::strcmp(arguments[2], "live") == 0)
+        return !endWithLiveHelpers(arguments[1]);
+    return !loadAgainAndAgain(arguments[1], std::atoi(arguments[2]));
 }

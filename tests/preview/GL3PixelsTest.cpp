@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <ostream>
 #include <utility>
 
 namespace kestrix::test {
@@ -119,11 +118,6 @@ struct ShaderFormat {
     unsigned firstTable;
     bool filtered = false;
 };
-
-void PrintTo(const ShaderFormat& format, std::ostream* out)
-{
-    *out << format.name;
-}
 
 class GL3FormatPixels : public GL3Unpacking, public testing::WithParamInterface<ShaderFormat> {
 protected:

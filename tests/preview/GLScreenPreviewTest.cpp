@@ -1,6 +1,8 @@
 /// The fixed-function helper: what it converts into its slots, and how those reach the texture.
 #include "tests/common/AllocationFaults.h"
 #include "tests/common/CaseName.h"
+#include "tests/common/GuardedBytes.h"
+#include "tests/common/InventedFrame.h"
 #include "tests/common/PreviewFixture.h"
 
 #include <GL/gl.h>
@@ -9,8 +11,9 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <limits>
 #include <optional>
-#include <ostream>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -37,11 +40,8 @@ Frame taggedFrame(const MemoryFrameOptions& options, int tag)
     Frame frame = TestFrame::create(options);
     for (std::int64_t y = 0; y < options.height; ++y)
         for (std::int64_t x = 0; x < options.width; ++x) {
-            std::uint8_t* pixel = frame->bytes() + y * frame->GetRowBytes() + x * 4;
-            pixel[0] = static_cast<std::uint8_t>(x);
-            pixel[1] = static_cast<std::uint8_t>(y);
-            pixel[2] = static_cast<std::uint8_t>(tag);
-            pixel[3] = 77;
+            const std::int64_t pixel[] = {x, y, tag, 77};
+            std::ranges::copy(pixel, frame->bytes() + y * frame->GetRowBytes() + x * 4);
         }
     return frame;
 }
@@ -79,11 +79,10 @@ void expectPart(const Upload& upload, const Part& part)
 {
     for (int y = 0; y < part.rows; ++y)
         for (int x = 0; x < part.width; ++x) {
-            const std::uint8_t* pixel = upload.pixel(part.left + x, part.top + y);
-            ASSERT_EQ(pixel[0], x % 256) << "line " << y;
-            ASSERT_EQ(pixel[1], part.firstLine + y * part.lineStep) << "line " << y;
-            ASSERT_EQ(pixel[2], part.tag) << "line " << y;
-            ASSERT_EQ(pixel[3], 77) << "line " << y;
+            const int pixel[] = {x % 256, part.firstLine + y * part.lineStep, part.tag, 77};
+            const auto* const got = upload.pixel(part.left + x, part.top + y);
+            ASSERT_TRUE(std::ranges::equal(pixel, std::span(got, 4)))
+                << "tag " << part.tag << ", column " << x << ", line " << y;
         }
 }
 
@@ -179,11 +178,6 @@ struct Context {
     const char* name;
     const char* extensions;
 };
-
-void PrintTo(const Context& context, std::ostream* out)
-{
-    *out << context.name;
-}
 
 class GLPreviewWith : public GLPreview, public testing::WithParamInterface<Context> {
 protected:
@@ -303,12 +297,18 @@ TEST_F(GLPreview, TakesFewerLinesOfWiderFrames)
 {
     struct {
         int width, padding, step;
-    } const cases[] = {{16, 0, 2},   {16, 24, 2},  {16, 24, 2},  {1920, 0, 2}, {3839, 0, 2},
-                       {3840, 0, 4}, {7679, 0, 4}, {7680, 0, 8}, {8192, 0, 8}};
-    for (const auto& [width, padding, step] : cases)
+        bool upward = false;
+    } const cases[] = {{16, 0, 2},         {16, 24, 2},  {16, 24, 2, true},
+                       {1920, 0, 2, true}, {3839, 0, 2}, {3840, 0, 4},
+                       {7679, 0, 4, true}, {7680, 0, 8}, {8192, 0, 8}};
+    for (const auto& [width, padding, step, upward] : cases)
         for (const bool flipped : {false, true}) {
             MemoryFrameOptions options = rgba(width, 32);
-            options.rowBytes = width * 4 + padding;
+            // With a row size below zero the first line is the last in memory.
+            const std::int64_t row = width * 4 + padding;
+            GuardedBytes memory(static_cast<std::size_t>(32 * row - padding));
+            options.rowBytes = upward ? -row : row;
+            options.bytes = memory.begin() + (upward ? 31 * row : 0);
             // No other bit is looked at.
             options.flags = flipped ? FrameFlagFlipVertical : ~std::uint32_t{FrameFlagFlipVertical};
             const Upload upload = show(taggedFrame(options, 1));
@@ -372,6 +372,52 @@ TEST_F(GLPreview, KeepsThePictureWhereAFrameCanNotBeShown)
     // For the left eye alone nobody asks for the packing.
     helper->Set3DPreviewFormat(Preview3DLeftOnly);
     expectPart(show(taggedFrame(stereo(rgba(16, 8), right, code("side")), 6)), {.tag = 6});
+}
+
+// In memory that ends where a page begins that can't be read: what is refused is not looked at.
+TEST_F(GLPreview, RefusesSizesThatNoFrameHas)
+{
+    constexpr std::int64_t k2To31 = std::int64_t{1} << 31;
+    constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
+    constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
+    constexpr std::int64_t kRow = 32 * 4;
+    // A preview that is a step or so wider than the picture is a matter of the engine's contract.
+    constexpr std::size_t kReadableBehind = 64;
+    const auto expect = [&](HRESULT status, std::uint32_t format, Question question,
+                            const std::vector<std::int64_t>& values) {
+        for (const std::int64_t value : values) {
+            GuardedBytes memory(kRow * 8 + kReadableBehind);
+            const auto frame = InventedFrame::create({.width = 32,
+                                                      .height = 8,
+                                                      .format = format,
+                                                      .rowBytes = kRow,
+                                                      .colorspace = ColorspaceCodeRec709,
+                                                      .bytes = memory.begin()});
+            frame->answer(question, value);
+            EXPECT_EQ(helper->SetFrame(frame.get()), status)
+                << std::hex << format << ": " << static_cast<int>(question) << ' ' << value;
+            EXPECT_EQ(frame->openAccesses(), 0);
+            EXPECT_EQ(frame->references(), 1u);
+            EXPECT_EQ(helper->PaintGL(), S_OK);
+        }
+    };
+    for (const std::uint32_t format : {kARGB, code("RGBA")}) {
+        expect(S_OK, format, Question::Width, {0, 1});
+        expect(S_OK, format, Question::Height, {0, 1}); // not one line is shown
+        expect(S_OK, format, Question::Flags, {0xFFFFFFFE});
+        expect(E_INVALIDARG, format, Question::Width,
+               {-1, 1 << 16, k2To31, 2 * k2To31 + 8, kMost, kLeast});
+        expect(E_INVALIDARG, format, Question::Height,
+               {-8, k2To31, kMost, kLeast, kLeast + 64}); // the last is 64 in 32 bits
+        expect(E_INVALIDARG, format, Question::RowBytes,
+               {0, kRow - 1, 1 - kRow, k2To31, k2To31 / 2, kMost, kLeast});
+        expect(E_INVALIDARG, format, Question::PixelFormat, {0, 0xFFFFFFFF});
+    }
+    // Formats whose chroma is rebuilt a step at a time need more than a step.
+    for (const auto& [format, least] :
+         {std::pair{"v210", 13}, {"Ay10", 5}, {"2vuy", 0}, {"R12B", 0}, {"RGB3", 0}, {"BGRA", 0}})
+        for (int width = 0; width <= 20; ++width)
+            expect(width < least ? E_INVALIDARG : S_OK, code(format), Question::Width, {width});
 }
 
 TEST_F(GLPreview, SurvivesAShortageOfMemory)

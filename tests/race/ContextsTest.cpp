@@ -14,7 +14,6 @@
 #include <algorithm>
 #include <array>
 #include <barrier>
-#include <ostream>
 #include <thread>
 #include <vector>
 
@@ -26,11 +25,6 @@ struct Kind {
     IKestrixGLScreenPreviewHelper* (*create)();
     EGLint profile;
 };
-
-void PrintTo(const Kind& kind, std::ostream* out)
-{
-    *out << kind.name;
-}
 
 /// A context without a surface, on whichever thread makes it current.
 class Context {

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <ostream>
 #include <thread>
 #include <vector>
 
@@ -21,11 +20,6 @@ struct Counts {
     int setFormats; ///< of all threads
     int paints;
 };
-
-void PrintTo(const Counts& counts, std::ostream* out)
-{
-    *out << counts.name;
-}
 
 /// A frame that counts, without a log, which would need a lock.
 class CountingFrame : public host::MemoryFrame {
