@@ -71,28 +71,23 @@ protected:
     using OldMemoryFrame::OldMemoryFrame;
 };
 
-/// Makes a frame of 4 by 2 pixels: flat, or the left one of a pair.
-template<class Frame, class Options, class Eye>
-Owned<Frame> makeFrame(Options options, Eye* rightEye)
+Owned<OldTestFrame> oldFrame(Old* rightEye = nullptr)
 {
-    options.width = 4;
-    options.height = 2;
-    options.format = 32;
+    host::OldMemoryFrameOptions options{.width = 4, .height = 2, .format = 32};
     options.rightEye = rightEye;
     if (rightEye)
         options.packing3D = Packing3DLeftOnly;
-    return Frame::create(options);
-}
-
-Owned<OldTestFrame> oldFrame(Old* rightEye = nullptr)
-{
-    return makeFrame<OldTestFrame>(host::OldMemoryFrameOptions{}, rightEye);
+    return OldTestFrame::create(options);
 }
 
 template<class Frame = TestFrame>
 Owned<Frame> capturedFrame(IKestrixVideoFrame* rightEye = nullptr)
 {
-    return makeFrame<Frame>(host::MemoryFrameOptions{.captured = true}, rightEye);
+    host::MemoryFrameOptions options{.width = 4, .height = 2, .format = 32, .captured = true};
+    options.rightEye = rightEye;
+    if (rightEye)
+        options.packing3D = Packing3DLeftOnly;
+    return Frame::create(options);
 }
 
 Owned<IKestrixVideoFrame> wrap(Old* old)
@@ -135,24 +130,23 @@ void expectRightEye(Frame* frame, REFIID id, Left& left, Right& right,
 TEST(OldFrame, IsUnwrappedOnlyWhereItAnswersTheProbe)
 {
     const struct {
-        const char* name;
         HRESULT status;
         decltype(OldTestFrame::probeStores) stores;
-        bool hasCurrent;
-        bool unwrapped;
+        bool hasCurrent = true;
+        bool unwrapped = false;
     } cases[] = {
-        {"the probe's answer", ProbeReply, OldTestFrame::Leave, true, true},
-        {"no current frame after all", ProbeReply, OldTestFrame::Leave, false, false},
-        {"an interface beside the answer", ProbeReply, OldTestFrame::GiveItself, true, false},
-        {"null beside the answer", ProbeReply, OldTestFrame::GiveNull, true, false},
-        {"an interface", S_OK, OldTestFrame::GiveItself, true, false},
-        {"success without an interface", S_OK, OldTestFrame::Leave, true, false},
-        {"refusal", E_NOINTERFACE, OldTestFrame::GiveNull, true, false},
-        {"refusal with something left over", E_FAIL, OldTestFrame::GiveNoReference, true, false},
-        {"refusal that leaves the probe alone", E_NOINTERFACE, OldTestFrame::Leave, true, false},
+        {ProbeReply, OldTestFrame::Leave, true, true},
+        {ProbeReply, OldTestFrame::Leave, false}, // no current frame after all
+        {ProbeReply, OldTestFrame::GiveItself},
+        {ProbeReply, OldTestFrame::GiveNull},
+        {S_OK, OldTestFrame::GiveItself},
+        {S_OK, OldTestFrame::Leave},
+        {E_NOINTERFACE, OldTestFrame::GiveNull},
+        {E_NOINTERFACE, OldTestFrame::Leave},
+        {E_FAIL, OldTestFrame::GiveNoReference},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+        SCOPED_TRACE(testing::Message() << "case " << &c - cases);
         const auto current = capturedFrame();
         const auto old = oldFrame();
         old->probeStatus = c.status;
@@ -215,26 +209,32 @@ TEST(OldFrame, HasItsExtensionsAndItsRightEyeWrapped)
 
 // --- Current frames as old ones ------------------------------------------------------------------
 
-/// Attaches an `Adapter` to a frame by its interface `Current`.
-template<class Adapter, class AdaptedTo, class Current>
-HRESULT attach(IKestrixVideoFrame* frame, Owned<Old>& out)
+/// Attaches an `Adapter` to a frame by its interface `id`.
+template<class Adapter, class AdaptedTo, class Current = IKestrixVideoFrame>
+HRESULT attach(IKestrixVideoFrame* frame, Owned<Old>& out, REFIID id)
 {
-    constexpr bool kIsPlain = std::is_same_v<Current, IKestrixVideoFrame>;
-    const auto current =
-        query<Current>(frame, kIsPlain ? IID_IKestrixVideoFrame : IID_IKestrixMutableVideoFrame);
     AdaptedTo* adapter = nullptr;
-    const HRESULT status = Adapter::create(current.get(), &adapter);
+    const HRESULT status = Adapter::create(query<Current>(frame, id).get(), &adapter);
     out.reset(adapter);
     return status;
 }
 
-constexpr auto attachPlain = attach<CKestrixVideoFrame_v14_2_1, Old, IKestrixVideoFrame>;
-constexpr auto attachMutable = attach<CKestrixMutableVideoFrame_v14_2_1,
-                                      IKestrixMutableVideoFrame_v14_2_1, IKestrixMutableVideoFrame>;
-constexpr auto attachInput =
-    attach<CKestrixVideoInputFrame_v14_2_1, IKestrixVideoInputFrame_v14_2_1, IKestrixVideoFrame>;
+HRESULT attachPlain(IKestrixVideoFrame* frame, Owned<Old>& out)
+{
+    return attach<CKestrixVideoFrame_v14_2_1, Old>(frame, out, IID_IKestrixVideoFrame);
+}
 
-constexpr int kAll = 1000;
+HRESULT attachMutable(IKestrixVideoFrame* frame, Owned<Old>& out)
+{
+    return attach<CKestrixMutableVideoFrame_v14_2_1, IKestrixMutableVideoFrame_v14_2_1,
+                  IKestrixMutableVideoFrame>(frame, out, IID_IKestrixMutableVideoFrame);
+}
+
+HRESULT attachInput(IKestrixVideoFrame* frame, Owned<Old>& out)
+{
+    return attach<CKestrixVideoInputFrame_v14_2_1, IKestrixVideoInputFrame_v14_2_1>(
+        frame, out, IID_IKestrixVideoFrame);
+}
 
 /// Makes a frame that takes so many registrations.
 template<class Frame>
@@ -262,7 +262,7 @@ class CurrentFrame : public testing::TestWithParam<Kind> {};
 TEST_P(CurrentFrame, HasOneAdapterThatSharesItsCount)
 {
     const REFIID ownID = GetParam().ids[0];
-    const auto frame = GetParam().make(kAll);
+    const auto frame = GetParam().make(1000);
     Owned<Old> old;
     Owned<Old> again;
     ASSERT_EQ(GetParam().attach(frame.get(), old), S_OK);

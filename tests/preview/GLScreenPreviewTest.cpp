@@ -151,29 +151,6 @@ private:
 
 // --- With and without the extensions -------------------------------------------------------------
 
-// In a process of its own: entry points are kept once they are found.
-TEST(GLInitializationDeathTest, LooksPixelBuffersUpOnceAndOnlyWithTheExtension)
-{
-    GLRecorder& gl = GLRecorder::get();
-    const auto body = [&] {
-        gl.useFake();
-        EXPECT_EQ(CreateOpenGLScreenPreviewHelper_0002()->InitializeGL(), S_OK);
-        EXPECT_THAT(gl.callNames(), ElementsAre("glGetString"));
-        EXPECT_THAT(gl.lookups(), IsEmpty());
-        gl.fake.extensions = kPixelBuffers;
-        for (std::size_t round = 1; round <= 2; ++round) {
-            EXPECT_EQ(CreateOpenGLScreenPreviewHelper_0002()->InitializeGL(), S_OK);
-            EXPECT_THAT(gl.lookups(),
-                        ElementsAre("glGenBuffers", "glBindBuffer", "glBufferData",
-                                    "glBufferSubData", "glDeleteBuffers", "glGetBufferParameteriv",
-                                    "glMapBuffer", "glUnmapBuffer"));
-            EXPECT_EQ(gl.fake.liveOf("buffer").size(), 2 * round);
-        }
-        exitWithOutcome();
-    };
-    EXPECT_EXIT(body(), testing::ExitedWithCode(0), "");
-}
-
 struct Context {
     const char* name;
     const char* extensions;

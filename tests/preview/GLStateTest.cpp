@@ -131,11 +131,6 @@ public:
     {
         for (const Family& family : m_families)
             m_names.push_back(answered(family.get));
-        // What is never twice the same, such as the time.
-        const State first = read();
-        for (const auto& [key, values] : read())
-            if (valueOf(first, key) != values)
-                m_restless.push_back(key);
     }
 
     State read() const
@@ -161,8 +156,6 @@ public:
 
         state[{"", GL_ACTIVE_TEXTURE}] = {static_cast<float>(unit)};
         state[{"", GL_VERTEX_ARRAY_BINDING}] = {static_cast<float>(array)};
-        for (const auto& key : m_restless)
-            state.erase(key);
         return state;
     }
 
@@ -194,9 +187,10 @@ private:
         glDisable(GL_DEBUG_OUTPUT);
         std::vector<GLenum> names;
         for (GLenum name = 0; name < 0x10000; ++name) {
-            // The device's memory and its names on the bus: a software driver has none, and at
-            // times no function that would say so.
-            if ((name >= GL_VBO_FREE_MEMORY_ATI && name <= GL_RENDERBUFFER_FREE_MEMORY_ATI) ||
+            // The time, and the device's memory and its names on the bus: a software driver has
+            // none of these, and at times no function that would say so.
+            if (name == GL_TIMESTAMP ||
+                (name >= GL_VBO_FREE_MEMORY_ATI && name <= GL_RENDERBUFFER_FREE_MEMORY_ATI) ||
                 (name >= GL_GPU_MEMORY_INFO_DEDICATED_VIDMEM_NVX &&
                  name <= GL_GPU_MEMORY_INFO_EVICTED_MEMORY_NVX) ||
                 (name >= GL_NUM_DEVICE_UUIDS_EXT && name <= GL_DEVICE_NODE_MASK_EXT))
@@ -235,7 +229,6 @@ private:
     GLuint m_hostArray;
     const std::vector<Family> m_families = families();
     std::vector<std::vector<GLenum>> m_names;
-    std::vector<Key> m_restless;
 };
 
 // --- The host ------------------------------------------------------------------------------------
