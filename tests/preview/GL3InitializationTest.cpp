@@ -7,7 +7,7 @@
 
 #include <gmock/gmock.h>
 
-#include <map>
+#include <set>
 
 namespace kestrix::test {
 namespace {
@@ -56,20 +56,11 @@ TEST(GL3EntryPointsDeathTest, AreLookedUpOnceAndMustAllBeThere)
         EXPECT_EXIT(failAt(position), testing::ExitedWithCode(0), "") << "look-up " << position;
 }
 
-class GL3Initialization : public FakeGLTest {
-protected:
-    ~GL3Initialization() override
-    {
-        // The destructor of a helper needs its entry points.
-        if (helper)
-            helper->InitializeGL();
-    }
-
-    Helper helper{CreateOpenGL3ScreenPreviewHelper_0002()};
-};
-
-TEST_F(GL3Initialization, IsNeededBeforePaintingAndNeedsVersion32)
+TEST(GL3Initialization, IsNeededBeforePaintingAndNeedsVersion32)
 {
+    GLRecorder& gl = GLRecorder::get();
+    gl.useFake();
+    const Helper helper(CreateOpenGL3ScreenPreviewHelper_0002());
     EXPECT_EQ(helper->SetFrame(nullptr), S_OK);
     EXPECT_EQ(helper->PaintGL(), E_FAIL);
     EXPECT_THAT(gl.calls(), IsEmpty());
@@ -87,30 +78,6 @@ TEST_F(GL3Initialization, IsNeededBeforePaintingAndNeedsVersion32)
         EXPECT_EQ(initialise(major, minor), S_OK) << major << '.' << minor;
     // A helper that was good once goes on painting.
     EXPECT_EQ(initialise(2, 1), E_NOTIMPL);
-    EXPECT_EQ(helper->PaintGL(), S_OK);
-}
-
-TEST_F(GL3Initialization, FetchesAndDropsTheLogOfWhatDoesNotBuild)
-{
-    const std::pair<const char*, const char*> cases[] = {{"vertex shader", "glGetShaderInfoLog"},
-                                                         {"fragment shader", "glGetShaderInfoLog"},
-                                                         {"program", "glGetProgramInfoLog"}};
-    for (const auto& [kind, getInfoLog] : cases)
-        for (const int length : {123, 0}) {
-            gl.useFake();
-            gl.fake.doesNotBuild = kind;
-            gl.fake.infoLogLength = length;
-            EXPECT_EQ(helper->InitializeGL(), E_FAIL) << kind;
-            EXPECT_EQ(helper->PaintGL(), E_FAIL);
-            const unsigned name = gl.fake.liveOf(kind).at(0);
-            // The length of the program's log too is asked as if it were a shader.
-            EXPECT_THAT(gl.calls(),
-                        Contains(call("glGetShaderiv", name, GL_INFO_LOG_LENGTH, kAny)));
-            const auto fetch = Contains(call(getInfoLog, name, length, kAny, kAny));
-            EXPECT_EQ(testing::Matches(fetch)(gl.calls()), length > 0) << kind;
-        }
-    gl.useFake();
-    EXPECT_EQ(helper->InitializeGL(), S_OK);
     EXPECT_EQ(helper->PaintGL(), S_OK);
 }
 

@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <optional>
@@ -16,6 +17,7 @@
 namespace kestrix::test {
 namespace {
 
+using testing::Contains;
 using testing::IsEmpty;
 
 constexpr const char* kPixelBuffers = "GL_ARB_texture_non_power_of_two GL_ARB_pixel_buffer_object";
@@ -31,27 +33,46 @@ Frame pictureOf(int width, int height)
 TEST(GLObjects, AreDeletedAfterAnInitialisationThatFailed)
 {
     GLRecorder& gl = GLRecorder::get();
-    const std::pair<const char*, HRESULT> failures[] = {{"version", E_NOTIMPL},
-                                                        {"vertex shader", E_FAIL},
-                                                        {"fragment shader", E_FAIL},
-                                                        {"program", E_FAIL}};
-    for (const auto& [step, status] : failures)
+    const struct {
+        const char* step;
+        HRESULT status;
+        const char* getInfoLog;
+    } failures[] = {{"version", E_NOTIMPL, nullptr},
+                    {"vertex shader", E_FAIL, "glGetShaderInfoLog"},
+                    {"fragment shader", E_FAIL, "glGetShaderInfoLog"},
+                    {"program", E_FAIL, "glGetProgramInfoLog"}};
+    for (const auto& [step, status, getInfoLog] : failures)
         for (const char* const sequence : {"f", "ff", "fs", "sf", "sfs", "ss", "sfps"}) {
+            SCOPED_TRACE(testing::Message() << step << ' ' << sequence);
             gl.useFake();
             Helper helper(CreateOpenGL3ScreenPreviewHelper_0002());
             for (const char* action = sequence; *action; ++action) {
                 const bool fails = *action == 'f';
                 gl.fake.majorVersion = fails && status == E_NOTIMPL ? 2 : 4;
                 gl.fake.doesNotBuild = fails ? step : "";
+                gl.fake.infoLogLength = action == sequence ? 123 : 0;
+                gl.clear();
                 if (*action == 'p') {
                     EXPECT_EQ(helper->SetFrame(pictureOf(16, 8).get()), S_OK);
                     EXPECT_EQ(helper->PaintGL(), S_OK);
-                } else {
-                    EXPECT_EQ(helper->InitializeGL(), fails ? status : S_OK);
+                    continue;
                 }
+                EXPECT_EQ(helper->InitializeGL(), fails ? status : S_OK);
+                if (!fails || !getInfoLog)
+                    continue;
+                // The log is fetched and dropped. The length of the program's log too is asked as
+                // if it were a shader.
+                const unsigned name = gl.fake.liveOf(step).back();
+                const GLCall fetch = call(getInfoLog, name, gl.fake.infoLogLength, kAny, kAny);
+                EXPECT_THAT(gl.calls(),
+                            Contains(call("glGetShaderiv", name, GL_INFO_LOG_LENGTH, kAny)));
+                EXPECT_EQ(std::ranges::count(gl.calls(), fetch), gl.fake.infoLogLength > 0);
+            }
+            if (std::string(sequence).find('s') == std::string::npos) {
+                EXPECT_EQ(helper->PaintGL(), E_FAIL);
             }
             helper.reset();
-            EXPECT_THAT(gl.fake.live, IsEmpty()) << step << ' ' << sequence;
+            EXPECT_THAT(gl.fake.live, IsEmpty());
         }
 }
 

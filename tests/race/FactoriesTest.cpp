@@ -11,6 +11,11 @@ namespace kestrix::test {
 namespace {
 
 constexpr unsigned kThreads = 16;
+constexpr IUnknown* (*kFactories[])() = {
+    []() -> IUnknown* { return CreateOpenGL3ScreenPreviewHelper_0002(); },
+    []() -> IUnknown* { return CreateOpenGL3ScreenPreviewHelper_0001(); },
+    []() -> IUnknown* { return CreateOpenGLScreenPreviewHelper_0002(); },
+    []() -> IUnknown* { return CreateOpenGLScreenPreviewHelper_0001(); }};
 
 /// Each number is a test of its own, and so a fresh process where tests are run one by one.
 class FreshProcess : public testing::TestWithParam<int> {};
@@ -25,20 +30,7 @@ TEST_P(FreshProcess, GivesHelpersToManyThreadsAtOnce)
             start.arrive_and_wait();
             // Every factory is first on some of the threads.
             for (unsigned i = 0; i < 4; ++i) {
-                IUnknown* helper = nullptr;
-                switch ((thread + i) % 4) {
-                case 0:
-                    helper = CreateOpenGL3ScreenPreviewHelper_0002();
-                    break;
-                case 1:
-                    helper = CreateOpenGL3ScreenPreviewHelper_0001();
-                    break;
-                case 2:
-                    helper = CreateOpenGLScreenPreviewHelper_0002();
-                    break;
-                default:
-                    helper = CreateOpenGLScreenPreviewHelper_0001();
-                }
+                IUnknown* const helper = kFactories[(thread + i) % 4]();
                 ASSERT_NE(helper, nullptr);
                 EXPECT_EQ(helper->AddRef(), 2U);
                 EXPECT_EQ(helper->Release(), 1U);
