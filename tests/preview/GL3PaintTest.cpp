@@ -84,6 +84,12 @@ protected:
         expectUniform("glUniform1i", "v3DFormat", format3D);
     }
 
+    void expectLeftAlone(const Frame& left) const
+    {
+        EXPECT_EQ(uploads().back(), upload(0, 0, left));
+        expectPicture(16, 4, 0);
+    }
+
     Helper helper{CreateOpenGL3ScreenPreviewHelper_0002()};
 };
 
@@ -106,25 +112,25 @@ TEST_F(GL3Paint, UploadsEverySecondLineOnceForAFrame)
 
 TEST_F(GL3Paint, MakesNewStorageWhereSizeOrFormatChange)
 {
-    const auto makesStorage = [&](const MemoryFrameOptions& options) {
-        paint(TestFrame::create(options).get());
-        return uploads().size() == 2;
-    };
-    EXPECT_TRUE(makesStorage(kSmall));
     MemoryFrameOptions changed = kSmall;
+    const auto expectStorage = [&](bool isNew) {
+        paint(TestFrame::create(changed).get());
+        EXPECT_EQ(uploads().size(), isNew ? 2u : 1u);
+    };
+    expectStorage(true);
     changed.flags = ~std::uint32_t{FrameFlagFlipVertical};
     changed.colorspace = code("2020");
-    EXPECT_FALSE(makesStorage(changed));
+    expectStorage(false);
     expectUniform("glUniform1i", "vFlip", 0); // no other bit turns a frame over
     changed.width = 15;
-    EXPECT_TRUE(makesStorage(changed));
+    expectStorage(true);
     changed.height = 10;
-    EXPECT_TRUE(makesStorage(changed));
+    expectStorage(true);
     changed.rowBytes = 96;
-    EXPECT_TRUE(makesStorage(changed));
+    expectStorage(true);
     changed.format = code("BGRv");
-    EXPECT_TRUE(makesStorage(changed));
-    EXPECT_FALSE(makesStorage(changed));
+    expectStorage(true);
+    expectStorage(false);
 }
 
 TEST_F(GL3Paint, RoundsSizesDown)
@@ -173,13 +179,12 @@ TEST_F(GL3Paint, KeepsStorageForAsLongAsTheEyesAreShownTheSameWay)
         // be too large. With one the way of showing has changed again.
         left->rightEyeStatus = E_FAIL;
         paint(left.get());
-        EXPECT_THAT(uploads(), ElementsAre(upload(0, 0, left)));
-        expectPicture(16, 4, 0);
+        EXPECT_EQ(uploads().size(), 1u);
+        expectLeftAlone(left);
         left->rightEyeStatus = S_OK;
         right->startAccessStatus = E_FAIL;
         paint(left.get());
-        EXPECT_EQ(uploads().back(), upload(0, 0, left));
-        expectPicture(16, 4, 0);
+        expectLeftAlone(left);
         EXPECT_EQ(right->references(), 2u); // the test's and the left frame's
         right->startAccessStatus = S_OK;
         paint(left.get());
@@ -198,8 +203,7 @@ TEST_F(GL3Paint, LeavesOutARightEyeOfAnotherShape)
         const Frame right = TestFrame::create(shape);
         const Frame left = TestFrame::create(stereo(kSmall, right));
         paint(left.get());
-        EXPECT_EQ(uploads().back(), upload(0, 0, left));
-        expectPicture(16, 4, 0);
+        expectLeftAlone(left);
     }
 }
 
@@ -337,23 +341,19 @@ TEST_F(GL3Paint, HoldsOneReferenceToTheNewestFrame)
     first->log = &log;
     helper->SetFrame(first.get());
     helper->SetFrame(first.get());
-    first->log = nullptr;
     EXPECT_THAT(log, ElementsAre("AddRef")) << "a frame is read only when it is painted";
     EXPECT_THAT(gl.calls(), IsEmpty());
-
+    first->log = nullptr;
     helper->SetFrame(second.get());
     EXPECT_EQ(first->references(), 1u);
-    EXPECT_EQ(second->references(), 2u);
     repaint();
     EXPECT_THAT(uploads(), Contains(upload(0, 0, second)));
     EXPECT_EQ(second->references(), 1u);
-
-    helper->SetFrame(first.get());
-    helper->SetFrame(nullptr);
-    EXPECT_EQ(first->references(), 1u);
-    helper->SetFrame(first.get());
-    helper.reset();
-    EXPECT_EQ(first->references(), 1u);
+    for (const bool ends : {false, true}) {
+        helper->SetFrame(first.get());
+        ends ? helper.reset() : static_cast<void>(helper->SetFrame(nullptr));
+        EXPECT_EQ(first->references(), 1u);
+    }
 }
 
 // --- Threads -------------------------------------------------------------------------------------

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <tuple>
 #include <vector>
 
 namespace kestrix::test {
@@ -87,63 +88,55 @@ TEST(PreviewSetup, TakesCapturedRGBAsStudioRange)
         return setUp(preview, {.width = 4, .height = 2, .format = format, .captured = captured},
                      studio);
     };
-    EXPECT_TRUE(isStudio(kARGB, code("vRGB"), true));
-    EXPECT_TRUE(isStudio(code("vRGB"), code("vRGB"), true));
-    EXPECT_TRUE(isStudio(code("BGRA"), code("BGRv"), true));
-    EXPECT_TRUE(isStudio(code("BGRv"), code("BGRv"), true));
+    for (const auto& [full, studio] :
+         {std::pair{kARGB, code("vRGB")}, {code("BGRA"), code("BGRv")}}) {
+        EXPECT_TRUE(isStudio(full, studio, true));
+        EXPECT_TRUE(isStudio(studio, studio, true));
+    }
     // There is no conversion from full to studio range in this order of bytes.
     EXPECT_FALSE(isStudio(kARGB, code("vRGB"), false));
 }
 
 // --- Passes over the lines -----------------------------------------------------------------------
 
-/// Runs `render` from rows of exact size to rows of exact size, and compares each byte with what
-/// `expected` makes of the source's.
-template<class EXPECTED>
-void checkLines(const ScreenPreviewBase& preview, unsigned width, unsigned height,
-                EXPECTED expected)
-{
-    for (const bool flipped : {false, true})
-        for (const Content content : kContents) {
-            GuardedPicture source(height, width * 4, {.padding = 13, .bottomUp = flipped});
-            GuardedPicture destination(height, width * 4, {.padding = 21});
-            Random random(width * 31 + height);
-            std::vector<std::vector<std::uint8_t>> lines;
-            for (unsigned y = 0; y < height; ++y) {
-                random.fill(source.row(y), content);
-                lines.emplace_back(source.row(y).begin(), source.row(y).end());
-            }
-
-            preview.render(width, height, destination.top(), destination.rowStep(), source.top(),
-                           source.rowStep());
-
-            EXPECT_TRUE(source.guardsIntact());
-            EXPECT_TRUE(destination.guardsIntact());
-            for (unsigned y = 0; y < height; ++y) {
-                EXPECT_TRUE(std::ranges::equal(source.row(y), lines[y])) << "the source is written";
-                std::ranges::transform(lines[y], lines[y].begin(), expected);
-                EXPECT_TRUE(sameLanes<std::uint8_t>(lines[y], destination.row(y), 4, y, width));
-            }
-        }
-}
-
 TEST(PreviewRender, HoldsCapturedRGBWithinStudioRangeAndCopiesTheRest)
 {
     ScreenPreviewBase preview; // one for all: the frame before leaves nothing behind
-    for (unsigned width = 1; width <= 21; ++width)
-        for (const unsigned height : {0u, 1u, 3u}) {
-            MemoryFrameOptions options{
-                .width = width, .height = height, .format = kARGB, .captured = true};
-            ASSERT_TRUE(setUp(preview, options, code("vRGB")));
-            checkLines(preview, width, height, [](std::uint8_t value) {
-                return std::clamp(value, std::uint8_t{16}, std::uint8_t{235});
-            });
-            // Captured or not: RGBA is not a format that cards capture in studio range.
-            options.format = code("RGBA");
-            options.captured = width % 2 == 0;
-            ASSERT_TRUE(setUp(preview, options, code("RGBA")));
-            checkLines(preview, width, height, [](std::uint8_t value) { return value; });
+    const auto expectLines = [&](unsigned width, unsigned height, bool clamps, bool flipped,
+                                 Content content) {
+        GuardedPicture source(height, width * 4, {.padding = 13, .bottomUp = flipped});
+        GuardedPicture destination(height, width * 4, {.padding = 21});
+        Random random(width * 31 + height);
+        std::vector<std::vector<std::uint8_t>> lines;
+        for (unsigned y = 0; y < height; ++y) {
+            random.fill(source.row(y), content);
+            lines.emplace_back(source.row(y).begin(), source.row(y).end());
         }
+        preview.render(width, height, destination.top(), destination.rowStep(), source.top(),
+                       source.rowStep());
+        EXPECT_TRUE(source.guardsIntact());
+        EXPECT_TRUE(destination.guardsIntact());
+        for (unsigned y = 0; y < height; ++y) {
+            EXPECT_TRUE(std::ranges::equal(source.row(y), lines[y])) << "the source is written";
+            for (std::uint8_t& value : lines[y])
+                value = clamps ? std::clamp<std::uint8_t>(value, 16, 235) : value;
+            EXPECT_TRUE(sameLanes<std::uint8_t>(lines[y], destination.row(y), 4, y, width));
+        }
+    };
+    // Captured or not: RGBA is not a format that cards capture in studio range.
+    for (const auto& [format, shown, captured] : {std::tuple{kARGB, code("vRGB"), true},
+                                                  {code("RGBA"), code("RGBA"), true},
+                                                  {code("RGBA"), code("RGBA"), false}})
+        for (unsigned width = 1; width <= 21; ++width)
+            for (const unsigned height : {0u, 1u, 3u}) {
+                ASSERT_TRUE(setUp(
+                    preview,
+                    {.width = width, .height = height, .format = format, .captured = captured},
+                    shown));
+                for (const Content content : kContents)
+                    for (const bool flipped : {false, true})
+                        expectLines(width, height, format == kARGB, flipped, content);
+            }
 }
 
 } // namespace

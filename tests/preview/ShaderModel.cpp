@@ -1,7 +1,8 @@
-/// One function a format, for the pixel at a column and a line.
+/// The pixel at a column and a line, by the layout of its format.
 #include "tests/preview/ShaderModel.h"
 
 #include "tests/common/PreviewFixture.h"
+#include "tests/reference/Layouts.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,40 +10,27 @@
 namespace kestrix::test {
 namespace {
 
-/// What a driver gives for a texel that is not there. It must not show.
-constexpr std::uint32_t kOutside = 0;
+using reference::Layout;
 
-bool inside(const TexturePicture& picture, int x, int y)
+/// The value from 0 to 1 of a line's sample that begins at `bit`. Bits of its lowest byte that lie
+/// below the sample count as its fraction. What lies outside the texture is 0; it must not show.
+double sampleAt(const TexturePicture& picture, const Layout& layout, std::size_t bit, int y)
 {
-    return x >= 0 && y >= 0 && x < picture.width && y < picture.height;
-}
-
-std::uint32_t littleEndian(const TexturePicture& picture, int x, int y)
-{
-    if (!inside(picture, x, y))
-        return kOutside;
-    const std::uint8_t* b = picture.texel(x, y);
-    return static_cast<std::uint32_t>(b[3]) << 24 | b[2] << 16 | b[1] << 8 | b[0];
-}
-
-std::uint32_t bigEndian(const TexturePicture& picture, int x, int y)
-{
-    return __builtin_bswap32(littleEndian(picture, x, y));
-}
-
-/// A sample of ten bits from bit `low` of a word on. Bits of the lowest sample's byte that lie
-/// below the sample count as its fraction.
-double tenBits(std::uint32_t word, int low)
-{
-    const int fraction = low % 8;
-    return static_cast<double>(word >> (low - fraction) & ((1u << (10 + fraction)) - 1)) /
-           (1 << fraction);
+    const int fraction = bit % 8;
+    const auto lastBit = bit + static_cast<unsigned>(layout.levels.bits) - 1;
+    unsigned value = 0;
+    for (std::size_t byte = bit / 8; byte <= lastBit / 8; ++byte)
+        if (y >= 0 && y < picture.height && byte < static_cast<std::size_t>(picture.width) * 4)
+            value |= unsigned{picture.texel(0, y)[byte ^ (layout.wordBytes - 1)]}
+                     << 8 * (byte - bit / 8);
+    value &= (1u << (layout.levels.bits + fraction)) - 1;
+    return static_cast<double>(value) / (1 << (layout.levels.bits + fraction));
 }
 
 // --- YCbCr 4:2:2 ---------------------------------------------------------------------------------
 
 /// A line's pixel whose chroma is its own in even columns and the mean of its neighbours' in odd
-/// ones.
+/// ones. Of 8 bits.
 Colour clamped8(const TexturePicture& picture, int x, int y)
 {
     const auto group = [&](int g) {
@@ -56,42 +44,37 @@ Colour clamped8(const TexturePicture& picture, int x, int y)
     return {own[3] / 255.0, (own[0] + next[0]) / 510.0, (own[2] + next[2]) / 510.0, 1};
 }
 
-/// Groups of 6 pixels in 12 samples, 3 to a word, Cb Y Cr Y and so on.
-Colour v210(const TexturePicture& picture, int x, int y)
+/// Of 10 bits, 6 pixels in 4 words.
+Colour v210(const TexturePicture& picture, const Layout& layout, int x, int y)
 {
-    const int group = x / 6;
-    const int inGroup = x % 6;
     const auto sample = [&](int number) {
-        const std::uint32_t word = littleEndian(picture, group * 4 + number / 3, y);
-        return tenBits(word, number % 3 * 10) / 1024;
+        return sampleAt(picture, layout, layout.bitOf(static_cast<std::size_t>(number)), y);
     };
-    const double luma = sample(2 * inGroup + 1);
-    const int pair = inGroup / 2 * 4;
+    const double luma = sample(2 * x + 1);
+    const int pair = x / 2 * 4;
     const double cb = sample(pair);
     const double cr = sample(pair + 2);
-    if (inGroup % 2 == 0)
+    if (x % 2 == 0)
         return {luma, cb, cr, 1};
     // The next pair's chroma may be the next group's, which counts only where it is not in the
     // texture's last column; else the last chroma is repeated.
-    const bool last = inGroup == 5 && group * 4 + 4 >= picture.width - 1;
-    const double nextCb = last ? cb : sample(pair + 4);
-    const double nextCr = last ? cr : sample(pair + 6);
-    return {luma, (cb + nextCb) / 2, (cr + nextCr) / 2, 1};
+    const bool last = x % 6 == 5 && x / 6 * 4 + 4 >= picture.width - 1;
+    return {luma, last ? cb : (cb + sample(pair + 4)) / 2, last ? cr : (cr + sample(pair + 6)) / 2,
+            1};
 }
 
-/// A word a pixel: alpha, chroma, luma from the top; chroma is Cb in even columns and Cr in odd
-/// ones.
-Colour Ay10(const TexturePicture& picture, int x, int y)
+/// Of 10 bits with alpha, a word a pixel.
+Colour Ay10(const TexturePicture& picture, const Layout& layout, int x, int y)
 {
-    const int even = x / 2 * 2;
-    const auto word = [&](int k) {
-        return bigEndian(picture, std::clamp(even + k, 0, picture.width - 1),
-                         std::clamp(y, 0, picture.height - 1));
+    y = std::clamp(y, 0, picture.height - 1);
+    const auto column = [&](int k) {
+        return static_cast<std::size_t>(std::clamp(x / 2 * 2 + k, 0, picture.width - 1));
     };
-    const auto chroma = [&](int k) { return tenBits(word(k), 10) / 1024; };
-    const std::uint32_t own = word(x % 2);
-    const double luma = tenBits(own, 0) / 1024;
-    const double alpha = tenBits(own, 20) / 1024;
+    const auto chroma = [&](int k) {
+        return sampleAt(picture, layout, layout.bitOf(2 * column(k)), y);
+    };
+    const double luma = sampleAt(picture, layout, layout.bitOf(2 * column(x % 2) + 1), y);
+    const double alpha = sampleAt(picture, layout, layout.bitOfAlpha(column(x % 2)), y);
     if (x % 2 == 0)
         return {luma, chroma(0), chroma(1), alpha};
     return {luma, (chroma(0) + chroma(2)) / 2, (chroma(1) + chroma(3)) / 2, alpha};
@@ -99,67 +82,44 @@ Colour Ay10(const TexturePicture& picture, int x, int y)
 
 // --- RGB -----------------------------------------------------------------------------------------
 
-/// Ten bits each from the word's bit `low` on: blue, green, red.
-Colour tenBitRGB(std::uint32_t word, int low)
+Colour deepRGB(const TexturePicture& picture, const Layout& layout, int x, int y)
 {
-    return {tenBits(word, low + 20) / 1024, tenBits(word, low + 10) / 1024,
-            tenBits(word, low) / 1024, 1};
-}
-
-/// Samples of 12 bits in a stream of bytes, low bits first; 8 pixels in 36 bytes.
-Colour twelveBitRGB(const TexturePicture& picture, bool bigEndianWords, int x, int y)
-{
-    const int start = x / 8 * 36;
-    const auto byteAt = [&](int offset) -> double {
-        const int position = start + offset;
-        const int texel = position / 4;
-        const std::uint32_t word =
-            bigEndianWords ? bigEndian(picture, texel, y) : littleEndian(picture, texel, y);
-        return word >> position % 4 * 8 & 0xff;
-    };
     Colour colour{0, 0, 0, 1};
-    for (int component = 0; component < 3; ++component) {
-        const int sample = x % 8 * 3 + component;
-        const int first = sample * 3 / 2;
-        const bool inLowBits = sample % 2 == 0;
-        double value = inLowBits ? byteAt(first) + std::fmod(byteAt(first + 1), 16) * 256
-                                 : byteAt(first + 1) * 16 + byteAt(first) / 16;
-        // Red has its low end from elsewhere in three of the eight pixels.
-        if (component == 0 && (x % 8 == 1 || x % 8 == 3))
-            value = byteAt(first + 1) * 16 + std::fmod(byteAt(first), 16);
-        if (component == 0 && x % 8 == 5)
-            value = byteAt(first + 1) * 16 + byteAt(first - 1) / 16;
-        colour[static_cast<std::size_t>(component)] = value / 4096;
-    }
+    for (std::size_t i = 0; i < 3; ++i) // B, G, R in the layout
+        colour[i] =
+            sampleAt(picture, layout, layout.bitOf(4 * static_cast<std::size_t>(x) + 2 - i), y);
+    // Of 12 bits red has its low end from elsewhere in three of eight pixels.
+    const std::size_t first = layout.bitOf(4 * static_cast<std::size_t>(x) + 2) / 8 * 8;
+    const auto byteAt = [&](std::size_t bit) {
+        const Layout bytes{layout.code, {8, true}, layout.wordBytes, 8, {0}};
+        return 256 * sampleAt(picture, bytes, bit, y);
+    };
+    if (layout.levels.bits == 12 && (x % 8 == 1 || x % 8 == 3))
+        colour[0] = (byteAt(first + 8) * 16 + std::fmod(byteAt(first), 16)) / 4096;
+    if (layout.levels.bits == 12 && x % 8 == 5)
+        colour[0] = (byteAt(first + 8) * 16 + byteAt(first - 8) / 16) / 4096;
     return colour;
 }
 
 /// The pixel at a column and a line, for the formats that the shader unpacks by itself.
 Colour unpacked(const TexturePicture& picture, std::uint32_t format, int x, int y)
 {
+    using namespace KSX::PixelConversion;
+    // The one that the engine doesn't know.
+    const auto known = format == code("R12b") ? PixelFormat_R12B : static_cast<PixelFormat>(format);
+    if (!findPixelFormat(known))
+        return {0, 0, 0, 1};
+    const Layout& layout = reference::layoutOf(known);
     switch (format) {
     case code("2vuy"):
         return clamped8(picture, x, y);
     case code("v210"):
-        return v210(picture, x, y);
+        return v210(picture, layout, x, y);
     case code("Ay10"):
-        return Ay10(picture, x, y);
-    case code("r210"):
-        return tenBitRGB(bigEndian(picture, x, y), 0);
-    case code("R10l"):
-    case code("R10L"):
-        return tenBitRGB(littleEndian(picture, x, y), 2);
-    case code("R10b"):
-    case code("R10B"):
-        return tenBitRGB(bigEndian(picture, x, y), 2);
-    case code("R12b"):
-    case code("R12B"):
-        return twelveBitRGB(picture, true, x, y);
-    case code("R12l"):
-    case code("R12L"):
-        return twelveBitRGB(picture, false, x, y);
+        return Ay10(picture, layout, x, y);
     default:
-        return {0, 0, 0, 1};
+        return layout.is422() || layout.levels.bits == 8 ? Colour{0, 0, 0, 1}
+                                                         : deepRGB(picture, layout, x, y);
     }
 }
 

@@ -1,9 +1,8 @@
 /// The fragment shader's colours, worked out from the bytes of a frame.
 ///
-/// Where the shader does arithmetic on the four channels of a texel, this takes the bytes as words
-/// and as a stream of bits. What it has of the shader's own is what shows: the scale of a sample is
-/// a power of two, the bits below a sample stay as its fraction, and the places where the shader is
-/// irregular.
+/// Where the shader does arithmetic on the four channels of a texel, this takes a line as a stream
+/// of bits. What it has of the shader's own is what shows: the scale of a sample is a power of two,
+/// the bits below a sample stay as its fraction, and the places where the shader is irregular.
 #pragma once
 
 #include <array>

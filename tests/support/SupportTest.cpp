@@ -88,14 +88,14 @@ TEST(Threads, AreJoinedAndTheirResultIsTold)
 }
 
 /// What a thread finds that joins itself. It can't be waited for then, so it meets the test at a
-/// barrier.
+/// barrier. Kept by the process, as it may still be leaving the barrier when the test ends.
 struct SelfJoin {
-    bool wantsResult = false;
+    bool wantsResult;
     pthread_barrier_t done{};
     int status = -1;
     void* result = this;
     int state = -1;
-};
+} s_selfJoins[] = {{false}, {true}};
 
 void* joinMyself(void* argument)
 {
@@ -112,17 +112,13 @@ void* joinMyself(void* argument)
 
 TEST(Threads, ThatJoinThemselvesAreDetached)
 {
-    // Kept by the process, as a thread may still be leaving the barrier when the test ends.
-    static SelfJoin threads[2];
-    threads[1].wantsResult = true;
-    for (SelfJoin& found : threads) {
-        void* const before = found.result;
+    for (SelfJoin& found : s_selfJoins) {
         pthread_barrier_init(&found.done, nullptr, 2);
         pthread_t thread{};
         ASSERT_EQ(pthread_create(&thread, nullptr, joinMyself, &found), 0);
         pthread_barrier_wait(&found.done);
         EXPECT_EQ(found.status, 0);
-        EXPECT_EQ(found.result, found.wantsResult ? nullptr : before);
+        EXPECT_EQ(found.result, found.wantsResult ? nullptr : static_cast<void*>(&found));
         EXPECT_EQ(found.state, PTHREAD_CREATE_DETACHED);
     }
 }
