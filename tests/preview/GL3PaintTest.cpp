@@ -1,7 +1,7 @@
 /// What the OpenGL 3 helper does with frames: uploads, tables, uniforms, fences, references.
 #include "preview/ScreenPreviewLut.h"
+#include "tests/common/InventedFrame.h"
 #include "tests/common/PreviewFixture.h"
-#include "tests/common/TestFrame.h"
 
 #include <GL/gl.h>
 #include <GL/glext.h>
@@ -12,6 +12,7 @@
 #include <atomic>
 #include <chrono>
 #include <future>
+#include <limits>
 #include <optional>
 #include <thread>
 
@@ -284,6 +285,21 @@ TEST_F(GL3Paint, UploadsNothingOfAFrameWithoutBytes)
         paint(next.get());
         EXPECT_THAT(uploads(), ElementsAre(upload(0, 0, next)));
     }
+}
+
+TEST_F(GL3Paint, UploadsNothingOfASizeThatNoFrameHas)
+{
+    constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
+    constexpr std::int64_t k2To31 = std::int64_t{1} << 31;
+    for (const Question question : {Question::Height, Question::RowBytes})
+        for (const std::int64_t value : {std::int64_t{-8}, 2 * k2To31, kLeast, kLeast + 64}) {
+            const auto frame = InventedFrame::create({.width = 16, .height = 8, .format = kARGB});
+            frame->answer(question, value);
+            paint(frame.get());
+            EXPECT_THAT(uploads(), IsEmpty()) << static_cast<int>(question) << ' ' << value;
+            EXPECT_EQ(frame->references(), 1u);
+            EXPECT_EQ(frame->openAccesses(), 0);
+        }
 }
 
 // --- Fences and references -----------------------------------------------------------------------
