@@ -20,8 +20,8 @@ RULES = [
     (r"(?<=\bif \()([^;{]+)(?=\)\s*{?$)", r"!(\1)"),
     (r"^\s+[\w.:>()\[\]-]+(\.|->|::|\w)\w*\(.*\);$", ""),  # a call
     (r"^\s+[\w.\[\]>-]+ [+|-]?= .*;$", ""),  # an assignment
-    (r"\b_mm_unpacklo_", "_mm_unpackhi_"), (r"\b_mm_srli_", "_mm_slli_"),
-    (r"\b_mm_or_", "_mm_and_"), (r"\b_mm_min_", "_mm_max_"), (r"\b_mm_add_", "_mm_sub_"),
+    (r"_mm_unpacklo_", "_mm_unpackhi_"), (r"_mm_srli_", "_mm_slli_"), (r"_mm_or_", "_mm_and_"),
+    (r"_mm_min_", "_mm_max_"), (r"_mm_add_", "_mm_sub_"),
 ]
 
 
@@ -48,7 +48,7 @@ def main():
     parser.add_argument("--tests", default=".", metavar="REGEX")
     parser.add_argument("files", nargs="+", metavar="FILE", help="relative to the root")
     options = parser.parse_args()
-
+    (ROOT / "build").mkdir(exist_ok=True)
     with tempfile.TemporaryDirectory(prefix="mutants-", dir=ROOT / "build") as name:
         tree = pathlib.Path(name)
         for path in run(ROOT, "git", "ls-files").stdout.splitlines():
@@ -58,8 +58,7 @@ def main():
         def outcome():
             if run(tree, "cmake", "--build", "--preset", "release").returncode:
                 return "does not compile"
-            tests = run(tree, "ctest", "--preset", "release", "--stop-on-failure", "-R",
-                        options.tests)
+            tests = run(tree, "ctest", "--preset", "release", "--stop-on-failure", "-R", options.tests)
             fallen = re.search(r"\d+ - (\S+) \(", tests.stdout)
             return f"caught by {fallen[1]}" if fallen else "survived"
 
@@ -81,5 +80,4 @@ def main():
         return 1 if survivors else 0
 
 
-if __name__ == "__main__":
-    sys.exit(main())
+sys.exit(main())
