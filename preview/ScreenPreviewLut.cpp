@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr unsigned kFloatsPerEntry = 4;
-
 /// Maps every point to itself: entry (x, y, z) is (x/32, y/32, z/32, 1).
 void fillWithIdentity(float* table)
 {

@@ -60,6 +60,7 @@ class ScreenPreviewLut {
 public:
     static constexpr unsigned kEdge = 33;
     static constexpr unsigned kEntries = kEdge * kEdge * kEdge;
+    static constexpr unsigned kFloatsPerEntry = 4;
     static constexpr unsigned kTables = 15;
     static constexpr unsigned kFormats = 1;
 

@@ -14,8 +14,6 @@ using namespace KSX::PixelConversion;
 
 namespace {
 
-constexpr unsigned kFloatsPerEntry = 4;
-
 using Fill = void (*)(float* table);
 
 /// From the primaries of the table to those of Rec. 709.
@@ -28,7 +26,7 @@ using StudioToFull = RGBv4_RESCALE<10, false, 10, true, P1>;
 template<class... STAGES>
 void convert(float* table)
 {
-    constexpr int kEntryBytes = kFloatsPerEntry * sizeof(float);
+    constexpr int kEntryBytes = ScreenPreviewLut::kFloatsPerEntry * sizeof(float);
     Transform<BindAll<STAGES...>, kAnyWidth, kPrefetchBlocks>::apply(
         table, kEntryBytes, table, kEntryBytes, 1, ScreenPreviewLut::kEntries, nullptr);
 }
@@ -50,7 +48,7 @@ void keepOnly(float* table)
     for (unsigned entry = 0; entry < ScreenPreviewLut::kEntries; ++entry)
         for (unsigned c = 0; c < 3; ++c)
             if (c != COMPONENT)
-                table[kFloatsPerEntry * entry + c] = 0;
+                table[ScreenPreviewLut::kFloatsPerEntry * entry + c] = 0;
 }
 
 constexpr Fill kFills[ScreenPreviewLut::kTables] = {

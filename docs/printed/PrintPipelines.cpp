@@ -94,9 +94,9 @@ std::string titleOf(const std::vector<unsigned>& rows, const std::vector<Convers
         if (seen.insert(pair).second)
             formats += (formats.empty() ? ": " : ", ") + pair;
         if (from != to && from != ColorspaceUnspecified)
-            formats += std::string(", ") + nameOf(from) + " to " + nameOf(to);
+            formats += std::string(", ") + colorspaceName(from) + " to " + colorspaceName(to);
         else if (rows.size() == 1 && from != ColorspaceUnspecified)
-            formats += std::string(", ") + nameOf(from);
+            formats += std::string(", ") + colorspaceName(from);
     }
     return title + formats;
 }
