@@ -1,4 +1,4 @@
-/// What a rule can ask of a stage, from what the stage says of itself.
+/// What a rule can require of a stage. Each concept reads what the stage declares about itself.
 #pragma once
 
 #include "conversion/pipeline/Representations.h"
@@ -7,22 +7,22 @@
 
 namespace KSX::PixelConversion::fast {
 
-/// Cuts pixels of 4 bytes into `RGBv4`, each component from the byte that the stage names.
+/// Unpacks pixels of 4 bytes to `RGBv4`, and names the byte of each component.
 template<class STAGE>
 concept UnpacksBytesToRGBv4 = std::same_as<typename STAGE::Output, RGBv4> && requires
 {
     STAGE::kByteOf;
 };
 
-/// Joins `RGBv4` to pixels of 4 bytes, each component and an opaque alpha at the byte that the
-/// stage names.
+/// Packs `RGBv4` to pixels of 4 bytes with an opaque alpha, and names the byte of each component
+/// and of alpha.
 template<class STAGE>
 concept PacksRGBv4ToBytes = std::same_as<typename STAGE::Input, RGBv4> && requires
 {
     STAGE::kByteOf;
 };
 
-/// Cuts words of 10-bit RGB into `RGBv4`.
+/// Unpacks words of 10-bit RGB to `RGBv4`.
 template<class STAGE>
 concept UnpacksRGB10 = std::same_as<typename STAGE::Output, RGBv4> && requires
 {
@@ -30,7 +30,7 @@ concept UnpacksRGB10 = std::same_as<typename STAGE::Output, RGBv4> && requires
     STAGE::kBigEndian;
 };
 
-/// Joins `RGBv4` to words of 10-bit RGB.
+/// Packs `RGBv4` to words of 10-bit RGB.
 template<class STAGE>
 concept PacksRGB10 = std::same_as<typename STAGE::Input, RGBv4> && requires
 {
@@ -45,20 +45,20 @@ concept GivesBytes = std::same_as<typename STAGE::Input, Packed<4>> && requires
     requires STAGE::kLargestCode == 255;
 };
 
-/// A pack that limits signed lanes to 0 and `LARGEST`.
+/// Packs signed lanes, limited to 0 to `LARGEST`.
 template<class STAGE, int LARGEST>
 concept SaturatesTo = std::same_as<typename STAGE::Output, Packed<4>> && requires
 {
     requires STAGE::kLargestCode == LARGEST;
 };
 
-/// Given codes within the range of their depth, gives codes within the range of theirs. Alpha is
-/// left out, and luma and chroma have the whole of their depth as range. A stage that does not say
-/// so may leave the range.
+/// Gives codes within the range of their depth if the codes that it takes are within theirs. Alpha
+/// does not count. The range of luma and chroma is their whole depth. A stage that does not declare
+/// this may leave the range.
 template<class STAGE>
 concept KeepsRange = STAGE::kRange != Range::Any;
 
-/// Gives codes within the range of their depth whatever it is given.
+/// Gives codes within the range of their depth for any input.
 template<class STAGE>
 concept GivesRange = STAGE::kRange == Range::Given;
 

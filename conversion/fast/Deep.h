@@ -5,8 +5,8 @@
 
 namespace KSX::PixelConversion::fast {
 
-/// Rounds 16-bit samples to 8 bits. What the rounding carries over the top saturates there, as the
-/// pack to bytes behind it would have it.
+/// The arithmetic of `BGRAv8_ROUND_TO_8_BITS`: rounds 16-bit samples to 8 bits. A sum that would
+/// carry over the top saturates and gives 255, which is also the listed stage's limit.
 class RoundTo8Bits {
 protected:
     KSX_INLINE static Vector apply(Vector x)
@@ -15,9 +15,16 @@ protected:
     }
 };
 
+/// Runs in the place of `BGRAv8_BITDEPTH<-8, 16>` before a pack to bytes. 2 pixels a step. Plain.
 class BGRAv8_ROUND_TO_8_BITS : public EachVector<BGRAv8, 2, RoundTo8Bits> {};
 
-/// Rounds 16-bit samples to 10 bits, at most 1023. The low four bits of v212 lie below what counts.
+/// Runs before a pack to v210, in the place of `UYVYv8_BITDEPTH<-6, 16>`, or of
+/// `UNPACK_V212_TO_UYVYv8` and `UYVYv8_BITDEPTH<-2, 16>`. Rounds 16-bit samples to 10 bits. 4
+/// pixels a step. Plain.
+///
+/// A sum that would carry over the top saturates and gives 1023, the limit that the listed stage or
+/// the pack sets. The low four bits of v212, which the listed unpack drops, are below the bit that
+/// rounds, so they have no effect.
 class UYVYv8_ROUND_TO_10_BITS : public Kernel<4, 4> {
 public:
     static constexpr Range kRange = Range::Given;

@@ -1,18 +1,18 @@
-/// Representations with one component a vector, 8 pixels each, that fast forms work on. Where the
-/// listed stages have empty lanes, or hold a luma twice, these have neither.
+/// Representations of fast forms: one component per vector, 8 pixels each. The representations of
+/// listed stages can have unused lanes or hold a luma twice; these do neither.
 #pragma once
 
 #include "conversion/pipeline/Representations.h"
 
 namespace KSX::PixelConversion {
 
-/// Three vectors Y, Cb, Cr, a pixel a lane of 16 bits. 8 pixels.
+/// Three vectors Y, Cb, Cr, one pixel per lane of 16 bits. 8 pixels.
 struct YUVv8 : Representation<6, 1> {};
 
-/// The same with a fourth vector for alpha.
+/// Four vectors Y, Cb, Cr, A, one pixel per lane of 16 bits. 8 pixels.
 struct YUVAv8 : Representation<8, 1> {};
 
-/// Four vectors R, G, B, A, a pixel a lane of 16 bits. 8 pixels.
+/// Four vectors R, G, B, A, one pixel per lane of 16 bits. 8 pixels.
 struct RGBAv8 : Representation<8, 1> {};
 
 } // namespace KSX::PixelConversion

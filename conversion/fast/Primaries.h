@@ -1,4 +1,4 @@
-/// Changes of primaries on planes.
+/// Fast forms of changes of primaries, on planes.
 #pragma once
 
 #include "conversion/colour/ColourspaceConversion.h"
@@ -6,7 +6,11 @@
 
 namespace KSX::PixelConversion::fast {
 
-/// Converts planes of 8-bit codes. 8 pixels a step. Alpha passes where there is one.
+/// Runs in the place of `COLOURSPACE_CONV_RGBv4` and `COLOURSPACE_CONV_BGRAv8` with the curve of 8
+/// bits. Converts planes of 8-bit codes. 8 pixels a step. Alpha passes, if there is one.
+///
+/// Products are added in the order of components `A`, `B` and `C`, which is the listed stage's
+/// order, so that the sums round in the same way.
 template<class PLANES, class MATRIX, VectorTypeFlag V, int A, int B, int C>
 class COLOURSPACE_CONV_PLANES : public Kernel<8, 8> {
     using Curve = Rec709OETF<8, V>;

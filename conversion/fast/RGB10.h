@@ -6,9 +6,12 @@
 
 namespace KSX::PixelConversion::fast {
 
-/// From bytes straight to words of 10-bit RGB with zeros below. 4 pixels a step: 16 bytes in, 16
-/// bytes out. R and B are shifted by a multiplication, each in its half of the word, and G as it
-/// lies across the middle.
+/// Runs in the place of an unpack of bytes to `RGBv4`, `RGBv4_BITDEPTH<2, 16>` and a pack to 10-bit
+/// RGB, and of the same chain in `RGBv8`. The low two bits of each component are 0. 4 pixels a
+/// step: 16 bytes in, 16 bytes out.
+///
+/// A multiplication moves R and B, each in its half of the word. A shift of the whole word moves G,
+/// which lies across the middle. A byte gives at most 1020, so the pack's limit has no effect.
 template<class UNPACK, class PACK>
 class BYTES_TO_RGB10 : public Kernel<4, 4> {
     static constexpr int B = PACK::kLowestBit;
@@ -31,8 +34,13 @@ public:
     }
 };
 
-/// From bytes in full range straight to words of 10-bit RGB with video levels. 4 pixels a step: 16
-/// bytes in, 16 bytes out. Black is added to all three components at once, when they are in place.
+/// Runs in the place of an unpack of bytes to `RGBv4`, `RGBv4_RESCALE<8, true, 10, false, P1>` and
+/// a pack to 10-bit RGB, and of the same chain in `RGBv8`. Converts bytes in full range to words
+/// with video levels. 4 pixels a step: 16 bytes in, 16 bytes out.
+///
+/// The multiplication of `RescaleBytes` rounds as the listed rescale does. Black is added to all
+/// three components at once, after they are in place. A byte gives at most 940, so the sums do not
+/// carry and the pack's limit has no effect.
 template<class UNPACK, class PACK>
 class BYTES_TO_STUDIO_RGB10 : public Kernel<4, 4>, RescaleBytes<10, false> {
     static constexpr int B = PACK::kLowestBit;
@@ -57,8 +65,9 @@ public:
     }
 };
 
-/// A shuffle of 4 words: the two bytes that have the component which begins at bit `EVEN` into each
-/// even lane, and those for `ODD` into each odd one. No byte for -1.
+/// The indices of a byte shuffle of 4 words. It moves the two bytes that hold the component
+/// beginning at bit `EVEN` to each even lane, and those for `ODD` to each odd lane. A lane whose
+/// bit is -1 becomes 0.
 template<class UNPACK, int EVEN, int ODD>
 KSX_INLINE Vector lanesOf()
 {
@@ -72,12 +81,14 @@ KSX_INLINE Vector lanesOf()
                 byte(EVEN, 0, 3), byte(EVEN, 1, 3), byte(ODD, 0, 3), byte(ODD, 1, 3));
 }
 
-/// From words of 10-bit RGB straight to opaque bytes, rounded. 4 pixels a step: 16 bytes in, 16
-/// bytes out.
+/// Runs in the place of an unpack of 10-bit RGB to `RGBv4`, `RGBv4_BITDEPTH<-2, 16>` and a pack to
+/// bytes, and of the same chain in `RGBv8`. Rounds words to opaque bytes. 4 pixels a step: 16 bytes
+/// in, 16 bytes out.
 ///
-/// Two components of a pixel at the top of a lane each, with half of an 8-bit code added: what that
-/// carries over the top saturates there. One vector has those that end up in the lower bytes of
-/// lanes, the other those of the upper ones, alpha among them.
+/// Each component moves to the top of a lane, and half of an 8-bit code is added. A sum that would
+/// carry over the top saturates and gives 255, as the listed pack does. One vector holds the
+/// components that go to the lower bytes of lanes, the other those that go to the upper bytes.
+/// Alpha takes the place of the fourth component.
 template<class UNPACK, class PACK>
 class RGB10_TO_BYTES : public Kernel<4, 4> {
     static constexpr int kNone = -1;
@@ -94,7 +105,7 @@ public:
     }
 
 private:
-    /// The lowest bit of the component that goes to `byte` of a pixel.
+    /// The lowest bit of the component that goes to `byte` of a pixel, or `kNone` for alpha.
     static constexpr int at(int byte)
     {
         for (int c = 0; c < 3; ++c)
@@ -108,7 +119,7 @@ private:
         return static_cast<std::int16_t>(bit == kNone ? 0 : 64 >> bit % 8);
     }
 
-    /// What rounds a component, and makes 255 of none.
+    /// What is added: the half that rounds a component, or 255 in the upper byte for alpha.
     static constexpr std::int16_t half(int bit) { return bit == kNone ? -256 : 128; }
 
     template<int LOW, int HIGH>
@@ -123,8 +134,12 @@ private:
     }
 };
 
-/// From words of 10-bit RGB with video levels straight to opaque bytes in full range, rounded. 4
-/// pixels a step: 16 bytes in, 16 bytes out. What lies above white saturates in the narrowing.
+/// Runs in the place of an unpack of 10-bit RGB to `RGBv4`, `RGBv4_RESCALE<10, false, 8, true, P1>`
+/// and a pack to bytes, and of the same chain in `RGBv8`. Converts words with video levels to
+/// opaque bytes in full range, rounded. 4 pixels a step: 16 bytes in, 16 bytes out.
+///
+/// The rescale's limit to white is left out: codes above white give more than 255, and the
+/// narrowing saturates them.
 template<class UNPACK, class PACK>
 class STUDIO_RGB10_TO_BYTES : public Kernel<4, 4> {
     static constexpr int kR = UNPACK::kLowestBit + 20, kG = UNPACK::kLowestBit + 10,
@@ -149,8 +164,8 @@ public:
     }
 
 private:
-    /// The components that begin at bits `EVEN` and `ODD`, in even and odd lanes. In the place of
-    /// one that begins at -1 stands `FILL`.
+    /// Scales the components that begin at bits `EVEN` and `ODD`, in even and odd lanes. If `ODD`
+    /// is -1, its lanes are `FILL`.
     template<int EVEN, int ODD, int FILL>
     KSX_INLINE static Vector scaled(Vector words)
     {

@@ -5,16 +5,20 @@
 
 namespace KSX::PixelConversion::fast {
 
-/// Rounds samples at the top of their lanes to 8 bits, alpha to 255. What the rounding carries over
-/// the top saturates there, as the pack would have it.
+/// Rounds samples at the top of their lanes to 8 bits, and sets alpha to 255. A sum that would
+/// carry over the top saturates and gives 255, as the pack after the listed stages does.
 KSX_INLINE Vector roundTo8Bits(Vector lanes)
 {
     constexpr Vector half = v8i(128, 128, 128, -256, 128, 128, 128, -256);
     return shiftRightU16(addSaturateU16(lanes, half), 8);
 }
 
-/// From BGRA straight to R12L, zeros below. The second sample of a lane falls on whole bytes, the
-/// first one is multiplied into its place. 32 pixels a step.
+/// Runs in the place of `UNPACK_BGRA_TO_BGRAv8`, `BGRAv8_BITDEPTH<4, 16>` and
+/// `PACK_BGRAv8_TO_R12L_SSSE3_T`. Converts BGRA to R12L; the low four bits of each sample are 0. 32
+/// pixels a step.
+///
+/// A lane of 32 bits holds two samples. The second falls on whole bytes; a multiplication moves the
+/// first to its place.
 class BGRA_TO_R12L : public Kernel<32, 32> {
 public:
     static constexpr unsigned kPart = 8;
@@ -28,7 +32,7 @@ public:
     }
 
 private:
-    /// Two pixels from byte `B` on.
+    /// Joins the samples of two pixels, from byte `B` on.
     template<int B>
     KSX_INLINE static Vector joined(Vector bgra)
     {
@@ -38,7 +42,8 @@ private:
     }
 };
 
-/// From BGRA straight to R12B.
+/// Runs in the place of `UNPACK_BGRA_TO_BGRAv8`, `BGRAv8_BITDEPTH<4, 16>` and
+/// `PACK_BGRAv8_TO_R12B_SSSE3_T`. R12B is R12L with the bytes of each word reversed.
 class BGRA_TO_R12B : public BGRA_TO_R12L {
 public:
     KSX_INLINE Pixels<Output, kPart> step(const Pixels<Input, kPart>& in) const
@@ -48,7 +53,9 @@ public:
     }
 };
 
-/// Unpacks R12L to BGRAv8 of 8 bits, opaque.
+/// Runs before a pack to bytes, in the place of `UNPACK_R12L_TO_BGRAv8_SSSE3_T` and
+/// `BGRAv8_BITDEPTH<-4, 16>`. Unpacks R12L to BGRAv8 of 8 bits, opaque. Samples are rounded while
+/// they are at the top of their lanes, so they need no shift to 12 bits.
 template<class ORDER, std::uint16_t ALPHA>
 class UNPACK_R12L_TO_8BIT_BGRAv8 : public UNPACK_R12L_TO_BGRAv8_SSSE3_T<ORDER, ALPHA> {
 public:
@@ -61,7 +68,8 @@ public:
     }
 };
 
-/// Unpacks R12B to BGRAv8 of 8 bits, opaque.
+/// Runs before a pack to bytes, in the place of `UNPACK_R12B_TO_BGRAv8_SSSE3_T` and
+/// `BGRAv8_BITDEPTH<-4, 16>`. R12B is R12L with the bytes of each word reversed.
 template<class ORDER, std::uint16_t ALPHA>
 class UNPACK_R12B_TO_8BIT_BGRAv8 : public UNPACK_R12L_TO_8BIT_BGRAv8<ORDER, ALPHA> {
 public:

@@ -6,7 +6,7 @@
 
 namespace KSX::PixelConversion::fast {
 
-/// Regroups BGRAv8 to RGBAv8. 8 pixels a step: 4 vectors in, 4 out.
+/// Regroups BGRAv8 to RGBAv8, before a stage on planes. 8 pixels a step: 4 vectors in, 4 out.
 class BGRAv8_TO_RGBAv8 : public Kernel<8, 8> {
 public:
     using Input = BGRAv8;
@@ -27,7 +27,7 @@ public:
     }
 };
 
-/// Regroups RGBAv8 to BGRAv8. 8 pixels a step: 4 vectors in, 4 out.
+/// Regroups RGBAv8 to BGRAv8, after a stage on planes. 8 pixels a step: 4 vectors in, 4 out.
 class RGBAv8_TO_BGRAv8 : public Kernel<8, 8> {
 public:
     using Input = RGBAv8;
@@ -44,7 +44,8 @@ public:
     }
 };
 
-/// Regroups RGBv8 to BGRAv8. 8 pixels a step: 3 vectors in, 4 out. The alpha lane is 65535.
+/// Runs in the place of `RGBv4_TO_BGRAv8`. Regroups RGBv8 to BGRAv8. 8 pixels a step: 3 vectors in,
+/// 4 out. The alpha lane is 65535, as in the listed stage.
 class RGBv8_TO_BGRAv8 : public Kernel<8, 8> {
 public:
     static constexpr Range kRange = Range::Kept;
@@ -57,9 +58,10 @@ public:
     }
 };
 
-/// The same from planes with alpha. Narrowed first, two components a vector, then interleaved
-/// twice. `R`, `G`, `B` and `A` are the bytes at which components lie in a pixel. 8 pixels a step:
-/// 4 vectors in, 32 bytes out.
+/// Runs in the place of `PACK_BGRAv8_TO_BGRA` and `PACK_BGRAv8_TO_RGBA`. Packs planes with alpha to
+/// 4-byte pixels, with the same saturation. Lanes are narrowed first, two components per vector,
+/// then interleaved twice. `R`, `G`, `B` and `A` are the bytes of the components in a pixel. 8
+/// pixels a step: 4 vectors in, 32 bytes out.
 template<int R, int G, int B, int A>
 class PACK_RGBAv8_TO_BYTES : public Kernel<8, 8> {
 public:
@@ -72,8 +74,9 @@ public:
     }
 };
 
-/// Unpacks 4-byte pixels straight to planes with alpha. Components lie in a pixel as in BGRA, or in
-/// ARGB, which is the `REVERSED` order. 8 pixels a step: 32 bytes in, 4 vectors out.
+/// Runs in the place of `BGRAv8_TO_RGBAv8` and the unpack before it, `UNPACK_BGRA_TO_BGRAv8` or
+/// `UNPACK_ARGB_TO_BGRAv8`. Unpacks 4-byte pixels directly to planes with alpha. The components lie
+/// in a pixel as in BGRA, or as in ARGB if `REVERSED`. 8 pixels a step: 32 bytes in, 4 vectors out.
 template<bool REVERSED>
 class UNPACK_BYTES_TO_RGBAv8 : public Kernel<8, 8> {
 public:
@@ -96,9 +99,9 @@ public:
     }
 };
 
-/// From one order of bytes straight to another, with an alpha of 255. A byte can't saturate, so one
-/// byte shuffle and an OR stand for the cut and the join. 4 pixels a step: 16 bytes in, 16 bytes
-/// out.
+/// Runs in the place of an unpack of bytes to `RGBv4` and a pack from it. Changes the order of the
+/// bytes and sets alpha to 255. A byte cannot saturate in the pack, so one byte shuffle and one OR
+/// give the same. 4 pixels a step: 16 bytes in, 16 bytes out.
 template<class UNPACK, class PACK>
 class REORDER_OPAQUE_BYTES : public Kernel<4, 4> {
 public:

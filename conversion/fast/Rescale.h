@@ -7,8 +7,8 @@
 
 namespace KSX::PixelConversion::fast {
 
-/// (v 2^n k + 32768) >> 16 in signed lanes, for the gain of video levels of `IN_BITS` to a full
-/// range of `OUT_BITS`.
+/// The multiplication of the rescale from video levels of `IN_BITS` to full range of `OUT_BITS`, in
+/// signed lanes: (v 2^n k + 32768) >> 16.
 template<int IN_BITS, int OUT_BITS>
 KSX_INLINE Vector scaleLevels(Vector v)
 {
@@ -27,8 +27,9 @@ KSX_INLINE Vector scaleLevels(Vector v)
     }
 }
 
-/// The rescale of full-range codes of 8 bits as one rounding multiplication, where 2^n k is a power
-/// of two times a factor that fits:
+/// The arithmetic of `RGB_RESCALE_T` for full-range codes of 8 bits, as one rounding
+/// multiplication. It is the same if 2^n k is a power of two times a factor that fits a signed
+/// lane:
 ///
 ///     (2^n k x + 32768) >> 16 = (2^s x m + 16384) >> 15          2^n k = 2^(s + 1) m
 template<int OUT_BITS, bool OUT_FULL>
@@ -45,7 +46,7 @@ public:
 protected:
     static constexpr int kBlack = k.outBlack;
 
-    /// Without the black of video levels.
+    /// The scaled codes, before black is added for video levels.
     KSX_INLINE static Vector scaled(Vector x) { return mulRound16(shiftLeft16(x, s), v8i(m)); }
     KSX_INLINE static Vector apply(Vector x)
     {
@@ -53,6 +54,8 @@ protected:
     }
 };
 
+/// Runs in the place of `BGRAv8_RESCALE<8, true, OUT_BITS, OUT_FULL, P1>` after a stage that gives
+/// bytes. 2 pixels a step. Plain.
 template<int OUT_BITS, bool OUT_FULL>
 class BGRAv8_RESCALE_BYTES : public EachVector<BGRAv8, 2, RescaleBytes<OUT_BITS, OUT_FULL>> {
 public:

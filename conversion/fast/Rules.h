@@ -1,6 +1,6 @@
-/// Every rule by which other stages run in the place of those that an entry lists, from top to
-/// bottom in the order in which they are tried. docs/pipelines.md is printed from them: it has what
-/// runs for each row of the table, and the rows for each rule.
+/// Every rule that puts other stages in the place of those that an entry lists. Rules are tried
+/// from top to bottom. docs/pipelines.md is printed from them: it lists the stages that run for
+/// each row of the table, and the rows that each rule serves.
 #pragma once
 
 #include "conversion/colour/BitDepth.h"
@@ -25,13 +25,13 @@ namespace fast {
 
 // --- Bytes to bytes ------------------------------------------------------------------------------
 
-/// From one order of bytes to another, without components between.
+/// Bytes in one order to bytes in another, without components in between.
 struct ReorderBytes {
     template<UnpacksBytesToRGBv4 UNPACK, PacksRGBv4ToBytes PACK>
     static StageList<REORDER_OPAQUE_BYTES<UNPACK, PACK>> form(StageList<UNPACK, PACK>);
 };
 
-/// Straight to 3 bytes: the alpha that is added on the way is dropped again.
+/// Bytes directly to 3 bytes a pixel: the listed stages add an alpha and drop it again.
 struct DropAlpha {
     template<UnpacksBytesToRGBv4 UNPACK>
     static StageList<
@@ -39,7 +39,7 @@ struct DropAlpha {
         form(StageList<UNPACK, PACK_RGBv4_TO_RGBA, PACK_RGBA_TO_RGB>);
 };
 
-/// From one byte order of 4:2:2 to the other.
+/// One byte order of 4:2:2 to the other.
 struct ExchangeBytes {
     static StageList<EXCHANGE_BYTES> form(StageList<UNPACK_UYVY_TO_UYVYv8, PACK_UYVYv8_TO_YUY2>);
     static StageList<EXCHANGE_BYTES> form(StageList<UNPACK_YUY2_TO_UYVYv8, PACK_UYVYv8_TO_UYVY>);
@@ -47,7 +47,7 @@ struct ExchangeBytes {
 
 // --- Between bytes and words ---------------------------------------------------------------------
 
-/// Bytes to words of 10-bit RGB, zeros below.
+/// Bytes to words of 10-bit RGB, with zeros in the low bits.
 struct BytesToRGB10 {
     template<UnpacksBytesToRGBv4 UNPACK, PacksRGB10 PACK>
     static StageList<BYTES_TO_RGB10<UNPACK, PACK>>
@@ -83,7 +83,7 @@ struct StudioRGB10ToBytes {
         StageList<UNPACK_R210_TO_RGBv8, RGBv8_RESCALE<10, false, 8, true, P1>, PACK_RGBv8_TO_BGRA>);
 };
 
-/// Bytes to groups of 12-bit RGB, zeros below.
+/// Bytes to groups of 12-bit RGB, with zeros in the low bits.
 struct BytesToRGB12 {
     template<class ORDER>
     static StageList<BGRA_TO_R12L> form(StageList<UNPACK_BGRA_TO_BGRAv8, BGRAv8_BITDEPTH<4, 16>,
@@ -93,13 +93,13 @@ struct BytesToRGB12 {
                                                   PACK_BGRAv8_TO_R12B_SSSE3_T<ORDER>>);
 };
 
-/// 8-bit 4:2:2 to v210, zeros below.
+/// 8-bit 4:2:2 to v210, with zeros in the low bits.
 struct UYVYToV210 {
     static StageList<UYVY_TO_V210>
         form(StageList<UNPACK_UYVY_TO_UYVYv8, UYVYv8_BITDEPTH<2, 16>, PACK_UYVYv8_TO_V210>);
 };
 
-// --- Rounding while samples stand at the top of their lanes --------------------------------------
+// --- Rounding while samples are at the top of their lanes ----------------------------------------
 
 struct V210To8Bits {
     static StageList<UNPACK_V210_TO_8BIT_UYVYv8, PACK_UYVYv8_TO_UYVY>
@@ -115,13 +115,13 @@ struct RGB12To8Bits {
         form(StageList<UNPACK_R12B_TO_BGRAv8_SSSE3_T<ORDER, 4095>, BGRAv8_BITDEPTH<-4, 16>, PACK>);
 };
 
-/// 16 bits to 8: the pack's limit is what saturation gives.
+/// 16 bits to 8. Saturation gives the limit that the pack sets.
 struct DeepRGBTo8Bits {
     template<SaturatesTo<255> PACK>
     static StageList<BGRAv8_ROUND_TO_8_BITS, PACK> form(StageList<BGRAv8_BITDEPTH<-8, 16>, PACK>);
 };
 
-/// v212 and v216 to 10 bits: the pack's limit is what saturation gives.
+/// v212 and v216 to 10 bits. Saturation gives the limit that the pack sets.
 struct Deep422To10Bits {
     static StageList<UYVYv8_ROUND_TO_10_BITS, PACK_UYVYv8_TO_V210>
         form(StageList<UNPACK_V212_TO_UYVYv8, UYVYv8_BITDEPTH<-2, 16>, PACK_UYVYv8_TO_V210>);
@@ -131,7 +131,7 @@ struct Deep422To10Bits {
 
 // --- Limits and multiplications that the codes make needless -------------------------------------
 
-/// Full-range codes of 8 bits need one rounding multiplication.
+/// Full-range codes of 8 bits need only one rounding multiplication.
 struct RescaleOfBytes {
     template<GivesBytes UNPACK, int OUT_BITS, bool OUT_FULL>
     requires(RescaleBytes<OUT_BITS, OUT_FULL>::kFits) //
@@ -139,7 +139,7 @@ struct RescaleOfBytes {
             StageList<UNPACK, BGRAv8_RESCALE<8, true, OUT_BITS, OUT_FULL, P1>>);
 };
 
-/// Codes that lie within 10 bits need no limit in front of v210.
+/// Codes within 10 bits need no limit in the pack to v210.
 struct NoLimitToV210 {
     template<GivesRange A>
     static StageList<A, details::PACK_LIMITED_UYVYv8_TO_V210>
@@ -154,8 +154,8 @@ struct NoLimitToV210 {
 
 // --- Planes --------------------------------------------------------------------------------------
 
-/// Primaries of 8-bit `BGRAv8`: lanes of one pixel leave a fourth of each vector empty, and every
-/// component of the input has to be spread over three.
+/// Primaries of 8-bit `BGRAv8`, on planes. The listed stage works on one pixel per vector: the lane
+/// of alpha is wasted, and every input component has to be copied to three lanes.
 struct PrimariesOnPlanes {
     template<VectorTypeFlag V, class MATRIX>
     static StageList<BGRAv8_TO_RGBAv8, COLOURSPACE_CONV_PLANES<RGBAv8, MATRIX, V, 1, 0, 2>,
@@ -163,7 +163,7 @@ struct PrimariesOnPlanes {
         form(StageList<COLOURSPACE_CONV_BGRAv8<Rec709OETF<8, V>, MATRIX, Rec709OETF<8, V>>>);
 };
 
-/// Straight from bytes to planes with alpha, and back.
+/// Bytes directly to planes with alpha, and back.
 struct BytesToPlanes {
     static StageList<UNPACK_BYTES_TO_RGBAv8<false>>
         form(StageList<UNPACK_BGRA_TO_BGRAv8, BGRAv8_TO_RGBAv8>);
@@ -177,14 +177,14 @@ struct PlanesToBytes {
         form(StageList<RGBAv8_TO_BGRAv8, PACK_BGRAv8_TO_RGBA>);
 };
 
-/// Video levels from the matrix stretched to full range: the pack sets the limits.
+/// The matrix to video levels and the stretch to full range in one stage. The pack sets the limits.
 struct MatrixToFullRange {
     template<class RANGE, int A, int B, SaturatesTo<(1 << B) - 1> PACK>
     static StageList<YUVv8_TO_FULL_RGBv8<RANGE, A, B>, PACK>
         form(StageList<YUVv8_TO_RGBv8<RANGE, A, A>, RGBv8_RESCALE<A, false, B, true, P1>, PACK>);
 };
 
-/// The form on planes of a single stage, for the rule below.
+/// The forms on planes of single stages, for the rule `OnPlanes`.
 namespace planes {
 
 struct Bytes {
@@ -245,7 +245,7 @@ struct Levels {
     static RGBv8_RESCALE<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P>
     onRGBv8(const RGBv4_RESCALE<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P>&);
 
-    /// `RGBv4_RESCALE`, and what derives from it.
+    /// Fits `RGBv4_RESCALE` and the classes derived from it.
     template<class RESCALE>
     static StageList<decltype(onRGBv8(std::declval<RESCALE>()))> form(StageList<RESCALE>);
 };
@@ -274,7 +274,7 @@ consteval auto find(RuleList<RULE, RULES...>)
         return std::type_identity<void>{};
 }
 
-/// The rule for one stage, or void.
+/// The rule that fits one stage; void if there is none.
 template<class STAGE>
 using RuleFor = typename decltype(find<STAGE>(Rules{}))::type;
 
@@ -285,14 +285,14 @@ struct OnlyStage<StageList<STAGE>> {
     using type = STAGE;
 };
 
-/// The form of a stage that has a rule.
+/// The form on planes of a stage that has a rule.
 template<class STAGE>
 using Form = typename OnlyStage<FormBy<RuleFor<STAGE>, StageList<STAGE>>>::type;
 
 } // namespace planes
 
-/// Stages that all have a form on planes, from one that reads another representation to one that
-/// gives another, run on planes.
+/// A run of stages that all have a form on planes runs on planes. Its first stage takes, and its
+/// last stage gives, the same representation in both forms.
 struct OnPlanes {
     template<class... RUN>
     static consteval bool fits()
@@ -313,7 +313,7 @@ struct OnPlanes {
 
 } // namespace fast
 
-/// Of two rules that fit the same run the upper one is taken.
+/// If two rules fit the same run, the one listed first is taken.
 struct FastRules
     : RuleList<fast::ReorderBytes, fast::DropAlpha, fast::ExchangeBytes, fast::BytesToRGB10,
                fast::BytesToStudioRGB10, fast::RGB10ToBytes, fast::StudioRGB10ToBytes,

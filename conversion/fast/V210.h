@@ -6,7 +6,9 @@
 
 namespace KSX::PixelConversion::fast {
 
-/// The same to planes, YUVv8. 24 pixels a step: 64 bytes in, 9 vectors out. Looks ahead.
+/// Runs in the place of `UNPACK_V210_TO_UYVY444v8_T`. Unpacks v210 to planes and rebuilds the
+/// chroma of odd pixels by the same mean. 24 pixels a step: 64 bytes in, 9 vectors out. Looks
+/// ahead.
 class UNPACK_V210_TO_YUVv8 : public Kernel<24, 24> {
 public:
     using Input = Packed<32, 12>;
@@ -35,7 +37,7 @@ public:
     }
 
 private:
-    /// Vectors of `UYVYv8`, and one that begins with the pair behind them.
+    /// Vectors of `UYVYv8`, and one that begins with the next pair.
     struct Samples {
         Vector v[7];
     };
@@ -49,7 +51,7 @@ private:
 
     KSX_INLINE static Pixels<Output, 24> unpack(const Samples& samples)
     {
-        // Cb and Cr of four pairs a vector.
+        // Cb and Cr of four pairs per vector.
         const auto pairs = [&]<unsigned V>() KSX_INLINE_LAMBDA {
             return packSaturate32To16(bitAnd(samples.v[V], v4i_0xffff),
                                       bitAnd(samples.v[V + 1], v4i_0xffff));
@@ -70,10 +72,12 @@ private:
     }
 };
 
-/// Unpacks v210 to UYVYv8 of 8 bits. 12 pixels a step: 32 bytes in, 3 vectors out. Plain.
+/// Runs before a pack to 2vuy, in the place of `UNPACK_V210_TO_UYVYv8` and
+/// `UYVYv8_BITDEPTH<-2, 16>`. Unpacks v210 to UYVYv8 of 8 bits. 12 pixels a step: 32 bytes in, 3
+/// vectors out. Plain.
 ///
-/// Half of an 8-bit code is added while samples stand at the top of their lanes. What that carries
-/// over the top saturates there, as the pack would have it.
+/// Half of an 8-bit code is added while samples are at the top of their lanes. A sum that would
+/// carry over the top saturates and gives 255, as the pack after the listed stages does.
 class UNPACK_V210_TO_8BIT_UYVYv8 : public Kernel<12, 12> {
 public:
     using Input = Packed<16, 6>;
@@ -88,9 +92,13 @@ public:
     }
 };
 
-/// From 2vuy straight to v210. 24 pixels a step: 48 bytes in, 64 bytes out. Plain. Of a word's
-/// three bytes the outer two are shifted by a multiplication, each in its half, and the inner one
-/// as it lies across the middle.
+/// Runs in the place of `UNPACK_UYVY_TO_UYVYv8`, `UYVYv8_BITDEPTH<2, 16>` and
+/// `PACK_UYVYv8_TO_V210`. Converts 2vuy directly to v210. 24 pixels a step: 48 bytes in, 64 bytes
+/// out. Plain.
+///
+/// A word takes three bytes. A multiplication moves the outer two, each in its half of the word. A
+/// shift of the whole word moves the inner one, which lies across the middle. A byte gives at most
+/// 1020, so the pack's limit has no effect.
 class UYVY_TO_V210 : public Kernel<24, 24> {
 public:
     using Input = Packed<2>;

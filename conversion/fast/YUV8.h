@@ -6,7 +6,9 @@
 
 namespace KSX::PixelConversion::fast {
 
-/// From one byte order of 4:2:2 straight to the other. 8 pixels a step: 16 bytes in, 16 bytes out.
+/// Runs in the place of an unpack of 8-bit 4:2:2 and the pack to the other byte order. A byte
+/// cannot saturate in the pack, so one byte shuffle gives the same. 8 pixels a step: 16 bytes in,
+/// 16 bytes out.
 class EXCHANGE_BYTES : public Kernel<8, 8> {
 public:
     using Input = Packed<2>;
@@ -19,7 +21,10 @@ public:
     }
 };
 
-/// The same to planes, YUVv8. 8 pixels a step: 16 bytes in, 3 vectors out. Looks ahead.
+/// Runs in the place of `UNPACK_UYVY_TO_UYVY444v8_T` and `UNPACK_YUY2_TO_UYVY444v8_T`. Unpacks
+/// 8-bit 4:2:2 to planes and rebuilds the chroma of odd pixels by the same mean. `CHROMA_BYTE` is
+/// the byte of every two that holds chroma. 8 pixels a step: 16 bytes in, 3 vectors out. Looks
+/// ahead.
 template<int CHROMA_BYTE>
 class UNPACK_422_TO_YUVv8 : public Kernel<8, 8> {
 public:
@@ -37,8 +42,8 @@ public:
     }
 
 private:
-    /// Means of all bytes, of which those of chroma count. Beside the stored ones they make the
-    /// chroma of a pixel pair: Cb even, Cb odd, Cr even, Cr odd.
+    /// Averages all bytes, of which only those of chroma are used. The means and the stored bytes
+    /// make the chroma of a pixel pair: Cb even, Cb odd, Cr even, Cr odd.
     KSX_INLINE static Pixels<Output, 8> unpack(Vector v, Vector successors)
     {
         const Vector mean = averageU8(v, successors);

@@ -6,8 +6,9 @@
 
 namespace KSX::PixelConversion::fast {
 
-/// The same to planes. 8 pixels a step: 32 bytes in, 4 vectors out. Looks ahead. Fields lie in a
-/// word as those of R210 do: alpha as R, chroma as G, Y as B.
+/// Runs in the place of `UNPACK_YUVA`. Unpacks ay10 or Ay10 to planes and rebuilds the chroma of
+/// odd pixels by the same mean. 8 pixels a step: 32 bytes in, 4 vectors out. Looks ahead. The
+/// fields lie in a word as those of R210 do: alpha as R, chroma as G, Y as B.
 class UNPACK_YUVA_TO_YUVAv8 : public Kernel<8, 8> {
     using Fields = details::UNPACK_RGB10_TO_RGBv8<0, true>;
 
@@ -27,7 +28,7 @@ public:
     }
 
 private:
-    /// `next` begins with the chroma pair behind the pixels.
+    /// `next` begins with the next chroma pair.
     KSX_INLINE static Pixels<Output, 8> unpack(const Pixels<RGBv8, 8>& fields, Vector next)
     {
         const Vector even = fields[1]; // Cb Cr of each pair

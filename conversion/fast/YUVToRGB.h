@@ -1,4 +1,4 @@
-/// YUV to RGB on planes.
+/// Fast forms of YUV to RGB, on planes.
 #pragma once
 
 #include "conversion/colour/YUVToRGB.h"
@@ -7,11 +7,12 @@
 
 namespace KSX::PixelConversion::fast {
 
-/// The arithmetic above for `StudioRange` at P 1, on full lanes of 16 bits.
+/// The arithmetic of `YUV_TO_RGB_BASE`, in conversion/colour/YUVToRGB.h, for `StudioRange` and
+/// `P1`, on planes of 16 bits.
 ///
-/// There the coefficient of Y is a gain of exactly 1, so that Y's part is a whole number at the
-/// scale of the first shift. It passes every rounding unchanged, and with it goes the difference
-/// between pixels e and o:
+/// There the coefficient of Y is a gain of exactly 1, so the part of Y is a whole number at the
+/// scale of the first shift. No rounding changes it, so even and odd pixels e and o have the same
+/// formula:
 ///
 ///     e = o = (Y << (14 - B') + chroma + t2) >> s2            B' = A, s2 = 14 - B
 ///
@@ -23,7 +24,7 @@ class YUV_TO_RGB_ON_PLANES {
     static constexpr int kShift = 14 - B;
 
 protected:
-    /// R, G and B less `below`, not limited.
+    /// R, G and B minus `BELOW`, not limited.
     template<int BELOW>
     KSX_INLINE static Pixels<RGBv8, 8> convert(const Pixels<YUVv8, 8>& in)
     {
@@ -49,7 +50,8 @@ protected:
     }
 };
 
-/// Converts YUVv8 to RGBv8, studio range. 8 pixels a step: 3 vectors in, 3 out. Plain.
+/// Runs in the place of `UYVY444v8_TO_RGBv4` for `StudioRange` and `P1`. Converts YUVv8 to RGBv8. 8
+/// pixels a step: 3 vectors in, 3 out. Plain.
 template<class RANGE, int A, int B>
 class YUVv8_TO_RGBv8 : public Kernel<8, 8>, protected YUV_TO_RGB_ON_PLANES<RANGE, A, B> {
 public:
@@ -65,15 +67,15 @@ public:
     }
 };
 
-/// Converts YUVv8 of `A` bits to RGBv8 of `B` bits in full range, for a pack to `B` bits behind it:
-/// what lies beyond the levels of video comes out below 0 or above the largest code. 8 pixels a
-/// step. Plain.
+/// Runs in the place of `YUVv8_TO_RGBv8` and `RGBv8_RESCALE<A, false, B, true, P1>`, before a pack
+/// to `B` bits. Converts YUVv8 of `A` bits to RGBv8 of `B` bits in full range. Codes beyond video
+/// levels come out below 0 or above the largest code. 8 pixels a step. Plain.
 ///
 ///     v = code - black                     y = (v 2^n k + 32768) >> 16
 ///
-/// with n and k of the rescale. Both limits that the rescale sets are left to the pack, since y
-/// does not fall while v rises. With 2^n k = q 65536 + 2 r, y is q v and a rounding multiplication
-/// by r.
+/// with n and k of the rescale. The limits to black and white are left to the pack. It gives the
+/// same, because y does not fall if v rises. With 2^n k = q 65536 + 2 r, y is q v plus a rounding
+/// multiplication by r.
 template<class RANGE, int A, int B>
 class YUVv8_TO_FULL_RGBv8 : public Kernel<8, 8>, protected YUV_TO_RGB_ON_PLANES<RANGE, A, A> {
 public:
@@ -89,12 +91,12 @@ public:
     }
 };
 
-/// The same on planes, RGB not limited: the twins of the packs behind it saturate. 8 pixels a step:
-/// 4 vectors in, 4 out. Plain.
+/// Runs in the place of `YUVA_TO_BGRAv8`. The same arithmetic on planes, but RGB is not limited,
+/// because the packs after it saturate. 8 pixels a step: 4 vectors in, 4 out. Plain.
 ///
-/// Parts that are rounded by themselves are multiplications of 16-bit lanes. A part of two products
-/// that are rounded together goes through sums of 32 bits: of Y and Cb of even pixels for G and B,
-/// of Y and Cr of odd pixels for R and G.
+/// Parts that are rounded separately are multiplications of 16-bit lanes. A part of two products
+/// that are rounded together needs sums of 32 bits. These are the products of Y and Cb of even
+/// pixels for G and B, and those of Y and Cr of odd pixels for R and G.
 template<class RANGE, bool FULLA, PrecisionFlag P>
 class YUVAv8_TO_RGBAv8 : public Kernel<8, 8> {
     static constexpr int kShift = P == P1 ? 10 : 16;
@@ -122,8 +124,8 @@ public:
             add16(evenLanes(jointPart<kShift>(evenCbY, g.at[1], g.at[0]),
                             shiftLeft32(jointSums<kShift>(oddCrY, g.at[2], g.at[0]), 16 - kShift)),
                   evenLanes(part(cr, g.at[2]), part(cb, g.at[1])));
-        // Blue's row is at half the scale, and its coefficient of Cb leaves no bit to double it.
-        // Its sums can leave 16 bits, where they saturate, far beyond what the pack lets through.
+        // Blue's row is at half the scale, and its coefficient of Cb is too large to be doubled.
+        // Its sums can leave 16 bits. They saturate then, far beyond the limits of the pack.
         const Vector evenBlue = jointPart<kShift - 1>(evenCbY, b.at[1], b.at[0]);
         const Vector oddBlue = addSaturate16(part(y, 2 * b.at[0]), part(add16(cb, cb), b.at[1]));
         const Vector blues = packSaturate32To16(evenBlue, shiftRight32(oddBlue, 16));
@@ -144,7 +146,7 @@ private:
         return P == P1 ? mulRound16(shiftLeft16(x, 5), c) : mulHigh16(x, c);
     }
 
-    /// To be cut off at bit `SHIFT`.
+    /// Sums of two products before the shift by `SHIFT`, with the rounding term if P is 1.
     template<int SHIFT>
     KSX_INLINE static Vector jointSums(Vector x, int low, int high)
     {
