@@ -3,7 +3,7 @@
 
 namespace KSX::PixelConversion {
 
-/// What every entry is; see `ConversionFunction`.
+/// The type of every entry; see `ConversionFunction`.
 using ConversionSignature = void(unsigned width, unsigned height, void* dst, unsigned dstRowBytes,
                                  void* src, unsigned srcRowBytes);
 

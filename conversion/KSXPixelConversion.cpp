@@ -1,4 +1,4 @@
-/// The table of conversions, its lookup, and the copy that stands in it as a conversion.
+/// The table of conversions, its lookup, and the copy that is a conversion in it.
 #include "conversion/KSXPixelConversion.h"
 
 #include "conversion/ConversionEntries.h"
@@ -62,7 +62,7 @@ constexpr ConversionEntry conversions[kConversionCount] = {
     {kYUY2, Any,   k2vuy, Any,   Convert_8YUY422_To_8YUV422},
 
     // row 2: from 2vuy
-    // The one change of colourspace into YUY2, and row 3 the one out of it.
+    // The only change of colourspace to YUY2. Row 3 is the only one from YUY2.
     {k2vuy, R709,  kYUY2, R601,  Convert_8YUV422_HD_To_8YUY422_SD},
 
     // row 3: from YUY2
@@ -110,7 +110,7 @@ constexpr ConversionEntry conversions[kConversionCount] = {
     {k2vuy, R709,  kR10A, R709,  Convert_8YUV422_HD_To_10RGBA_BE_FULL},
 
     // rows 42 to 78: from v210
-    // Rows 44 to 46 stand behind row 43 as rows 7 to 9 behind row 6.
+    // Rows 44 to 46 repeat row 43, as rows 7 to 9 repeat row 6.
     {kv210, Any,   k2vuy, Any,   Convert_10YUV422_LE_To_8YUV422},
     {kv210, Any,   kAy10, Any,   Convert_10YUV422_LE_TO_10YUVA422_BE_FullA},
     {kv210, R601,  kAy10, R601,  Convert_10YUV422_LE_TO_10YUVA422_BE_FullA},
@@ -150,7 +150,7 @@ constexpr ConversionEntry conversions[kConversionCount] = {
     {kv210, R709,  kR10A, R709,  Convert_10YUV422_LE_HD_To_10RGBA_BE_FULL},
 
     // rows 79 to 80: from v212
-    // v212 and v216 are both 16-bit samples, which go over as they are.
+    // v212 and v216 both have 16-bit samples, which are copied between them as they are.
     {kv212, Any,   kv210, Any,   Convert_12YUV422_LE_To_10YUV422_LE},
     {kv212, Any,   kv216, Any,   CopyWithoutConversion},
 
@@ -164,7 +164,7 @@ constexpr ConversionEntry conversions[kConversionCount] = {
     {kay10, R2020, kBGRA, R2020, Convert_10YUVA422_BE_2020_To_8BGRA_FULL},
 
     // rows 86 to 97: from Ay10
-    // Rows 87 to 89 stand behind row 86 as rows 7 to 9 behind row 6.
+    // Rows 87 to 89 repeat row 86, as rows 7 to 9 repeat row 6.
     {kAy10, Any,   kv210, Any,   Convert_10YUVA422_BE_SMPTE_FullA_To_10YUV422_LE},
     {kAy10, R601,  kv210, R601,  Convert_10YUVA422_BE_SMPTE_FullA_To_10YUV422_LE},
     {kAy10, R709,  kv210, R709,  Convert_10YUVA422_BE_SMPTE_FullA_To_10YUV422_LE},
@@ -362,7 +362,7 @@ constexpr ConversionEntry conversions[kConversionCount] = {
     {kR10l, Any,   kR10A, Any,   Convert_10RGBX_LE_SMPTE_To_10RGBA_BE_FULL},
 
     // row 260: from r210
-    // Here rather than with its kin; order matters only among rows of one pair of formats.
+    // Apart from the other rows of r210; order matters only among rows with the same two formats.
     {kr210, R601,  kBGRA, R709,  Convert_10XRGB_BE_SMPTE_601_To_8BGRA_FULL_709},
 
     // rows 261 to 276: from R10b
@@ -420,7 +420,7 @@ constexpr ConversionEntry conversions[kConversionCount] = {
     {kR10B, Any,   kR10A, Any,   Convert_10RGBX_BE_FULL_To_10RGBA_BE_FULL},
 
     // rows 309 to 324: from R10A
-    // The entries of R10B, which do not look at the two low bits. Row 324 is no copy: it sets them.
+    // The entries of R10B, which ignore the two low bits. Row 324 is not a copy: it sets them.
     {kR10A, R601,  k2vuy, R601,  Convert_10RGBX_BE_FULL_To_8YUV422_SD},
     {kR10A, R709,  k2vuy, R709,  Convert_10RGBX_BE_FULL_To_8YUV422_HD},
     {kR10A, R601,  kv210, R601,  Convert_10RGBX_BE_FULL_To_10YUV422_LE_SD},
@@ -471,7 +471,7 @@ constexpr ConversionEntry conversions[kConversionCount] = {
     {kR12L, Any,   kRGBA, Any,   Convert_12RGB_LE_FULL_To_8RGBA_FULL},
 
     // row 349: from b64a
-    // From here on, rows that were added later.
+    // The rows from here on were added later.
     {kb64a, Any,   kBGRA, Any,   Convert_16ARGB_BE_FULL_To_8BGRA_FULL},
 
     // rows 350 to 351: from 2vuy
@@ -509,7 +509,7 @@ static_assert(std::all_of(std::begin(conversions), std::end(conversions), [](con
            (row.dstColorspace == ColorspaceUnspecified);
 }));
 
-// A row that the list of initialisers does not reach would be all zero.
+// If the list of initialisers is too short, the last rows are all zero.
 static_assert(std::all_of(std::begin(conversions), std::end(conversions),
                           [](const auto& row) { return row.srcFormat != PixelFormat{}; }));
 
@@ -525,7 +525,7 @@ ConversionFunction GetConversionFunction(PixelFormat srcFormat, PixelFormat dstF
         const bool anyColorspace = row.srcColorspace == ColorspaceUnspecified;
         const bool sameColorspaces =
             row.srcColorspace == srcColorspace && row.dstColorspace == target;
-        // A row for any colourspace changes none.
+        // A row for any colourspace does not change the colourspace.
         if (sameColorspaces || (anyColorspace && target == srcColorspace))
             return row.function;
     }

@@ -1,5 +1,5 @@
-/// The door to the conversion engine: pixel formats, colourspaces, the table of conversions and its
-/// lookup.
+/// The interface of the conversion engine: pixel formats, colourspaces, the table of conversions
+/// and its lookup.
 ///
 /// A conversion turns a whole picture of one packed pixel format into another. It allocates
 /// nothing, holds no state, checks nothing and cannot fail; any number may run at once on any
@@ -19,9 +19,10 @@ constexpr std::uint32_t fourCC(const char (&code)[5])
     return value;
 }
 
-/// The layout and range of a picture's bytes. Each enumerator names the code; beside it the name
-/// that entries and source files use. FULL is full range, SMPTE studio range, and BE and LE are the
-/// byte order of a packed word. PixelFormats.h has the sizes, docs/formats.md the layouts.
+/// The layout and range of a picture's bytes. Each enumerator has the code in its name; the comment
+/// beside it has the name that entries and source files use. There FULL is full range, SMPTE is
+/// studio range, and BE and LE are the byte order of a packed word. PixelFormats.h has the sizes,
+/// docs/formats.md the layouts.
 enum PixelFormat : std::uint32_t {
     PixelFormat_2vuy = fourCC("2vuy"), ///< 8YUV422
     PixelFormat_YUY2 = fourCC("YUY2"), ///< 8YUY422
@@ -65,19 +66,20 @@ enum Colorspace : std::uint32_t {
 
 /// Converts a picture of `width` pixels by `height` rows.
 ///
-/// `dst` and `src` point at the first byte of the top row; a row's successor lies `dstRowBytes` or
-/// `srcRowBytes` further on, and neither pointers nor row sizes need any alignment. Row sizes above
-/// 2147483647 act as negative strides. A `height` of 0, or above 2147483647, converts nothing.
+/// `dst` and `src` point at the first byte of the top row; the next row begins `dstRowBytes` or
+/// `srcRowBytes` after it. Pointers and row sizes need no alignment. Row sizes above 2147483647 act
+/// as negative strides. A `height` of 0, or above 2147483647, converts nothing.
 ///
-/// Of each destination row exactly the bytes that the format needs for `width` pixels are written
-/// (`rowBytes` in PixelFormats.h). Of a source row no more is read either, but for the formats that
-/// rebuild chroma from the pixels to the right, whose entries say how far they look past its end.
-/// Source and destination may be the same picture where their formats have pixels of one size.
+/// Exactly the bytes that the format needs for `width` pixels are written to each destination row
+/// (`rowBytes` in PixelFormats.h). Conversions that rebuild chroma from the pixels to the right
+/// also read past the end of a source row; docs/conversions.md lists how far. All others read only
+/// the bytes of the row's pixels. Source and destination may be the same picture if their formats
+/// have pixels of the same size.
 using ConversionFunction = void (*)(unsigned width, unsigned height, void* dst,
                                     unsigned dstRowBytes, void* src, unsigned srcRowBytes);
 
-/// A row of the table. Both colourspaces are unspecified, for a conversion that is the same in all
-/// of them and changes none, or both are real.
+/// A row of the table. Both colourspaces are unspecified if the conversion is the same in all of
+/// them and changes none. Otherwise both are real.
 struct ConversionEntry {
     PixelFormat srcFormat;
     Colorspace srcColorspace;
@@ -86,25 +88,25 @@ struct ConversionEntry {
     ConversionFunction function;
 };
 
-/// Rows of the table.
+/// The number of rows of the table.
 constexpr unsigned kConversionCount = 364;
 
-/// Every conversion that there is, in the order in which the lookup tries them.
+/// All conversions, in the order in which the lookup tries them.
 extern const ConversionEntry conversions[kConversionCount];
 
-/// Finds the conversion from `srcFormat` in `srcColorspace` to `dstFormat` in `dstColorspace`, or
-/// null where there is none. An unspecified `dstColorspace` means that of the source. Formats come
+/// Returns the conversion from `srcFormat` in `srcColorspace` to `dstFormat` in `dstColorspace`, or
+/// null if there is none. An unspecified `dstColorspace` means that of the source. Formats come
 /// first and colourspaces last, unlike in a row of the table.
 ConversionFunction GetConversionFunction(PixelFormat srcFormat, PixelFormat dstFormat,
                                          Colorspace srcColorspace, Colorspace dstColorspace);
 
 /// The least width, in pixels, of the rows that the conversions from `source` to RGB formats take:
-/// 0 where they leave a row of no pixels alone. Conversions to other formats have limits of their
+/// 0 if they leave a row of no pixels alone. Conversions to other formats have limits of their
 /// own, which docs/conversions.md lists.
 unsigned leastWidthToRGB(PixelFormat source);
 
-/// Copies `height` rows of `dstRowBytes` bytes each. The count of bytes is the destination's row
-/// size whatever the source's, so a source row must have as many readable bytes. `width` is unused.
+/// Copies `height` rows of `dstRowBytes` bytes each. The number of bytes is always the
+/// destination's row size, so a source row must have as many readable bytes. `width` is unused.
 void CopyWithoutConversion(unsigned width, unsigned height, void* dst, unsigned dstRowBytes,
                            void* src, unsigned srcRowBytes);
 

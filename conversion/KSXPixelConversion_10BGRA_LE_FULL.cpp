@@ -1,5 +1,4 @@
-/// From 10BGRA_LE_FULL (A04L): 10-bit BGRA in 16 bits, full range. It is BGRAv8 as it lies in
-/// memory.
+/// From 10BGRA_LE_FULL (A04L): 10-bit BGRA in 16 bits, full range. It is BGRAv8 in memory.
 #include "conversion/chains/Primaries.h"
 #include "conversion/pipeline/Convert.h"
 #include "conversion/stages/RGB10.h"

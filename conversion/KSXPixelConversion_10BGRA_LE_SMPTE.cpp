@@ -1,5 +1,4 @@
-/// From 10BGRA_LE_SMPTE (A04l): 10-bit BGRA in 16 bits, studio range. It is BGRAv8 as it lies in
-/// memory.
+/// From 10BGRA_LE_SMPTE (A04l): 10-bit BGRA in 16 bits, studio range. It is BGRAv8 in memory.
 #include "conversion/chains/Primaries.h"
 #include "conversion/colour/RGBToYUV.h"
 #include "conversion/colour/Rescale.h"
@@ -10,7 +9,7 @@
 
 namespace KSX::PixelConversion {
 
-// To other primaries, at 10 bits throughout: by way of full range.
+// To other primaries, all at 10 bits: through full range.
 struct From10BGRAStudio {
     template<class PACK>
     using From709To2020 = BIND3<BGRAv8_RESCALE<10, false, 10, true, P1>,

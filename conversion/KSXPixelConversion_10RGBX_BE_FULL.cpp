@@ -1,5 +1,5 @@
-/// From 10RGBX_BE_FULL (R10B), and from 10RGBA_BE_FULL (R10A), whose alpha nothing looks at: 10-bit
-/// RGB, full range. A big-endian word, spare bits at the bottom.
+/// From 10RGBX_BE_FULL (R10B), and from 10RGBA_BE_FULL (R10A), whose alpha is ignored: 10-bit RGB,
+/// full range. A big-endian word, spare bits at the bottom.
 #include "conversion/chains/From10BitRGB.h"
 #include "conversion/pipeline/Convert.h"
 #include "conversion/stages/RGB10.h"
@@ -24,7 +24,7 @@ CONVERSION(Convert_10RGBX_BE_FULL_To_10RGBX_LE_SMPTE,
 CONVERSION(Convert_10RGBX_BE_FULL_To_10RGBX_BE_SMPTE,
            From10RGBXBEFull::To10RGBStudio<PACK_RGBv4_TO_R10KBE>)
 
-// To 10-bit RGB in full range: words are put together anew. Block 4.
+// To 10-bit RGB in full range: words are repacked. Block 4.
 CONVERSION(Convert_10RGBX_BE_FULL_To_10XRGB_BE_FULL,
            BIND<UNPACK_R10KBE_TO_RGBv4, PACK_RGBv4_TO_R210>)
 CONVERSION(Convert_10RGBX_BE_FULL_To_10RGBX_LE_FULL,
@@ -32,7 +32,7 @@ CONVERSION(Convert_10RGBX_BE_FULL_To_10RGBX_LE_FULL,
 CONVERSION(Convert_10RGBX_BE_FULL_To_10RGBA_BE_FULL,
            BIND3<UNPACK_R10KBE_TO_RGBv4, PACK_RGBv4_TO_R10KBE, PAD_R10KBE_WITH_1>)
 
-// To 8-bit 4:2:2: weigh at 10 bits. Block 8.
+// To 8-bit 4:2:2: the matrix works at 10 bits. Block 8.
 CONVERSION(Convert_10RGBX_BE_FULL_To_8YUV422_SD, From10RGBXBEFull::To8YUV422<FullRange601<10>>)
 CONVERSION(Convert_10RGBX_BE_FULL_To_8YUV422_HD, From10RGBXBEFull::To8YUV422<FullRange709<10>>)
 
@@ -40,7 +40,8 @@ CONVERSION(Convert_10RGBX_BE_FULL_To_8YUV422_HD, From10RGBXBEFull::To8YUV422<Ful
 CONVERSION(Convert_10RGBX_BE_FULL_To_10YUV422_LE_SD, From10RGBXBEFull::To10YUV422<FullRange601<10>>)
 CONVERSION(Convert_10RGBX_BE_FULL_To_10YUV422_LE_HD, From10RGBXBEFull::To10YUV422<FullRange709<10>>)
 
-// To 8-bit RGB of other primaries: rounded to codes that the curve's table has. Block 4.
+// To 8-bit RGB of other primaries: rounded to 8-bit codes, for which the curve has a table. Block
+// 4.
 CONVERSION(Convert_10RGBX_BE_FULL_2020_To_8BGRA_FULL_709,
            From10RGBXBEFull::From2020To709<PACK_RGBv4_TO_BGRA>)
 CONVERSION(Convert_10RGBX_BE_FULL_2020_To_8RGBA_FULL_709,

@@ -15,7 +15,7 @@ CONVERSION(Convert_10RGBX_LE_SMPTE_To_8BGRA_FULL, From10RGBXLEStudio::To8RGB<PAC
 CONVERSION(Convert_10RGBX_LE_SMPTE_To_8RGB_FULL,
            BIND<From10RGBXLEStudio::To8RGB<PACK_RGBv4_TO_RGBA>, PACK_RGBA_TO_RGB>)
 
-// To 10-bit RGB in studio range: words are put together anew. Block 4.
+// To 10-bit RGB in studio range: words are repacked. Block 4.
 CONVERSION(Convert_10RGBX_LE_SMPTE_To_10XRGB_BE_SMPTE,
            BIND<UNPACK_R10KLE_TO_RGBv4, PACK_RGBv4_TO_R210>)
 CONVERSION(Convert_10RGBX_LE_SMPTE_To_10RGBX_BE_SMPTE,
@@ -31,12 +31,12 @@ CONVERSION(Convert_10RGBX_LE_SMPTE_To_10RGBX_BE_FULL,
 CONVERSION(Convert_10RGBX_LE_SMPTE_To_10RGBA_BE_FULL,
            BIND<From10RGBXLEStudio::To10RGBFull<PACK_RGBv4_TO_R10KBE>, PAD_R10KBE_WITH_1>)
 
-// To RGBA: unlike the other 8-bit formats by way of 10 bits in full range, which cuts before it
+// To RGBA: unlike the other 8-bit formats through 10 bits in full range, which truncates before it
 // rounds. Block 4.
 CONVERSION(Convert_10RGBX_LE_SMPTE_To_8RGBA_FULL,
            From10RGBXLEStudio::To8RGBBy10BitFull<PACK_RGBv4_TO_RGBA>)
 
-// To 8-bit 4:2:2: weigh at 10 bits. Block 8.
+// To 8-bit 4:2:2: the matrix works at 10 bits. Block 8.
 CONVERSION(Convert_10RGBX_LE_SMPTE_To_8YUV422_SD, From10RGBXLEStudio::To8YUV422<StudioRange601>)
 CONVERSION(Convert_10RGBX_LE_SMPTE_To_8YUV422_HD, From10RGBXLEStudio::To8YUV422<StudioRange709>)
 

@@ -20,7 +20,7 @@ CONVERSION(Convert_10XRGB_BE_SMPTE_To_8BGRA_FULL,
            BIND3<UNPACK_R210_TO_RGBv8, RGBv8_RESCALE<10, false, 8, true, P1>, PACK_RGBv8_TO_BGRA>)
 CONVERSION(Convert_10XRGB_BE_SMPTE_To_8RGBA_FULL, From10XRGBStudio::To8RGB<PACK_RGBv4_TO_RGBA>)
 
-// To 10-bit RGB in studio range: words are put together anew. Block 4.
+// To 10-bit RGB in studio range: words are repacked. Block 4.
 CONVERSION(Convert_10XRGB_BE_SMPTE_To_10RGBX_LE_SMPTE,
            BIND<UNPACK_R210_TO_RGBv4, PACK_RGBv4_TO_R10KLE>)
 CONVERSION(Convert_10XRGB_BE_SMPTE_To_10RGBX_BE_SMPTE,
@@ -36,17 +36,17 @@ CONVERSION(Convert_10XRGB_BE_SMPTE_To_10RGBX_BE_FULL,
 CONVERSION(Convert_10XRGB_BE_SMPTE_To_10RGBA_BE_FULL,
            BIND<From10XRGBStudio::To10RGBFull<PACK_RGBv4_TO_R10KBE>, PAD_R10KBE_WITH_1>)
 
-// To RGB3: unlike the other 8-bit formats by way of 10 bits in full range, which cuts before it
+// To RGB3: unlike the other 8-bit formats through 10 bits in full range, which truncates before it
 // rounds. Block 16.
 CONVERSION(Convert_10XRGB_BE_SMPTE_To_8RGB_FULL,
            From10XRGBStudio::To8RGBBy10BitFull<BIND<PACK_RGBv4_TO_RGBA, PACK_RGBA_TO_RGB>>)
 
-// To 16-bit RGB in studio range: zeros below, opaque. Block 4.
+// To 16-bit RGB in studio range: zeros in the low bits, opaque. Block 4.
 CONVERSION(
     Convert_10XRGB_BE_SMPTE_To_16ARGB_LE_SMPTE,
     BIND4<UNPACK_R210_TO_RGBv4, RGBv4_TO_BGRAv8, BGRAv8_BITDEPTH<6, 16>, UNPACK_L64A_TO_BGRAv8>)
 
-// To 8-bit 4:2:2: weigh at 10 bits. Block 8.
+// To 8-bit 4:2:2: the matrix works at 10 bits. Block 8.
 CONVERSION(Convert_10XRGB_BE_SMPTE_To_8YUV422_SD, From10XRGBStudio::To8YUV422<StudioRange601>)
 CONVERSION(Convert_10XRGB_BE_SMPTE_To_8YUV422_HD, From10XRGBStudio::To8YUV422<StudioRange709>)
 

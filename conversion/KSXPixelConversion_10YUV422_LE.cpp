@@ -24,7 +24,7 @@ CONVERSION(Convert_10YUV422_LE_To_8YUV422,
 CONVERSION(Convert_10YUV422_LE_TO_10YUVA422_BE_FullA,
            BIND3<UNPACK_V210_TO_UYVYv8, UYVYv8_TO_YUVA, PACK_YUVA>)
 
-// To 8-bit RGB: rebuild chroma, multiply, stretch to full range. Block 12, 48 to RGB3.
+// To 8-bit RGB: rebuild chroma, apply the matrix, stretch to full range. Block 12, 48 to RGB3.
 CONVERSION(Convert_10YUV422_LE_SD_To_8ARGB_FULL,
            From10YUV422::To8RGB<StudioRange601, PACK_RGBv4_TO_ARGB>)
 CONVERSION(Convert_10YUV422_LE_HD_To_8ARGB_FULL,
@@ -96,8 +96,8 @@ CONVERSION(Convert_10YUV422_LE_601_To_8RGBA_FULL_709,
 CONVERSION(Convert_10YUV422_LE_2020_To_8RGBA_FULL_709,
            From10YUV422::From2020To709<PACK_RGBv4_TO_RGBA>)
 
-// To 10-bit 4:2:2 of other primaries: by way of 8-bit RGB in full range, which the matrix of 10-bit
-// RGB takes back to 10 bits. Block 12.
+// To 10-bit 4:2:2 of other primaries: through 8-bit RGB in full range, from which the matrix of
+// 10-bit RGB goes back to 10 bits. Block 12.
 CONVERSION(Convert_10YUV422_LE_PAL601_To_10YUV422_LE_709,
            From10YUV422::From601To709In422<RGB_601PAL_TO_709, PACK_UYVYv8_TO_V210>)
 CONVERSION(Convert_10YUV422_LE_NTSC601_To_10YUV422_LE_709,

@@ -14,18 +14,19 @@ CONVERSION(Convert_12RGB_BE_FULL_To_8ARGB_FULL,
 CONVERSION(Convert_12RGB_BE_FULL_To_8BGRA_FULL, From12RGBBE::To8RGB<PACK_BGRAv8_TO_BGRA>)
 CONVERSION(Convert_12RGB_BE_FULL_To_8RGBA_FULL, From12RGBBE::To8RGB<PACK_BGRAv8_TO_RGBA>)
 
-// To 16-bit RGB: zeros below. Block 32.
+// To 16-bit RGB: zeros in the low bits. Block 32.
 CONVERSION(Convert_12RGB_BE_FULL_To_16ARGB_LE_FULL, From12RGBBE::To16RGB)
 
-// To 8-bit 4:2:2: weigh at 12 bits. Block 32.
+// To 8-bit 4:2:2: the matrix works at 12 bits. Block 32.
 CONVERSION(Convert_12RGB_BE_FULL_To_8YUV422_SD, From12RGBBE::To8YUV422<FullRange601<12>>)
 CONVERSION(Convert_12RGB_BE_FULL_To_8YUV422_HD, From12RGBBE::To8YUV422<FullRange709<12>>)
 
-// To 10-bit 4:2:2: weigh at 12 bits. Block 96.
+// To 10-bit 4:2:2: the matrix works at 12 bits. Block 96.
 CONVERSION(Convert_12RGB_BE_FULL_To_10YUV422_LE_SD, From12RGBBE::To10YUV422<FullRange601<12>>)
 CONVERSION(Convert_12RGB_BE_FULL_To_10YUV422_LE_HD, From12RGBBE::To10YUV422<FullRange709<12>>)
 
-// To 8-bit RGB of other primaries: rounded to codes that the curve's table has. Block 32.
+// To 8-bit RGB of other primaries: rounded to 8-bit codes, for which the curve has a table. Block
+// 32.
 CONVERSION(Convert_12RGB_BE_FULL_2020_To_8BGRA_FULL_709,
            From12RGBBE::From2020To709<PACK_BGRAv8_TO_BGRA>)
 CONVERSION(Convert_12RGB_BE_FULL_2020_To_8RGBA_FULL_709,

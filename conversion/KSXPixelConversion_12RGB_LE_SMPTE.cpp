@@ -11,7 +11,7 @@
 namespace KSX::PixelConversion {
 
 struct From12RGBStudio {
-    /// Limited to video levels. Alpha is white, and stretched with the colour.
+    /// Limited to video levels. Alpha is white, and is stretched with the colour.
     using Unpack = BIND<UNPACK_R12L_TO_BGRAv8_SSSE3_T<R12KComponentOrderRGB, 3760>,
                         BGRAv8_CLAMP_TO_STUDIO<12>>;
 
@@ -26,7 +26,7 @@ struct From12RGBStudio {
 CONVERSION(Convert_12RGB_LE_SMPTE_To_8BGRA_FULL, From12RGBStudio::To8RGB<PACK_BGRAv8_TO_BGRA>)
 CONVERSION(Convert_12RGB_LE_SMPTE_To_8RGBA_FULL, From12RGBStudio::To8RGB<PACK_BGRAv8_TO_RGBA>)
 
-// To 16-bit RGB in full range: stretched at 12 bits, zeros below. Block 32.
+// To 16-bit RGB in full range: stretched at 12 bits, zeros in the low bits. Block 32.
 CONVERSION(Convert_12RGB_LE_SMPTE_To_16ARGB_BE_FULL,
            BIND4<From12RGBStudio::Unpack, BGRAv8_RESCALE<12, false, 12, true, P1>,
                  BGRAv8_BITDEPTH<4, 12>, PACK_BGRAv8_TO_B64A>)

@@ -10,10 +10,10 @@ namespace KSX::PixelConversion {
 
 using From8ARGB = From8BitRGB<UNPACK_ARGB_TO_BGRAv8, UNPACK_ARGB_TO_RGBv4>;
 
-// To 8BGRA_FULL: the bytes of a pixel reversed, alpha and all. Block 4.
+// To 8BGRA_FULL: the bytes of a pixel reversed, alpha too. Block 4.
 CONVERSION(Convert_8ARGB_FULL_To_8BGRA_FULL, ENDIAN_SWAP_PACKED_RGB)
 
-// The same a pixel at a time: what the conversion is, for whoever doubts the vectors.
+// A plain scalar form of the conversion above, one pixel at a time, to compare the vectors with.
 void Convert_8ARGB_FULL_To_8BGRA_FULL_Scalar(unsigned width, unsigned height, void* dst,
                                              unsigned dstRowBytes, void* src, unsigned srcRowBytes)
 {
@@ -32,8 +32,8 @@ void Convert_8ARGB_FULL_To_8BGRA_FULL_Scalar(unsigned width, unsigned height, vo
     }
 }
 
-// To 8-bit RGB in other orders: by way of RGBv4, which has no alpha, so opaque. Block 4, 16 to
-// RGB3.
+// To 8-bit RGB in other orders: through RGBv4, which has no alpha, so the result is opaque. Block
+// 4, 16 to RGB3.
 CONVERSION(Convert_8ARGB_FULL_To_8RGBA_FULL, BIND<UNPACK_ARGB_TO_RGBv4, PACK_RGBv4_TO_RGBA>)
 CONVERSION(Convert_8ARGB_FULL_To_8RGB_FULL,
            BIND3<UNPACK_ARGB_TO_RGBv4, PACK_RGBv4_TO_RGBA, PACK_RGBA_TO_RGB>)
@@ -43,14 +43,14 @@ CONVERSION(Convert_8ARGB_FULL_To_10XRGB_BE_SMPTE, From8ARGB::To10RGBStudio<PACK_
 CONVERSION(Convert_8ARGB_FULL_To_10RGBX_LE_SMPTE, From8ARGB::To10RGBStudio<PACK_RGBv4_TO_R10KLE>)
 CONVERSION(Convert_8ARGB_FULL_To_10RGBX_BE_SMPTE, From8ARGB::To10RGBStudio<PACK_RGBv4_TO_R10KBE>)
 
-// To 10-bit RGB in full range: zeros below. Block 4.
+// To 10-bit RGB in full range: zeros in the low bits. Block 4.
 CONVERSION(Convert_8ARGB_FULL_To_10XRGB_BE_FULL, From8ARGB::To10RGBFull<PACK_RGBv4_TO_R210>)
 CONVERSION(Convert_8ARGB_FULL_To_10RGBX_LE_FULL, From8ARGB::To10RGBFull<PACK_RGBv4_TO_R10KLE>)
 CONVERSION(Convert_8ARGB_FULL_To_10RGBX_BE_FULL, From8ARGB::To10RGBFull<PACK_RGBv4_TO_R10KBE>)
 CONVERSION(Convert_8ARGB_FULL_To_10RGBA_BE_FULL,
            BIND<From8ARGB::To10RGBFull<PACK_RGBv4_TO_R10KBE>, PAD_R10KBE_WITH_1>)
 
-// To 8-bit 4:2:2: weigh, filter the chroma, pack. Block 8.
+// To 8-bit 4:2:2: filter the chroma, apply the matrix, pack. Block 8.
 CONVERSION(Convert_8ARGB_FULL_To_8YUV422_SD, From8ARGB::To8YUV422<ComputerRange601>)
 CONVERSION(Convert_8ARGB_FULL_To_8YUV422_HD, From8ARGB::To8YUV422<ComputerRange709>)
 

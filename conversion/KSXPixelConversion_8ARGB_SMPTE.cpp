@@ -11,7 +11,7 @@ using From8ARGBStudio = From8BitStudioRGB<UNPACK_ARGB_TO_BGRAv8>;
 CONVERSION(Convert_8ARGB_SMPTE_To_8BGRA_FULL, From8ARGBStudio::To8RGB<PACK_BGRAv8_TO_BGRA>)
 CONVERSION(Convert_8ARGB_SMPTE_To_8RGBA_FULL, From8ARGBStudio::To8RGB<PACK_BGRAv8_TO_RGBA>)
 
-// The same of other primaries. Block 4.
+// To 8-bit RGB in full range of other primaries: alpha is kept. Block 4.
 CONVERSION(Convert_8ARGB_SMPTE_601_To_8BGRA_FULL_709,
            From8ARGBStudio::From601To709<PACK_BGRAv8_TO_BGRA>)
 CONVERSION(Convert_8ARGB_SMPTE_2020_To_8BGRA_FULL_709,

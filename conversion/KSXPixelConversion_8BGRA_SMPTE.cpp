@@ -11,7 +11,7 @@ using From8BGRAStudio = From8BitStudioRGB<UNPACK_BGRA_TO_BGRAv8>;
 CONVERSION(Convert_8BGRA_SMPTE_To_8BGRA_FULL, From8BGRAStudio::To8RGB<PACK_BGRAv8_TO_BGRA>)
 CONVERSION(Convert_8BGRA_SMPTE_To_8RGBA_FULL, From8BGRAStudio::To8RGB<PACK_BGRAv8_TO_RGBA>)
 
-// The same of other primaries. Block 4.
+// To 8-bit RGB in full range of other primaries: alpha is kept. Block 4.
 CONVERSION(Convert_8BGRA_SMPTE_601_To_8BGRA_FULL_709,
            From8BGRAStudio::From601To709<PACK_BGRAv8_TO_BGRA>)
 CONVERSION(Convert_8BGRA_SMPTE_2020_To_8BGRA_FULL_709,
@@ -21,7 +21,7 @@ CONVERSION(Convert_8BGRA_SMPTE_601_To_8RGBA_FULL_709,
 CONVERSION(Convert_8BGRA_SMPTE_2020_To_8RGBA_FULL_709,
            From8BGRAStudio::ToPrimaries<RGB_2020_TO_709, PACK_BGRAv8_TO_RGBA>)
 
-// To studio range of other primaries: by way of full range. Block 4.
+// To studio range of other primaries: through full range. Block 4.
 CONVERSION(
     Convert_8BGRA_SMPTE_709_To_8BGRA_SMPTE_2020,
     From8BGRAStudio::ToPrimaries<

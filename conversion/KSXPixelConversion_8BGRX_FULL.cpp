@@ -1,5 +1,5 @@
-/// From 8BGRX_FULL (BGRX): 8-bit BGR with an ignored fourth byte, full range. Bytes B G R -. Reads
-/// as opaque.
+/// From 8BGRX_FULL (BGRX): 8-bit BGR with an ignored fourth byte, full range. Bytes B G R -. Pixels
+/// read as opaque.
 #include "conversion/chains/From8BitRGB.h"
 #include "conversion/pipeline/Convert.h"
 #include "conversion/stages/RGB8.h"

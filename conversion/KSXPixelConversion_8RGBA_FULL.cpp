@@ -8,7 +8,7 @@ namespace KSX::PixelConversion {
 
 using From8RGBA = From8BitRGB<UNPACK_RGBA_TO_BGRAv8, UNPACK_RGBA_TO_RGBv4>;
 
-// To 8-bit RGB: by way of RGBv4, which has no alpha, so opaque. Block 4, 16 to RGB3.
+// To 8-bit RGB: through RGBv4, which has no alpha, so the result is opaque. Block 4, 16 to RGB3.
 CONVERSION(Convert_8RGBA_FULL_To_8ARGB_FULL, BIND<UNPACK_RGBA_TO_RGBv4, PACK_RGBv4_TO_ARGB>)
 CONVERSION(Convert_8RGBA_FULL_To_8BGRA_FULL, BIND<UNPACK_RGBA_TO_RGBv4, PACK_RGBv4_TO_BGRA>)
 CONVERSION(Convert_8RGBA_FULL_To_8RGB_FULL,
@@ -19,14 +19,14 @@ CONVERSION(Convert_8RGBA_FULL_To_10XRGB_BE_SMPTE, From8RGBA::To10RGBStudio<PACK_
 CONVERSION(Convert_8RGBA_FULL_To_10RGBX_LE_SMPTE, From8RGBA::To10RGBStudio<PACK_RGBv4_TO_R10KLE>)
 CONVERSION(Convert_8RGBA_FULL_To_10RGBX_BE_SMPTE, From8RGBA::To10RGBStudio<PACK_RGBv4_TO_R10KBE>)
 
-// To 10-bit RGB in full range: zeros below. Block 4.
+// To 10-bit RGB in full range: zeros in the low bits. Block 4.
 CONVERSION(Convert_8RGBA_FULL_To_10XRGB_BE_FULL, From8RGBA::To10RGBFull<PACK_RGBv4_TO_R210>)
 CONVERSION(Convert_8RGBA_FULL_To_10RGBX_LE_FULL, From8RGBA::To10RGBFull<PACK_RGBv4_TO_R10KLE>)
 CONVERSION(Convert_8RGBA_FULL_To_10RGBX_BE_FULL, From8RGBA::To10RGBFull<PACK_RGBv4_TO_R10KBE>)
 CONVERSION(Convert_8RGBA_FULL_To_10RGBA_BE_FULL,
            BIND<From8RGBA::To10RGBFull<PACK_RGBv4_TO_R10KBE>, PAD_R10KBE_WITH_1>)
 
-// To 8-bit 4:2:2: weigh, filter the chroma, pack. Block 8.
+// To 8-bit 4:2:2: filter the chroma, apply the matrix, pack. Block 8.
 CONVERSION(Convert_8RGBA_FULL_To_8YUV422_SD, From8RGBA::To8YUV422<ComputerRange601>)
 CONVERSION(Convert_8RGBA_FULL_To_8YUV422_HD, From8RGBA::To8YUV422<ComputerRange709>)
 

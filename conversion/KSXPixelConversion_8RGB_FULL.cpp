@@ -21,14 +21,14 @@ CONVERSION(Convert_8RGB_FULL_To_10XRGB_BE_SMPTE, From8RGB::To10RGBStudio<PACK_RG
 CONVERSION(Convert_8RGB_FULL_To_10RGBX_LE_SMPTE, From8RGB::To10RGBStudio<PACK_RGBv4_TO_R10KLE>)
 CONVERSION(Convert_8RGB_FULL_To_10RGBX_BE_SMPTE, From8RGB::To10RGBStudio<PACK_RGBv4_TO_R10KBE>)
 
-// To 10-bit RGB in full range: zeros below. Block 16.
+// To 10-bit RGB in full range: zeros in the low bits. Block 16.
 CONVERSION(Convert_8RGB_FULL_To_10XRGB_BE_FULL, From8RGB::To10RGBFull<PACK_RGBv4_TO_R210>)
 CONVERSION(Convert_8RGB_FULL_To_10RGBX_LE_FULL, From8RGB::To10RGBFull<PACK_RGBv4_TO_R10KLE>)
 CONVERSION(Convert_8RGB_FULL_To_10RGBX_BE_FULL, From8RGB::To10RGBFull<PACK_RGBv4_TO_R10KBE>)
 CONVERSION(Convert_8RGB_FULL_To_10RGBA_BE_FULL,
            BIND<From8RGB::To10RGBFull<PACK_RGBv4_TO_R10KBE>, PAD_R10KBE_WITH_1>)
 
-// To 8-bit 4:2:2: weigh, filter the chroma, pack. Block 16.
+// To 8-bit 4:2:2: filter the chroma, apply the matrix, pack. Block 16.
 CONVERSION(Convert_8RGB_FULL_To_8YUV422_SD, From8RGB::To8YUV422<ComputerRange601>)
 CONVERSION(Convert_8RGB_FULL_To_8YUV422_HD, From8RGB::To8YUV422<ComputerRange709>)
 

@@ -1,7 +1,7 @@
 /// From 8YUV422 (2vuy): 8-bit 4:2:2, studio range. Bytes Cb Y Cr Y.
 ///
-/// Where chroma is rebuilt, that of the pair behind a whole block is read from up to 14 bytes
-/// behind the row.
+/// If chroma is rebuilt, that of the pair after a whole block is read, from up to 14 bytes after
+/// the row.
 #include "conversion/chains/From422.h"
 #include "conversion/colour/BitDepth.h"
 #include "conversion/pipeline/Convert.h"
@@ -21,16 +21,16 @@ struct From8YUV422 : From422<UNPACK_UYVY_TO_UYVY444v8_T<kVectors>, 8> {
 // To the other byte order of 4:2:2. Block 8.
 CONVERSION(Convert_8YUV422_To_8YUY422, BIND<UNPACK_UYVY_TO_UYVYv8, PACK_UYVYv8_TO_YUY2>)
 
-// To 10-bit 4:2:2: zeros below. Block 24.
+// To 10-bit 4:2:2: zeros in the low bits. Block 24.
 CONVERSION(Convert_8YUV422_To_10YUV422_LE,
            BIND3<UNPACK_UYVY_TO_UYVYv8, UYVYv8_BITDEPTH<2, 16>, PACK_UYVYv8_TO_V210>)
 
-// To 10-bit 4:2:2 with a key: zeros below, opaque. Block 8. Where alpha has video levels its 1023
-// lies above white, and reads as opaque all the same.
+// To 10-bit 4:2:2 with a key: zeros in the low bits, opaque. Block 8. If alpha has video levels,
+// 1023 is above white and still reads as opaque.
 CONVERSION(Convert_8YUV422_TO_10YUVA422_BE, From8YUV422::To10YUVA422)
 CONVERSION(Convert_8YUV422_TO_10YUVA422_BE_FullA, From8YUV422::To10YUVA422)
 
-// To 8-bit RGB: rebuild chroma, multiply, stretch to full range. Block 8, 16 to RGB3.
+// To 8-bit RGB: rebuild chroma, apply the matrix, stretch to full range. Block 8, 16 to RGB3.
 CONVERSION(Convert_8YUV422_SD_To_8ARGB_FULL,
            From8YUV422::To8RGB<StudioRange601, PACK_RGBv4_TO_ARGB>)
 CONVERSION(Convert_8YUV422_HD_To_8ARGB_FULL,
@@ -50,7 +50,7 @@ CONVERSION(Convert_8YUV422_SD_To_8RGB_FULL,
 CONVERSION(Convert_8YUV422_HD_To_8RGB_FULL,
            BIND<From8YUV422::To8RGB<StudioRange709, PACK_RGBv4_TO_RGBA>, PACK_RGBA_TO_RGB>)
 
-// To 10-bit RGB in studio range: the matrix gives the two bits more. Block 8.
+// To 10-bit RGB in studio range: the matrix gives two more bits. Block 8.
 CONVERSION(Convert_8YUV422_SD_To_10XRGB_BE_SMPTE,
            From8YUV422::To10RGBStudio<StudioRange601, PACK_RGBv4_TO_R210>)
 CONVERSION(Convert_8YUV422_HD_To_10XRGB_BE_SMPTE,
@@ -70,7 +70,7 @@ CONVERSION(Convert_8YUV422_HD_To_10RGBX_BE_SMPTE,
 CONVERSION(Convert_8YUV422_2020_To_10RGBX_BE_SMPTE,
            From8YUV422::To10RGBStudio<StudioRange2020, PACK_RGBv4_TO_R10KBE>)
 
-// To 10-bit RGB in full range: multiply at 8 bits, stretch. Block 8.
+// To 10-bit RGB in full range: apply the matrix at 8 bits, stretch. Block 8.
 CONVERSION(Convert_8YUV422_SD_To_10XRGB_BE_FULL,
            From8YUV422::To10RGBFull<StudioRange601, PACK_RGBv4_TO_R210>)
 CONVERSION(Convert_8YUV422_HD_To_10XRGB_BE_FULL,
@@ -98,7 +98,7 @@ CONVERSION(Convert_8YUV422_2020_To_8BGRA_FULL_709, From8YUV422::From2020To709<PA
 CONVERSION(Convert_8YUV422_601_To_8RGBA_FULL_709, From8YUV422::From601To709<PACK_RGBv4_TO_RGBA>)
 CONVERSION(Convert_8YUV422_2020_To_8RGBA_FULL_709, From8YUV422::From2020To709<PACK_RGBv4_TO_RGBA>)
 
-// To 4:2:2 of other primaries: by way of 8-bit RGB in full range. Block 8.
+// To 4:2:2 of other primaries: through 8-bit RGB in full range. Block 8.
 CONVERSION(Convert_8YUV422_HD_To_8YUY422_SD,
            By601Lines<From8YUV422::From709To601In422<RGB_709_TO_601PAL, PACK_UYVYv8_TO_YUY2>,
                       From8YUV422::From709To601In422<RGB_709_TO_601NTSC, PACK_UYVYv8_TO_YUY2>>)

@@ -1,4 +1,4 @@
-/// The names of formats and colourspaces, and how many bytes a row of each format takes.
+/// The pixel formats in memory: their names, and how many bytes a row takes; the names of colourspaces.
 #pragma once
 
 #include "conversion/KSXPixelConversion.h"
@@ -57,7 +57,7 @@ inline constexpr PixelFormatInfo kPixelFormats[] = {
 };
 // clang-format on
 
-/// The row of `code` in the list, or null where there is no such format.
+/// The row of `code` in the list, or null if there is no such format.
 constexpr const PixelFormatInfo* findPixelFormat(std::uint32_t code)
 {
     for (const PixelFormatInfo& info : kPixelFormats)
@@ -96,8 +96,8 @@ constexpr const char* colorspaceName(Colorspace colorspace)
     }
 }
 
-/// Bytes that a row of `width` pixels occupies when written: whole groups. Of a row of 8-bit 4:2:2
-/// with an odd width only the 2 `width` bytes of its pixels are read.
+/// Bytes that a row of `width` pixels occupies when written: whole groups. If a row of 8-bit 4:2:2
+/// has an odd width, only the 2 `width` bytes of its pixels are read.
 constexpr std::size_t rowBytes(const PixelFormatInfo& format, std::size_t width)
 {
     return (width + format.groupPixels - 1) / format.groupPixels * format.groupBytes;

@@ -12,10 +12,10 @@
 
 namespace KSX::PixelConversion {
 
-/// What both ranges have alike.
+/// Chains that both ranges share.
 template<class UNPACK>
 struct From10BitRGB {
-    /// To 8-bit 4:2:2: weigh at 10 bits.
+    /// To 8-bit 4:2:2: the matrix works at 10 bits.
     template<class RANGE>
     using To8YUV422 =
         BIND4<UNPACK, RGBv4_TO_BGRAv8, BGRAv8_TO_UYVYv8<RANGE, 10, 8, P1, C0>, PACK_UYVYv8_TO_UYVY>;
@@ -35,7 +35,7 @@ struct From10BitFullRGB : From10BitRGB<UNPACK> {
     template<class PACK>
     using To10RGBStudio = BIND3<UNPACK, RGBv4_COMPUTER_TO_STUDIO<10, P0>, PACK>;
 
-    /// To 8-bit RGB of other primaries: rounded to codes that the curve's table has.
+    /// To 8-bit RGB of other primaries: rounded to 8-bit codes, for which the curve has a table.
     template<class PACK>
     using From2020To709 =
         BIND4<UNPACK, RGBv4_BITDEPTH<-2, 10>, PrimariesInRGBv4<RGB_2020_TO_709>, PACK>;
@@ -50,7 +50,7 @@ struct From10BitStudioRGB : From10BitRGB<UNPACK> {
     template<class PACK>
     using To10RGBFull = BIND3<UNPACK, RGBv4_STUDIO_TO_COMPUTER<10, P0>, PACK>;
 
-    /// To 8-bit RGB by way of 10 bits in full range, which cuts before it rounds.
+    /// To 8-bit RGB through 10 bits in full range, which truncates before it rounds.
     template<class PACK>
     using To8RGBBy10BitFull = To10RGBFull<BIND<RGBv4_BITDEPTH<-2, 16>, PACK>>;
 

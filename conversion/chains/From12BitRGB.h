@@ -17,18 +17,18 @@ struct From12BitRGB {
     template<class PACK>
     using To8RGB = BIND3<UNPACK, BGRAv8_BITDEPTH<-4, 16>, PACK>;
 
-    /// To 16-bit RGB: zeros below.
+    /// To 16-bit RGB: zeros in the low bits.
     using To16RGB = BIND3<UNPACK, BGRAv8_BITDEPTH<4, 16>, UNPACK_L64A_TO_BGRAv8>;
 
-    /// To 8-bit 4:2:2: weigh at 12 bits.
+    /// To 8-bit 4:2:2: the matrix works at 12 bits.
     template<class RANGE>
     using To8YUV422 = BIND3<UNPACK, BGRAv8_TO_UYVYv8<RANGE, 12, 8, P1, C0>, PACK_UYVYv8_TO_UYVY>;
 
-    /// To 10-bit 4:2:2: weigh at 12 bits.
+    /// To 10-bit 4:2:2: the matrix works at 12 bits.
     template<class RANGE>
     using To10YUV422 = BIND3<UNPACK, BGRAv8_TO_UYVYv8<RANGE, 12, 10, P1, C0>, PACK_UYVYv8_TO_V210>;
 
-    /// To 8-bit RGB of other primaries: rounded to codes that the curve's table has.
+    /// To 8-bit RGB of other primaries: rounded to 8-bit codes, for which the curve has a table.
     template<class PACK>
     using From2020To709 =
         BIND4<UNPACK, BGRAv8_BITDEPTH<-4, 12>, PrimariesInBGRAv8<RGB_2020_TO_709>, PACK>;

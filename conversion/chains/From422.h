@@ -13,16 +13,16 @@ namespace KSX::PixelConversion {
 /// `UNPACK` rebuilds the chroma and gives `UYVY444v8` of `BITS` bits.
 template<class UNPACK, int BITS>
 struct From422 {
-    /// To 8-bit RGB: multiply, stretch to full range.
+    /// To 8-bit RGB: apply the matrix, stretch to full range.
     template<class RANGE, class PACK>
     using To8RGB = BIND4<UNPACK, UYVY444v8_TO_RGBv4<RANGE, BITS, BITS, P1>,
                          RGBv4_RESCALE<BITS, false, 8, true, P1>, PACK>;
 
-    /// To 10-bit RGB in studio range: from 8 bits the matrix gives the two bits more.
+    /// To 10-bit RGB in studio range: from 8 bits, the matrix gives two more bits.
     template<class RANGE, class PACK>
     using To10RGBStudio = BIND3<UNPACK, UYVY444v8_TO_RGBv4<RANGE, BITS, 10, P1>, PACK>;
 
-    /// To 10-bit RGB in full range: multiply at the source's depth, stretch.
+    /// To 10-bit RGB in full range: apply the matrix at the source's depth, stretch.
     template<class RANGE, class PACK>
     using To10RGBFull = BIND4<UNPACK, UYVY444v8_TO_RGBv4<RANGE, BITS, BITS, P1>,
                               RGBv4_RESCALE<BITS, false, 10, true, P1>, PACK>;
@@ -36,8 +36,8 @@ struct From422 {
     template<class PACK>
     using From2020To709 = ToPrimaries<StudioRange2020, RGB_2020_TO_709, PACK>;
 
-    /// To 4:2:2 of other primaries and the same depth, by way of 8-bit RGB in full range, which the
-    /// matrix takes back to the depth.
+    /// To 4:2:2 of other primaries and the same depth, through 8-bit RGB in full range. The second
+    /// matrix goes from there to the depth.
     template<class FROM, class MATRIX, class TO, class PACK>
     using To422 = ToPrimaries<FROM, MATRIX,
                               BIND3<RGBv4_TO_BGRAv8, BGRAv8_TO_UYVYv8<TO, 8, BITS, P1, C0>, PACK>>;
@@ -47,8 +47,8 @@ struct From422 {
     using From709To601In422 = To422<StudioRange709, MATRIX, FullRange601<BITS>, PACK>;
 };
 
-/// From 10-bit 4:2:2 with a key: alpha is kept. The fast precision is that of alpha at video
-/// levels.
+/// From 10-bit 4:2:2 with a key: alpha is kept. If alpha has video levels, results are truncated
+/// (`P0`), else rounded.
 template<bool FULLA>
 struct From422WithKey {
     template<class RANGE, class PACK>

@@ -18,7 +18,7 @@ struct From8BitRGBv4 {
     template<class PACK>
     using To10RGBStudio = BIND3<UNPACK, RGBv4_RESCALE<8, true, 10, false, P1>, PACK>;
 
-    /// To 10-bit RGB in full range: zeros below.
+    /// To 10-bit RGB in full range: zeros in the low bits.
     template<class PACK>
     using To10RGBFull = BIND3<UNPACK, RGBv4_BITDEPTH<2, 16>, PACK>;
 };
@@ -26,7 +26,7 @@ struct From8BitRGBv4 {
 /// Full range, unpacked to `BGRAv8`.
 template<class UNPACK>
 struct From8BitBGRAv8 {
-    /// To 8-bit 4:2:2: weigh, filter the chroma, pack.
+    /// To 8-bit 4:2:2: filter the chroma, apply the matrix, pack.
     template<class RANGE>
     using To8YUV422 = BIND3<UNPACK, BGRAv8_TO_UYVYv8<RANGE, 8, 8, P1, C0>, PACK_UYVYv8_TO_UYVY>;
 
@@ -52,12 +52,12 @@ struct From8BitBGRAv8 {
         By601Lines<ToPrimaries<RGB_601PAL_TO_709, PACK>, ToPrimaries<RGB_601NTSC_TO_709, PACK>>;
 };
 
-/// Full range. The arguments unpack to `BGRAv8` and to `RGBv4`.
+/// Full range. The first argument unpacks to `BGRAv8`, the second to `RGBv4`.
 template<class TO_BGRAv8, class TO_RGBv4>
 struct From8BitRGB : From8BitBGRAv8<TO_BGRAv8>, From8BitRGBv4<TO_RGBv4> {
 };
 
-/// Studio range, which becomes full range first. Alpha is kept.
+/// Studio range, converted to full range first. Alpha is kept.
 template<class UNPACK>
 struct From8BitStudioRGB {
     template<class PACK>

@@ -1,4 +1,4 @@
-/// Changes of primaries, as all chains have them.
+/// Changes of primaries that chains share.
 #pragma once
 
 #include "conversion/colour/ColourspaceConversion.h"
@@ -11,7 +11,7 @@ namespace KSX::PixelConversion {
 template<class MATRIX>
 using PrimariesInRGBv4 = COLOURSPACE_CONV_RGBv4<Rec709OETF<8, V0>, MATRIX, Rec709OETF<8, V0>>;
 
-/// At 8 bits in `BGRAv8`, with alpha: sums are in another order.
+/// At 8 bits in `BGRAv8`, with alpha. The sums are in another order than in `RGBv4`.
 template<class MATRIX>
 using PrimariesInBGRAv8 = COLOURSPACE_CONV_BGRAv8<Rec709OETF<8, V1>, MATRIX, Rec709OETF<8, V1>>;
 

@@ -1,12 +1,13 @@
 /// Stages that change the depth of code values without a change of range.
 ///
-/// Upwards a shift, zeros below: 8-bit 255 becomes 1020 at 10 bits, not 1023. Downwards, by n bits,
-/// rounding half up to at most C = ((1 << WIDTH) - 1) >> n:
+/// To a larger depth, codes are shifted and the new low bits are 0: 8-bit 255 becomes 1020 at 10
+/// bits, not 1023. To a smaller depth, by n bits, codes are rounded half up and limited to C:
 ///
+///     C = ((1 << WIDTH) - 1) >> n
 ///     y = min((x >> n) + ((x >> (n - 1)) & 1), C)        WIDTH 16, lanes of 16 bits
 ///     y = min((x + (1 << (n - 1))) >> n, C)              otherwise
 ///
-/// Both round alike; the first has no sum that can leave the lane.
+/// Both formulas round in the same way. In the first, no sum can leave the lane.
 #pragma once
 
 #include "conversion/colour/Flags.h"
@@ -30,7 +31,7 @@ protected:
         if constexpr (SHIFT > 0) {
             return VECTOR == V0 ? shiftLeft32(x, SHIFT) : shiftLeft16(x, SHIFT);
         } else if constexpr (VECTOR == V0) {
-            // At most 16384, so a signed minimum of 16 bits will do.
+            // The sum is at most 16384, so a signed minimum of 16 bits is enough.
             const Vector rounded = shiftRightU32(add32(x, v4i(1 << (n - 1))), n);
             return min16(rounded, v4i(kCap));
         } else if constexpr (WIDTH == 16) {
@@ -45,22 +46,22 @@ protected:
 
 } // namespace details
 
-/// `RGBv4`, 4 pixels a step. Plain.
+/// Changes the depth of `RGBv4`. 4 pixels a step. Plain.
 template<int SHIFT, int WIDTH>
 class RGBv4_BITDEPTH : public EachVector<RGBv4, 4, details::BitDepth<SHIFT, WIDTH, V0>> {
 };
 
-/// `RGBv8`, 8 pixels a step. Plain.
+/// Changes the depth of `RGBv8`. 8 pixels a step. Plain.
 template<int SHIFT, int WIDTH>
 class RGBv8_BITDEPTH : public EachVector<RGBv8, 8, details::BitDepth<SHIFT, WIDTH, V1>> {
 };
 
-/// All lanes of `BGRAv8`, alpha too; 2 pixels a step. Plain.
+/// Changes the depth of all lanes of `BGRAv8`, alpha too. 2 pixels a step. Plain.
 template<int SHIFT, int WIDTH>
 class BGRAv8_BITDEPTH : public EachVector<BGRAv8, 2, details::BitDepth<SHIFT, WIDTH, V1>> {
 };
 
-/// `UYVYv8`, 8 pixels a step. Plain.
+/// Changes the depth of `UYVYv8`. 8 pixels a step. Plain.
 template<int SHIFT, int WIDTH>
 class UYVYv8_BITDEPTH : public EachVector<UYVYv8, 8, details::BitDepth<SHIFT, WIDTH, V1>> {
 };

@@ -1,8 +1,8 @@
-/// 4:2:2 to 4:4:4: where chroma of odd pixels comes from.
+/// 4:2:2 to 4:4:4: how the chroma of odd pixels is rebuilt.
 ///
 ///     C(2k) = stored pair k         C(2k + 1) = (C(2k) + C(2k + 2) + 1) >> 1
 ///
-/// Pairs are sited on the even pixels (ITU-R BT.709-6, 3.4). There are no more taps than these two.
+/// Pairs are sited on the even pixels (ITU-R BT.709-6, 3.4). The filter has only these two taps.
 #pragma once
 
 #include "conversion/pipeline/Kernel.h"
@@ -10,7 +10,7 @@
 
 namespace KSX::PixelConversion {
 
-/// Spreads 4 pixels of `UYVYv8`. `next` begins with the chroma pair behind them.
+/// Rebuilds the chroma of 4 pixels of `UYVYv8`. `next` begins with the chroma pair after them.
 KSX_INLINE Pixels<UYVY444v8, 4> rebuildChroma(Vector x, Vector next)
 {
     const Vector mean = averageU16(x, combineShiftRightBytes<8>(next, x));
@@ -18,7 +18,7 @@ KSX_INLINE Pixels<UYVY444v8, 4> rebuildChroma(Vector x, Vector next)
     return {{interleaveLow64(x, odd), interleaveHigh64(x, odd)}};
 }
 
-/// What `next` is at the end of a row: the last pair of `x` counts as its own successor.
+/// The value of `next` at the end of a row: the last pair of `x` counts as its own successor.
 KSX_INLINE Vector repeatLastPair(Vector x)
 {
     return shiftRightBytes<8>(x);

@@ -12,8 +12,8 @@
 
 namespace KSX::PixelConversion {
 
-/// Whether linear light is limited to 0 and 1 behind a matrix. Into a narrower gamut colours can
-/// leave that range by far.
+/// Whether linear light is limited to 0 to 1 after a matrix. In a conversion to a narrower gamut,
+/// colours can be far outside that range.
 template<class MATRIX>
 inline constexpr bool kLimitsLight = false;
 template<>
@@ -29,7 +29,7 @@ inline constexpr bool kLimitsLight<RGB_709_TO_601NTSC> = true;
 
 namespace details {
 
-/// Light behind a matrix, on its way to `CURVE`.
+/// Limits the light that a matrix gives, unless `CURVE` does it.
 template<class MATRIX, class CURVE>
 KSX_INLINE FloatVector limitLight(FloatVector light)
 {
@@ -39,7 +39,7 @@ KSX_INLINE FloatVector limitLight(FloatVector light)
         return light;
 }
 
-/// Output component `ROW` of four pixels. Of the input, vectors of components lie `STRIDE` apart.
+/// Output component `ROW` of four pixels. The vectors of the input's components are `STRIDE` apart.
 /// Products are added in the order of components `A`, `B` and `C`.
 template<class MATRIX, class CURVE, int ROW, int A, int B, int C, std::size_t STRIDE>
 KSX_INLINE FloatVector component(const FloatVector* rgb)
@@ -50,8 +50,8 @@ KSX_INLINE FloatVector component(const FloatVector* rgb)
             mul(rgb[C * STRIDE], v4f(row[C]))));
 }
 
-/// Converts `N` vectors, R of all pixels, then G, then B. They go side by side, for a table's
-/// entry takes long to come, and there is more to do meanwhile.
+/// Converts `N` vectors, R of all pixels, then G, then B. All are converted side by side: a look-up
+/// in a table takes long, and the processor can work on the others meanwhile.
 template<class IN, class MATRIX, class OUT, int A, int B, int C, std::size_t N>
 KSX_INLINE Codes<N> convertPlanes(const Codes<N>& rgb)
 {
@@ -72,7 +72,7 @@ KSX_INLINE Codes<N> convertPlanes(const Codes<N>& rgb)
 template<class IN, class MATRIX, class OUT>
 class COLOURSPACE_CONV_BGRAv8 : public Kernel<2, 2> {
 public:
-    /// The curve of 8 bits limits its codes, that of 10 bits does not.
+    /// The curve of 8 bits limits its codes; the curve of 10 bits does not.
     static constexpr Range kRange = OUT::kLimitsLight ? Range::Given : Range::Any;
     using Input = BGRAv8;
     using Output = BGRAv8;

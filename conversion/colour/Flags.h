@@ -1,15 +1,15 @@
-/// Template arguments that the names of stages carry.
+/// Enumerations for the template parameters of stages.
 #pragma once
 
 namespace KSX::PixelConversion {
 
 /// How a fixed-point result becomes an integer.
 enum PrecisionFlag {
-    P0 = 0, ///< cut towards minus infinity
+    P0 = 0, ///< truncated towards minus infinity
     P1 = 1, ///< rounded, half up
 };
 
-/// Where 4:2:2 chroma is sited. There is one place: on the even pixel (ITU-R BT.709-6, 3.4).
+/// Where 4:2:2 chroma is sited. There is only one place: on the even pixel (ITU-R BT.709-6, 3.4).
 enum PixelCenterFlag { C0 = 0 };
 
 /// The lanes of a stage that exists in two arrangements.
@@ -18,7 +18,7 @@ enum VectorTypeFlag {
     V1 = 1, ///< of 16 bits, as in `BGRAv8`, `RGBv8` and `UYVYv8`
 };
 
-/// The form of a stage. There is one: vectors.
+/// The form of a stage. There is only one: vectors.
 enum SseFlag { kVectors = 1 };
 
 } // namespace KSX::PixelConversion

@@ -1,10 +1,10 @@
 /// Matrices between linear RGB of different primaries, nine floats in row-major order: rows are the
 /// output's R, G, B, columns the input's.
 ///
-/// Each is a type with a static `get()`. They rest on the RGB to XYZ matrix of each colourspace,
-/// which follows from its primaries and white (SMPTE RP 177). All are evaluated by the compiler;
-/// which steps are in single and which in double precision decides the last bits, and with them
-/// pixels.
+/// Each is a type with a static `get()`. They are computed from the RGB to XYZ matrix of each
+/// colourspace, which follows from its primaries and white point (SMPTE RP 177). The compiler
+/// evaluates all of them. The precision of each step, single or double, decides the last bits and
+/// so the values of pixels.
 #pragma once
 
 #include "conversion/colour/Primaries.h"
@@ -50,8 +50,8 @@ constexpr Matrix<float> single(const Matrix<double>& m)
     return result;
 }
 
-/// The inverse by cofactors, in single precision; the determinant along row 0, and one reciprocal
-/// of it for all nine.
+/// The inverse by cofactors, in single precision. The determinant is expanded along row 0, and one
+/// reciprocal of it serves all nine.
 constexpr Matrix<float> inverse(const Matrix<float>& m)
 {
     const auto& a = m.at;
@@ -64,7 +64,7 @@ constexpr Matrix<float> inverse(const Matrix<float>& m)
              c2 * over, (a[1] * a[6] - a[0] * a[7]) * over, (a[0] * a[4] - a[1] * a[3]) * over}};
 }
 
-/// `a` after `b`, summed from left to right in the precision of `SUM`.
+/// The matrix that applies `b` and then `a`. Sums go from left to right, in the precision of `SUM`.
 template<class SUM, class T>
 constexpr Matrix<float> product(const Matrix<float>& a, const Matrix<T>& b)
 {
@@ -105,9 +105,9 @@ inline constexpr Matrix<float> kRGB709To2020 = product<float>(kXYZToRGB2020, kRG
 inline constexpr Matrix<float> kRGB601PALTo2020 = product<float>(kXYZToRGB2020, kRGB601PALToXYZ);
 inline constexpr Matrix<float> kRGB601NTSCTo2020 = product<float>(kXYZToRGB2020, kRGB601NTSCToXYZ);
 
-// Between Rec. 601 and Rec. 709. Constants that must not be re-derived from the matrices above:
-// they were formed with a white of X, Y, Z = 0.95047, 1, 1.08883 on the side of Rec. 601, so their
-// rows do not add up to 1, and pictures of decades have the faint tint that follows.
+// Between Rec. 601 and Rec. 709. These constants must not be computed again from the matrices
+// above. They were made with a white of X, Y, Z = 0.95047, 1, 1.08883 on the side of Rec. 601, so
+// their rows do not add up to 1. Pictures of decades have the faint tint that results.
 // clang-format off
 inline constexpr Matrix<float> kRGB601PALTo709 =
     {{ 1.0442014f,   -0.0440422f,  0.0000002f,
@@ -139,8 +139,8 @@ struct RGB_601PAL_TO_XYZ {
 struct RGB_601NTSC_TO_XYZ {
     static constexpr const float* get() { return details::kRGB601NTSCToXYZ.at; }
 };
-/// Doubles, since two products are formed from them; but rounded to single precision in all but the
-/// first column.
+/// Doubles, because products are computed from them. All columns but the first are rounded to
+/// single precision.
 struct RGB_2020_TO_XYZ {
     static constexpr const double* get() { return details::kRGB2020ToXYZ.at; }
 };

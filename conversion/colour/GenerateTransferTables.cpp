@@ -1,4 +1,5 @@
-/// Writes the tables of the transfer curves as C++, for the build. Takes the name of the file.
+/// Writes the tables of the transfer curves as C++ source, for the build. The argument is the name
+/// of the file.
 #include "conversion/colour/TransferCharacteristicPQ.h"
 
 #include <algorithm>
@@ -41,7 +42,8 @@ int encode8(const std::vector<float>& table, float f)
     return static_cast<int>(std::nearbyint(upper + lower));
 }
 
-/// The first float between `begin` and `end` that has a higher code than `begin`; `end` if none.
+/// The first float between `begin` and `end` that has a higher code than `begin`; `end` if there is
+/// none.
 float findRise(const std::vector<float>& table, float begin, float end)
 {
     const int code = encode8(table, begin);
@@ -67,8 +69,9 @@ double pqToLinear(double signal)
     return std::max(light, 0.0001);
 }
 
-/// The place of `light` between the entries of a table that does not fall and that has it. Its
-/// lowest value, which several entries share, is the place of the first one above them.
+/// The position of `light` in a table that never falls and whose range includes it, with the
+/// fraction between two entries. Several entries share the lowest value; its position is that of
+/// the first entry above them.
 double findIn(const std::vector<double>& table, double light)
 {
     const auto above = std::upper_bound(table.begin(), table.end(), light);

@@ -3,8 +3,8 @@
 
 namespace KSX::PixelConversion {
 
-/// CIE 1931 x, y, z of a primary or white point. z is stored as given by the standard's digits,
-/// which is 1 - x - y in single precision.
+/// CIE 1931 x, y, z of a primary or white point. z is stored with the digits of the standard; in
+/// single precision this is 1 - x - y.
 struct Chromaticity {
     float x;
     float y;
@@ -43,7 +43,7 @@ inline constexpr Chromaticity kPriR2020     {0.708f,  0.292f, 0.0f};
 inline constexpr Chromaticity kPriG2020     {0.17f,   0.797f, 0.033f};
 inline constexpr Chromaticity kPriB2020     {0.131f,  0.046f, 0.823f};
 
-// P3 with the white of D65, for whoever extends the engine. SMPTE EG 432-1.
+// P3 with the white of D65, for extensions of the engine. SMPTE EG 432-1.
 inline constexpr Chromaticity kPriRP3D65    {0.68f,   0.32f,  0.0f};
 inline constexpr Chromaticity kPriGP3D65    {0.265f,  0.69f,  0.045f};
 inline constexpr Chromaticity kPriBP3D65    {0.15f,   0.06f,  0.79f};

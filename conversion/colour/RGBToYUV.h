@@ -1,10 +1,10 @@
-/// RGB to 4:2:2: the matrix of a range family, and the filter that takes every second chroma away.
+/// RGB to 4:2:2: the matrix of a range family, and the filter that halves the chroma.
 ///
-/// Chroma is sited on the even pixels and filtered by 1 2 1 before the matrix, which is linear:
+/// Chroma is sited on the even pixels. RGB is filtered by 1 2 1 before the matrix, which is linear:
 ///
 ///     p0' = avg(p0, avg(p-1, p1))           avg(a, b) = (a + b + 1) >> 1, unsigned
 ///
-/// The neighbours are averaged first, so the result is rounded up twice. Odd pixels have a part in
+/// The neighbours are averaged first, so the result is rounded up twice. Odd pixels contribute to
 /// chroma only through their even neighbours.
 #pragma once
 
@@ -16,25 +16,25 @@
 
 namespace KSX::PixelConversion {
 
-/// Y of 4 pixels, and Cb, Cr of the even ones: lanes of 32 bits with the offsets of video levels
-/// on, not clamped.
+/// Y of 4 pixels, and Cb and Cr of the even ones, in lanes of 32 bits. The offsets of video levels
+/// are added; nothing is clamped.
 struct Y4C4 {
     Vector y;      ///< Y0 Y1 Y2 Y3
     Vector chroma; ///< Cb0 Cr0 Cb2 Cr2
 };
 
 /// The arithmetic that all stages from RGB to YUV share. `A` is the depth of the RGB, `B` that of
-/// the YUV, `RANGE` the family whose matrix it is; it may be of another depth than `A`, for which
-/// the result is not the same.
+/// the YUV. `RANGE` is the family whose matrix is used; its depth can differ from `A`, and the
+/// result then differs too.
 ///
 ///     Y  = ((yR R + yG G + yB B + t) >> s) + (16 << (B - 8))
 ///     Cb = ((bR R + bG G + bB B + t) >> s) + (128 << (B - 8))       Cr likewise
 ///
-/// with coefficients at scale 32768, s = 15 + A - B, and t = 1 << (s - 1) where P is 1, else 0.
-/// Sums are signed 32 bits. `StudioRange` takes black off all lanes of the RGB first, without a
-/// clamp: a pixel below black wraps. The sums read its lanes as signed, so Y goes on as it should;
-/// the filter reads them as unsigned, and beside a normal pixel gives chroma far out of range,
-/// which the pack stage saturates. Its unsigned average has to stay.
+/// with coefficients at scale 32768, s = 15 + A - B, and t = 1 << (s - 1) if P is 1, else 0. Sums
+/// are signed, of 32 bits. For `StudioRange`, black is first subtracted from all lanes of the RGB
+/// without a clamp, so a pixel below black wraps. The sums read the lanes as signed, so its Y is
+/// right. The filter reads them as unsigned: next to a normal pixel it gives chroma far out of
+/// range, which the pack saturates. The average has to stay unsigned.
 template<class RANGE, int A, int B, PrecisionFlag P, PixelCenterFlag C>
 class BGRAv8_TO_Y4C4 : public Kernel<4, 4> {
     static_assert(C == C0);
@@ -70,7 +70,7 @@ private:
             return in;
     }
 
-    /// `left` holds the left neighbours of p0 and p2: the last pixel of the group before, and p1.
+    /// `left` holds the left neighbours of p0 and p2: the last pixel of the previous group, and p1.
     KSX_INLINE Y4C4 convert(const Pixels<Input, 4>& rgb, Vector left)
     {
         const Vector evenPixels = interleaveLow64(rgb[0], rgb[1]);
@@ -89,28 +89,29 @@ private:
         return {scaled(y, kYOffset), scaled(chroma, kChromaOffset)};
     }
 
-    /// The offset goes in before the shift, with what rounds: no sum reaches 2^31.
+    /// The offset is added before the shift, together with the rounding term: no sum reaches 2^31.
     KSX_INLINE static Vector scaled(Vector sum, int offset)
     {
         const Vector added = v4i(static_cast<std::uint32_t>((offset << kShift) + kRounding));
         return shiftRight32(add32(sum, added), kShift);
     }
 
-    /// A row of the matrix beneath the lanes B, G, R, A of two pixels; alpha weighs nothing.
+    /// A row of the matrix in the order of the lanes B, G, R, A of two pixels. Alpha has a weight
+    /// of 0.
     static constexpr Vector coefficients(int row)
     {
         const FixedRow c = fixedRGB2YUVRow(RANGE::RGB2YUVMatrix(), row);
         return v8i(c.at[2], c.at[1], c.at[0], 0, c.at[2], c.at[1], c.at[0], 0);
     }
 
-    /// p1 and p3 of the group before.
+    /// p1 and p3 of the previous group.
     Vector m_oddPixels = v0;
 };
 
 /// Converts BGRAv8 to UYVYv8. 4 pixels a step: 2 vectors in, 1 out. Looks back.
 ///
-/// Y goes into the upper half of a 32-bit lane and chroma is ORed over the whole of it, unclamped:
-/// a negative chroma turns its Y to all ones as well, which a pack to 8 bits writes as 0.
+/// Y goes to the upper half of a 32-bit lane, and chroma is ORed to the whole lane without a clamp.
+/// So a negative chroma also sets all bits of its Y, which a pack to 8 bits writes as 0.
 template<class RANGE, int A, int B, PrecisionFlag P, PixelCenterFlag C>
 class BGRAv8_TO_UYVYv8 : public BGRAv8_TO_Y4C4<RANGE, A, B, P, C> {
 public:
@@ -143,7 +144,7 @@ KSX_INLINE Pixels<UYVYAv8, 4> joinYUVA(const Y4C4& yuv, Vector alpha)
     return {{bitOr(shiftLeft32(y, 16), chroma), clampLanes(alpha, 0, 1023)}};
 }
 
-/// The alpha lanes of `BGRAv8`, a pixel a lane of 32 bits with its sign.
+/// The alpha of `BGRAv8`, one pixel per lane of 32 bits, with its sign.
 KSX_INLINE Vector alphaOf(const Pixels<BGRAv8, 4>& in)
 {
     const Vector ra = interleaveHigh32(shuffle32<0, 2, 1, 3>(in[0]), shuffle32<0, 2, 1, 3>(in[1]));
@@ -158,7 +159,7 @@ KSX_INLINE Vector alphaOf(const Pixels<BGRAv8, 4>& in)
 ///
 ///     a = min((((A << 2) 56119) >> 16) + 64, 1023)
 ///
-/// The product is cut, so opaque comes out as 937 and not 940.
+/// The product is truncated, so opaque becomes 937 and not 940.
 template<class RANGE, PrecisionFlag P>
 class BGRAv8_TO_YUVA : public BGRAv8_TO_Y4C4<RANGE, 8, 10, P, C0> {
 public:
@@ -183,8 +184,8 @@ private:
     }
 };
 
-/// Converts BGRAv8 of `A` bits to 10-bit YUV with alpha, which is taken as it stands. 4 pixels a
-/// step: 2 vectors in, 2 out. Looks back.
+/// Converts BGRAv8 of `A` bits to 10-bit YUV with alpha. Alpha is used as it is. 4 pixels a step: 2
+/// vectors in, 2 out. Looks back.
 template<class RANGE, int A, PrecisionFlag P>
 class BGRAv8_TO_YUVA_FullA : public BGRAv8_TO_Y4C4<RANGE, A, 10, P, C0> {
 public:

@@ -21,9 +21,9 @@ namespace KSX::PixelConversion {
 
 // clang-format off
 
-/// The base matrices: a Y gain of 1, from RGB that has the levels of Y. The chroma rows are those of
-/// the standard times 224/219; where they have four places only, they have to stay so, since the
-/// integer rows below come out differently from longer ones.
+/// The base matrices have a Y gain of 1, from RGB that has the levels of Y. The chroma rows are
+/// those of the standard times 224/219. Some have only four decimal places. They have to stay so,
+/// because longer ones give other integer rows below.
 
 // Weights of ITU-R BT.601-7, 2.5.1.
 struct StudioRange601 {
@@ -61,9 +61,9 @@ struct StudioRange2020 {
     static constexpr const float* YUV2RGBMatrix() { return kYUV2RGB; }
 };
 
-/// RGB of `N` bits in full range: a base matrix times (219 << (N - 8)) / (2^N - 1), and at 8 bits,
-/// for the way back, times 255/219. Seven places, stored and not computed: the products of the short
-/// base values round to other integers now and then.
+/// Matrices for RGB of `N` bits in full range: a base matrix times (219 << (N - 8)) / (2^N - 1),
+/// and at 8 bits, for the way back, times 255/219. They have seven places and are stored, not
+/// computed: products of the short base values sometimes round to other integers.
 template<unsigned N, class STUDIO>
 struct FullRange;
 
@@ -156,7 +156,7 @@ using ComputerRange601 = FullRange601<8>;
 using ComputerRange709 = FullRange709<8>;
 using ComputerRange2020 = FullRange2020<8>;
 
-/// Whether RGB of the family has the levels of video.
+/// Whether RGB of the family has video levels.
 template<class RANGE>
 inline constexpr bool kIsStudioRange = false;
 template<>
@@ -171,14 +171,14 @@ inline constexpr bool kIsStudioRange<StudioRange2020> = true;
 /// The scale of RGB to YUV rows.
 constexpr int kRGB2YUVScale = 32768;
 
-/// The scales of YUV to RGB rows. Blue's coefficient for Cb, above 2, would not fit 16 bits at the
-/// scale of the others.
+/// The scales of YUV to RGB rows. Blue's coefficient for Cb is above 2 and would not fit 16 bits at
+/// the scale of the others.
 constexpr int kYUV2RGBScale = 16384;
 constexpr int kYUV2BlueScale = 8192;
 
-/// Row `row` of an RGB to YUV matrix, columns R, G, B. Half is added before the cut towards zero,
-/// so positive coefficients are rounded to nearest and negative ones towards zero. Every step in
-/// single precision.
+/// Row `row` of an RGB to YUV matrix, columns R, G, B. Half is added before the truncation towards
+/// zero, so positive coefficients are rounded to nearest and negative ones towards zero. Every step
+/// is in single precision.
 struct FixedRow {
     std::int16_t at[3];
 };
@@ -193,7 +193,7 @@ constexpr FixedRow fixedRGB2YUVRow(const float* matrix, int row)
     return {{fixed(0), fixed(1), fixed(2)}};
 }
 
-/// Row `row` of a YUV to RGB matrix, columns Y, Cb, Cr, cut towards zero.
+/// Row `row` of a YUV to RGB matrix, columns Y, Cb, Cr, truncated towards zero.
 constexpr FixedRow fixedYUV2RGBRow(const float* matrix, int row)
 {
     const auto scale = static_cast<float>(row == 2 ? kYUV2BlueScale : kYUV2RGBScale);

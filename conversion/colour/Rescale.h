@@ -5,11 +5,11 @@
 ///
 ///     x = max(min(x, W) - K, 0)              video levels in only; min signed, the rest unsigned
 ///     z = x << n
-///     y = (z k + 32768) >> 16                (z k) >> 16 where the precision is 0
+///     y = (z k + 32768) >> 16                (z k) >> 16 if the precision is 0
 ///     y = min(y + K', 65535)                 video levels out only
 ///
 /// W and K are the input's white and black, K' the output's black, k the gain in 16 fractional
-/// bits, and n lets k use all 16 bits where the gain is above 1.
+/// bits, and n is a shift that lets k use all 16 bits if the gain is above 1.
 #pragma once
 
 #include "conversion/colour/Flags.h"
@@ -21,7 +21,8 @@ namespace KSX::PixelConversion {
 
 namespace details {
 
-/// The numbers of a rescale. No limit is 32767, which a signed minimum leaves alone.
+/// The constants of a rescale. A white of 32767 means no limit: a signed minimum with it changes
+/// nothing.
 struct RescaleConstants {
     int inBits;
     bool inFull;
@@ -55,7 +56,7 @@ inline constexpr RescaleConstants kRescales[] = {
 };
 // clang-format on
 
-/// The row of a rescale. One that is not in the table does not compile.
+/// The row of a rescale. A rescale that is not in the table does not compile.
 constexpr RescaleConstants rescaleConstants(int inBits, bool inFull, int outBits, bool outFull)
 {
     for (const RescaleConstants& row : kRescales)
@@ -83,12 +84,12 @@ protected:
         }
         Vector y;
         if constexpr (P == P1 && k.shift == 0 && k.gain < 32768) {
-            // One bit more of the product, and an average that rounds it off again.
+            // One more bit of the product, and an average that rounds it off.
             y = averageU16(mulHighU16(x, lanes(2 * k.gain)), v0);
         } else {
             const Vector z = shiftLeft16(x, k.shift);
             y = mulHighU16(z, lanes(k.gain));
-            // Bit 15 of the product is what half of a unit carries into bit 16.
+            // Half a unit carries into bit 16 if bit 15 of the product is set.
             if constexpr (P == P1)
                 y = add16(y, shiftRightU16(mulLow16(z, lanes(k.gain)), 15));
         }
@@ -150,7 +151,7 @@ public:
     }
 };
 
-// The same depth on both sides.
+// Rescales with the same depth on both sides.
 template<int BITS, PrecisionFlag P>
 class RGBv4_STUDIO_TO_COMPUTER : public RGBv4_RESCALE<BITS, false, BITS, true, P> {
 };

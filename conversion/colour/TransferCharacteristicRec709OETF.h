@@ -4,12 +4,12 @@
 ///     V = 4.5 L                           L below beta
 ///     V = alpha L^0.45 - (alpha - 1)      otherwise
 ///
-/// with alpha = 1.099296826809442 and beta = 0.018053968510807, where the two meet to the last
-/// digit (ITU-R BT.709-6, 1.2, with the constants of ITU-R BT.2020-2, table 4).
+/// with alpha = 1.099296826809442 and beta = 0.018053968510807, at which the two formulas meet to
+/// the last digit (ITU-R BT.709-6, 1.2, with the constants of ITU-R BT.2020-2, table 4).
 ///
 /// Both forms of `Rec709OETF` work on `N` vectors of 4 lanes: codes in lanes of 32 bits, linear
-/// light in floats with white at 1. `LANES` counts those that are needed; the others have no
-/// meaning, coming or going.
+/// light in floats with white at 1. `LANES` is the number of lanes in use; the others have no
+/// meaning in the input or the output.
 #pragma once
 
 #include "conversion/colour/Flags.h"
@@ -32,13 +32,13 @@ struct Light {
 extern const float kRec709OETFToLinear8[256];
 
 /// 8-bit codes with their fraction, of linear light in steps of 1/1279: steps of 1/255 would each
-/// span many codes near black, where the curve is steep. No stage reads them; what they come to
-/// stands in the table below.
+/// span many codes near black, where the curve is steep. No stage reads this table; the table below
+/// is computed from it.
 extern const float kRec709OETFFromLinear8[1280];
 constexpr int kRec709OETFFromLinear8IdxMax = 1279;
 
-/// The code at one entry of `kRec709OETFFromLinear8`, and where on the way to the next entry it
-/// rises, by one.
+/// The code at one entry of `kRec709OETFFromLinear8`, and the position between this entry and the
+/// next at which it rises by one.
 struct Rec709Rise {
     float from;
     std::int32_t code;
@@ -48,7 +48,7 @@ extern const Rec709Rise kRec709OETFRises8[1280];
 template<unsigned BITS, VectorTypeFlag V>
 class Rec709OETF;
 
-/// 8-bit codes, 0 to 255 in the low 16 bits of a lane; nothing tests that.
+/// 8-bit codes, 0 to 255 in the low 16 bits of a lane. Nothing checks that.
 template<VectorTypeFlag V>
 class Rec709OETF<8, V> {
 public:
@@ -66,15 +66,15 @@ public:
 
     /// Linear light below 0 gives 0, above 1 gives 255.
     ///
-    ///     f = max(min(1279 L, 1279), 0)      i0 = f cut off      i1 = f rounded
+    ///     f = max(min(1279 L, 1279), 0)      i0 = f truncated    i1 = f rounded
     ///     code = (f - i0) T[i1] + (1 - (f - i0)) T[i0], rounded
     ///
     /// Rounding is to nearest, ties to even. The upper index is not i0 + 1: in the lower half of a
     /// step the result is T[i0] itself, in the upper half it is interpolated.
     ///
-    /// From entry to entry T rises by less than one code, so a code rises at most once there, and
-    /// one comparison tells whether f is past the place. Those are in a table, found by the
-    /// formula.
+    /// From one entry to the next, T rises by less than one code. So the code rises at most once
+    /// there, and one comparison shows whether f is past that position. A table has these
+    /// positions; they are computed by the formula.
     template<int LANES, std::size_t N>
     KSX_INLINE static Codes<N> forward(const Light<N>& light)
     {
@@ -100,8 +100,8 @@ private:
         return sub32(code, bitsOf(lessOrEqual(from, f)));
     }
 
-    /// Four lanes that are at least 0. Two at once on their way to where addresses are made: the
-    /// way is narrow.
+    /// Four lanes that are at least 0, as indices. Two lanes go from the vector to a general
+    /// register at once, because the processor can do few such moves at a time.
     struct Indices {
         KSX_INLINE explicit Indices(Vector lanes)
         {
@@ -138,15 +138,15 @@ private:
     }
 };
 
-/// 10-bit codes, 0 to 1023 going in. Coming out they are not limited: light below 0 gives a
-/// negative code, light of 1 gives 1023.108, and from about 1.47 up the polynomial leaves the range
-/// of an integer, so whoever can get there limits light first.
+/// 10-bit codes, 0 to 1023 as input. The output is not limited: light below 0 gives a negative
+/// code, light of 1 gives 1023.108, and from about 1.47 up the polynomial leaves the range of an
+/// integer. If light can be that high, the caller limits it first.
 template<>
 class Rec709OETF<10, V1> {
 public:
     static constexpr bool kLimitsLight = false;
 
-    /// Within 5e-5.
+    /// The error is within 5e-5.
     template<int LANES, std::size_t N>
     KSX_INLINE static Light<N> inverse(const Codes<N>& codes)
     {
@@ -172,7 +172,8 @@ public:
         return result;
     }
 
-    /// Within 0.11 of a code from beta to 1. Rounded to nearest, ties to even.
+    /// The error is within 0.11 of a code from beta to 1. Codes are rounded to nearest, ties to
+    /// even.
     template<int LANES, std::size_t N>
     KSX_INLINE static Codes<N> forward(const Light<N>& light)
     {
@@ -197,15 +198,16 @@ public:
     }
 
 private:
-    /// The lanes of `N` vectors in double precision, two by two.
+    /// The lanes of `N` vectors in double precision, two lanes per vector.
     template<std::size_t N>
     struct Pairs {
         DoubleVector v[2 * N];
     };
 
-    /// By Horner's rule, from the highest power down. All lanes go side by side, since each step
-    /// has to wait for the one before; sums that are left to the compiler come out one behind the
-    /// other, and fill the processor's queue with instructions that wait.
+    /// Evaluates the polynomial by Horner's rule, from the highest power down. All lanes go side by
+    /// side, because each step waits for the result of the one before. If the order is left to the
+    /// compiler, the sums come one after the other, and the processor's queue fills with
+    /// instructions that wait.
     template<std::size_t N, unsigned TERMS>
     KSX_INLINE static Pairs<N> evaluate(const double (&polynomial)[TERMS], const Pairs<N>& x)
     {
@@ -221,7 +223,8 @@ private:
         return sums;
     }
 
-    /// Lets the compiler begin nothing behind it before all sums are there. No instruction.
+    /// Keeps the compiler from starting a later step before all sums of this one are done. It adds
+    /// no instruction.
     KSX_INLINE static void keepTogether(DoubleVector (&v)[4])
     {
         asm("" : "+x"(v[0]), "+x"(v[1]), "+x"(v[2]), "+x"(v[3]));

@@ -19,16 +19,16 @@ namespace KSX::PixelConversion {
 ///     d2 = sat16((w4 cB + t1) >> s1)                  d3 = sat16((w6 cR + w7 cY + t1) >> s1)
 ///     e  = clamp((d0 + d1 + t2) >> s2)                o  = clamp((d2 + d3 + t2) >> s2)
 ///
-/// So e and o round at different places, and a pair of equal pixels can come out a code apart.
+/// So e and o round at different points, and two equal pixels of a pair can differ by one code.
 ///
 /// | | s1 | t1 | s2 | t2 |
 /// |---|---|---|---|---|
 /// | P 1 | A | half a unit | 14 - B | half a unit |
 /// | P 0 | 14 + A - B | 0 | none | none |
 ///
-/// Blue's row is at half the scale of the others and has s1 - 1 in the place of s1. `StudioRange`
-/// leaves Y at its level, since black passes a gain of 1 unchanged, and clamps to black and white
-/// of the output; `ComputerRange` takes black off Y and clamps to 0 and 255.
+/// Blue's row is at half the scale of the others and has s1 - 1 instead of s1. `StudioRange` leaves
+/// Y at its level, because a gain of 1 does not change black, and clamps to black and white of the
+/// output. `ComputerRange` subtracts black from Y and clamps to 0 and 255.
 template<class RANGE, int A, int B, PrecisionFlag P>
 class YUV_TO_RGB_BASE {
     static constexpr bool kStudio = kIsStudioRange<RANGE>;
@@ -73,7 +73,7 @@ private:
         return shiftRight32(sums, SHIFT);
     }
 
-    /// A row of the matrix beneath the lanes of a pixel pair.
+    /// A row of the matrix in the order of the lanes of a pixel pair.
     static constexpr Vector coefficients(int row)
     {
         const FixedRow c = fixedYUV2RGBRow(RANGE::YUV2RGBMatrix(), row);
@@ -103,8 +103,8 @@ public:
 ///     A = (a 16336 + 32768) >> 16                                           alpha in full range
 ///     A = ((2 max(min(a, 940) - 64, 0) 38267) >> 16) >> 2                   at video levels
 ///
-/// The second cuts twice, so the 937 that an opaque pixel becomes on the way there comes back as
-/// 254.
+/// The second formula truncates twice. `BGRAv8_TO_YUVA` turns an opaque alpha into 937, which comes
+/// back as 254.
 template<class RANGE, bool FULLA, PrecisionFlag P, PixelCenterFlag C>
 class YUVA_TO_BGRAv8 : public Kernel<4, 4>, protected YUV_TO_RGB_BASE<RANGE, 10, 8, P> {
     static_assert(C == C0 && FULLA == (P == P1), "the two forms that there are");

@@ -9,12 +9,12 @@
 
 namespace KSX::PixelConversion {
 
-/// The stage objects of a pipeline, and the step of one block through them.
+/// The stage objects of a pipeline, and how one block passes through them.
 ///
-/// Work inside a block is ordered by need: a group of the last stage calls for the groups before it
-/// that it lacks, and so on down to the loads. So only what a few pixels need lives at once, which
-/// in blocks of 24 to 96 pixels is what keeps the vectors in registers. All of that is settled when
-/// the pipeline is compiled; what is left is straight code.
+/// The last stage drives the work inside a block. Each group of a stage first runs the groups of
+/// the previous stage that it needs and that have not run yet, and so on back to the loads. So only
+/// the vectors of a few pixels are live at a time, and they stay in registers even in blocks of 24
+/// to 96 pixels. The compiler resolves this order; what remains is code without branches.
 template<unsigned BLOCK, class LIST>
 class Composition;
 
@@ -50,7 +50,7 @@ public:
     }
 
     /// Reads a block at `src`, runs it through all stages and stores it at `dst`. `FIRST` and `END`
-    /// tell the stages that look back or ahead that the block begins or ends its row, as in `Nx`.
+    /// say whether the block begins or ends its row, for stages that look back or ahead; see `Nx`.
     template<bool FIRST, unsigned END>
     KSX_INLINE void block(const std::byte* src, std::byte* dst)
     {
@@ -61,8 +61,8 @@ public:
     }
 
 private:
-    /// What each stage has given so far, a block long. Constant indices only, so none of it is ever
-    /// in memory unless registers run out.
+    /// The output of each stage for the whole block, as far as it has run. All indices are
+    /// constants, so it is in memory only if registers run out.
     using Between = std::tuple<Pixels<typename STAGES::Output, BLOCK>...>;
 
     static constexpr unsigned groupsFor(unsigned pixels, unsigned step)
@@ -107,7 +107,7 @@ private:
     std::tuple<Nx<BLOCK / STAGES::kPart, STAGES>...> m_stages;
 };
 
-/// The stage objects that run `PIPELINE` in blocks of `BLOCK` pixels, by its rules.
+/// The stage objects that run `PIPELINE` in blocks of `BLOCK` pixels, after its rules are applied.
 template<class PIPELINE, unsigned BLOCK = PIPELINE::kBlock>
 using CompositionOf = Composition<BLOCK, typename RewrittenIn<PIPELINE, BLOCK>::Stages>;
 

@@ -1,4 +1,4 @@
-/// How an entry function selects the `Transform` for the picture at hand.
+/// How an entry function selects the `Transform` for a picture.
 #pragma once
 
 #include "conversion/ConversionEntries.h"
@@ -20,14 +20,14 @@ void transform(unsigned width, unsigned height, void* dst, unsigned dstRowBytes,
                                                        nullptr);
 }
 
-/// Selects the `Transform` of `PIPELINE` for a picture: the one without tails if the width is a
-/// multiple of the block, and the general one otherwise.
+/// Selects the `Transform` of `PIPELINE` for a picture: the one without code for tails if the width
+/// is a multiple of the block, and the general one otherwise.
 template<class PIPELINE>
 struct Selection {
     static ConversionSignature* pick(unsigned width, unsigned /*height*/)
     {
         using P = AsPipeline<PIPELINE>;
-        // Common widths that end inside a block.
+        // Common widths that end inside a block have pipelines of their own.
         if constexpr (P::kEndsAtLines) {
             if (width == 4096)
                 return transform<typename P::template AtLine<4096>, kAnyWidth>;
@@ -51,7 +51,7 @@ struct Selection<By601Lines<PAL, NTSC>> {
 
 } // namespace details
 
-/// Defines the entry `NAME`; the pipeline is all that follows it.
+/// Defines the entry `NAME`. All arguments after it are the pipeline.
 #define CONVERSION(NAME, ...)                                                                      \
     void NAME(unsigned width, unsigned height, void* dst, unsigned dstRowBytes, void* src,         \
               unsigned srcRowBytes)                                                                \

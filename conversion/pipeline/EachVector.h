@@ -1,12 +1,12 @@
-/// Stages that do the same to every vector.
+/// Stages that apply the same operation to every vector.
 #pragma once
 
 #include "conversion/pipeline/Kernel.h"
 
 namespace KSX::PixelConversion {
 
-/// A plain stage that keeps the representation and puts each vector of a step through
-/// `ARITHMETIC::apply`, which is one class for all the representations that it serves.
+/// A plain stage that keeps the representation and calls `ARITHMETIC::apply` for each vector of a
+/// step. One `ARITHMETIC` serves several representations.
 template<class REPRESENTATION, unsigned PIXELS, class ARITHMETIC>
 class EachVector : public Kernel<PIXELS, PIXELS>, protected ARITHMETIC {
 public:

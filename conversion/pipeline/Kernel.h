@@ -4,26 +4,26 @@
 ///
 ///     Pixels<Output, N> step(const Pixels<Input, N>& in)            // plain
 ///
-/// Two kinds have one operation more, and that operation is the declaration:
+/// Stages of two other kinds have one more operation. This operation declares the kind:
 ///
 ///     Pixels<Output, N> firstStep(const Pixels<Input, N>& in)       // looks back
 ///     Pixels<Output, N> step(const Pixels<Input, N>& in, Vector next)
 ///     Pixels<Output, N> lastStep(const Pixels<Input, N>& in)        // looks ahead
 ///
-/// A stage that looks back keeps pixels of the group before in its members; `firstStep` takes a
-/// row's first group, which has none. A stage that looks ahead gets the first 16 bytes of the group
-/// behind as `next`; `lastStep` takes a row's last group. It reads the row itself, so it can only
-/// stand first in a pipeline.
+/// A stage that looks back keeps pixels of the previous group in its members; `firstStep` takes a
+/// row's first group, which has no previous one. A stage that looks ahead gets the first 16 bytes
+/// of the next group as `next`; `lastStep` takes a row's last group. A stage that looks ahead reads
+/// the row itself, so it can only be the first stage of a pipeline.
 ///
-/// A stage with long steps can do them in parts, which keeps fewer vectors alive: `kPart` is the
-/// pixels that its operations take then, and N stays what a block is a multiple of.
+/// A stage with long steps can do a step in parts, so that fewer vectors are live at a time.
+/// `kPart` is then the number of pixels that its operations take. A block is still a multiple of N.
 ///
-/// A stage that looks ahead can have copies made for rows of one width, which end inside a group:
-/// `kLine` is that width, `AnyLine` the stage for all others, and that one's
+/// A stage that looks ahead can support pipelines for rows of one width that end inside a group
+/// (`Pipeline::kLine`). It then also has
 ///
 ///     template<unsigned PIXELS> Pixels<Output, N> lastStepOf(const Pixels<Input, N>& in)
 ///
-/// takes a last group of which only the first `PIXELS` pixels belong to the row.
+/// which takes a last group in which only the first `PIXELS` pixels belong to the row.
 #pragma once
 
 #include "conversion/pipeline/Representations.h"
@@ -31,10 +31,10 @@
 #include <concepts>
 #include <utility>
 
-/// Stages and the machinery around them melt into one loop. Compilers do that for small functions
-/// only, and a step that is called costs more than it does. Builds for debugging and for sanitizers
-/// keep the functions apart: they check each one once instead of every copy of it, which takes a
-/// twentieth of the time to compile.
+/// Stages and the code around them have to be inlined into one loop: a call costs more than a step
+/// does, and compilers inline only small functions by themselves. Builds for debugging and for
+/// sanitizers do not inline. They check each function once instead of every copy of it, and compile
+/// in a twentieth of the time.
 #if defined(__OPTIMIZE__) && !defined(KSX_KEEP_FUNCTIONS)
 #define KSX_INLINE [[gnu::always_inline]] inline
 #define KSX_INLINE_LAMBDA __attribute__((always_inline))
@@ -46,7 +46,7 @@
 namespace KSX::PixelConversion {
 
 /// Calls `f.operator()<I>()` for each I from `BEGIN` to `END` - 1: a loop whose index is a constant
-/// in every round, which is what lets vectors in arrays become registers.
+/// in every round, so that the compiler can keep the vectors of an array in registers.
 template<unsigned BEGIN, unsigned END, class FUNCTION>
 KSX_INLINE void unrolled(FUNCTION&& f)
 {
@@ -57,11 +57,11 @@ KSX_INLINE void unrolled(FUNCTION&& f)
     (std::make_integer_sequence<unsigned, END - BEGIN>{});
 }
 
-/// What a stage promises of the codes that it gives, alpha left out.
+/// What a stage promises about the codes that it gives, except alpha.
 enum class Range {
     Any,   ///< nothing
-    Kept,  ///< within the range of their depth, if those that it takes are
-    Given, ///< within the range of their depth, whatever it takes
+    Kept,  ///< within the range of their depth, if the codes that it takes are
+    Given, ///< within the range of their depth, for any input
 };
 
 /// The base of every stage: a step takes `IN` pixels and gives `OUT`.
@@ -71,10 +71,10 @@ public:
     static constexpr unsigned kIn = IN;
     static constexpr unsigned kOut = OUT;
     static constexpr unsigned kPart = IN;
-    /// A stage that keeps its range says so; silence promises nothing.
+    /// A stage that keeps or gives a range declares it. This default promises nothing.
     static constexpr Range kRange = Range::Any;
 
-    /// For stages that are steered from outside. There is none at present.
+    /// For stages that take parameters at run time. There are none at present.
     virtual void setUserContext(const void* /*context*/) {}
 };
 
@@ -106,7 +106,7 @@ concept LooksAhead = requires(STAGE& stage, const InputOf<STAGE>& in, Vector nex
         } -> std::same_as<OutputOf<STAGE>>;
 };
 
-/// Looks ahead, and has copies for rows of one width.
+/// Looks ahead, and supports rows of one width that end inside a group.
 template<class STAGE>
 concept EndsAtLines = LooksAhead<STAGE> && requires(STAGE& stage, const InputOf<STAGE>& in)
 {
@@ -136,7 +136,7 @@ concept Plain =
         } -> std::same_as<OutputOf<STAGE>>;
 };
 
-/// A stage is of exactly one kind, and no stage changes the count of pixels.
+/// A stage is of exactly one kind, and no stage changes the number of pixels.
 template<class STAGE>
 concept Stage = std::derived_from<STAGE, Kernel<STAGE::kIn, STAGE::kOut>> &&
                 (STAGE::kIn == STAGE::kOut) &&

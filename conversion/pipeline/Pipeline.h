@@ -1,8 +1,8 @@
-/// Chains of stages: how they are named, and how one block of pixels runs through them.
+/// Chains of stages, and how they are composed.
 ///
-/// `BIND<A, B>`, `BIND3<A, B, C>` up to `BIND7<...>` join stages and other chains. However they
-/// nest, the result is one flat `Pipeline`: its list of stages, and its block, the least common
-/// multiple of the pixels that its stages take a step.
+/// `BIND<A, B>`, `BIND3<A, B, C>` up to `BIND7<...>` join stages and other chains. The result is
+/// always one flat `Pipeline`, at any depth of nesting: a list of stages and a block. The block is
+/// the least common multiple of the pixels that the stages take a step.
 #pragma once
 
 #include "conversion/pipeline/Kernel.h"
@@ -18,12 +18,12 @@ template<class... STAGES>
 struct StageList {
 };
 
-/// The rules by which fast forms run in the place of stages: a `RuleList`, in
+/// The rules that put fast forms in the place of listed stages: a `RuleList`, defined in
 /// conversion/fast/Rules.h.
 struct FastRules;
 
 /// A chain of stages that works on blocks of `BLOCK` pixels. `LINE` is the width of the rows if the
-/// chain is made for one, else 0. `RULES` is a `RuleList`, see Rewriting.h.
+/// chain is for one width only, else 0. `RULES` is a `RuleList`, see Rewriting.h.
 template<unsigned BLOCK, class LIST, unsigned LINE = 0, class RULES = FastRules>
 struct Pipeline;
 
@@ -39,25 +39,25 @@ struct Pipeline<BLOCK, StageList<STAGES...>, LINE, RULES> {
     static constexpr bool kLooksAhead = (LooksAhead<STAGES> || ...);
     static constexpr bool kEndsAtLines = (EndsAtLines<STAGES> || ...);
 
-    /// The same chain for rows of `WIDTH` pixels.
+    /// This chain for rows of `WIDTH` pixels.
     template<unsigned WIDTH>
     using AtLine = Pipeline<BLOCK, Stages, WIDTH, RULES>;
 
-    /// The same chain under other rules.
+    /// This chain with other rules.
     template<class OTHERS>
     using ByRules = Pipeline<BLOCK, Stages, LINE, OTHERS>;
 };
 
-/// Applies `KERNEL` to `N` consecutive groups of pixels, in pixel order. It is one object, so that
-/// what it carries from a group to the next passes through the repetitions as it does from step to
-/// step. Standing in a list, it asks for a block of at least `N` groups.
+/// Applies `KERNEL` to `N` consecutive groups of pixels, in pixel order. It is one object, so what
+/// the stage keeps from one group passes to the next as it does from step to step. In a list of
+/// stages, it makes the block at least `N` groups long.
 template<unsigned N, Stage KERNEL>
 class Nx : public KERNEL {
 public:
-    /// Runs group number `GROUP` of a block of `N`. `FIRST` says that the block is the first of its
-    /// row. `END` is 0 but in the last one, of which it counts the pixels that belong to the row,
-    /// or all if their count is not known. `src` points at the group where a stage that looks ahead
-    /// finds the bytes behind it.
+    /// Runs group number `GROUP` of a block of `N`. `FIRST` says whether the block is the first of
+    /// its row. `END` is 0 for every block but the row's last. For the last block it is the number
+    /// of its pixels that belong to the row, or the whole block if that number is not known. `src`
+    /// points at the group in memory; a stage that looks ahead reads the bytes after the group.
     template<unsigned GROUP, bool FIRST, unsigned END>
     KSX_INLINE OutputOf<KERNEL> group(const InputOf<KERNEL>& in, const std::byte* src)
     {
@@ -120,7 +120,7 @@ constexpr unsigned lcm(unsigned a, unsigned b, REST... rest)
 
 } // namespace details
 
-/// A stage, an `Nx` or a pipeline as a pipeline.
+/// A stage, an `Nx` or a pipeline, as a pipeline.
 template<class MEMBER>
 using AsPipeline = typename details::Flatten<MEMBER>::type;
 

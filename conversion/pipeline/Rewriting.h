@@ -1,14 +1,15 @@
 /// Which stages run in the place of those that a pipeline lists.
 ///
-/// The list that an entry gives is what a conversion means. Another list can give the same bits in
-/// fewer instructions, and rules say so. A rule is a type with
+/// The stages that an entry lists define what a conversion means. Another list can give the same
+/// bits in fewer instructions. Such a list is a fast form, and a rule puts it in the place of the
+/// listed stages. A rule is a type with
 ///
 ///     static StageList<FORM...> form(StageList<RUN...>);
 ///
-/// declared for every run of adjoining stages that it fits, and never called. The form gives the
-/// same bits as the run for every input that the stages before the run can make, and looks back or
-/// ahead as the run does. The block of the listed stages and the rules for the ends of a row stay
-/// what they are.
+/// declared, and never called, for every run of adjoining stages that it fits. The form gives the
+/// same bits as the run for every input that the stages before the run can give, and looks back or
+/// ahead as the run does. The block, the row limits and the handling of a row's ends follow from
+/// the listed stages; rules do not change them.
 #pragma once
 
 #include "conversion/pipeline/Pipeline.h"
@@ -20,7 +21,7 @@
 
 namespace KSX::PixelConversion {
 
-/// Rules in their order: the first that fits a run is taken.
+/// Rules in the order in which they are tried: the first that fits a run is taken.
 template<class... RULES>
 struct RuleList {
 };
@@ -35,7 +36,7 @@ concept Fits = requires(RUN run)
 template<class RULE, class RUN>
 using FormBy = decltype(RULE::form(RUN{}));
 
-/// A rule that was taken, and the run that it fitted.
+/// A rule that was taken, and the run that it replaced.
 template<class RULE, class RUN>
 struct Taken {
 };
@@ -70,7 +71,8 @@ consteval bool divides(StageList<STAGES...>)
     return ((BLOCK % STAGES::kIn == 0) && ...);
 }
 
-/// The first of the rules that fits the run with a form whose steps divide the block, or void.
+/// The first rule that fits the run and whose form has steps that divide the block; void if there
+/// is none.
 template<unsigned BLOCK, class RUN>
 consteval auto firstThatFits(RuleList<>, RUN) -> std::type_identity<void>
 {
@@ -90,7 +92,8 @@ consteval auto firstThatFits(RuleList<RULE, RULES...>, RUN run)
     }
 }
 
-/// Moves stages from `todo` to `done`, trying runs of `LENGTH` stages and fewer.
+/// Moves stages from `todo` to `done`. At each stage it tries a run of `LENGTH` stages, then
+/// shorter ones.
 template<unsigned BLOCK, class RULES, std::size_t LENGTH, class... DONE, class... TODO,
          class... USED>
 consteval auto rewriteOnce(StageList<DONE...> done, StageList<TODO...> todo,
@@ -116,7 +119,7 @@ consteval auto rewriteOnce(StageList<DONE...> done, StageList<TODO...> todo,
     }
 }
 
-/// Goes through the list until no rule fits.
+/// Rewrites the list again and again until no rule fits.
 template<unsigned BLOCK, class RULES, class... STAGES, class USED>
 consteval auto rewrite(StageList<STAGES...> stages, USED used)
 {
@@ -138,19 +141,19 @@ struct Rewrite<Pipeline<LISTED, LIST, LINE, RULES>, BLOCK> {
 
 } // namespace details
 
-/// What runs in blocks of `BLOCK` pixels for `PIPELINE`. Of the runs that begin at a stage the
-/// longest that a rule fits is taken, and the list is gone through until none is left.
+/// The stages that run for `PIPELINE` in blocks of `BLOCK` pixels, as a `Rewritten`. At each stage,
+/// the longest run that a rule fits is replaced. This repeats until no rule fits.
 template<class PIPELINE, unsigned BLOCK>
 using RewrittenIn = typename details::Rewrite<AsPipeline<PIPELINE>, BLOCK>::type;
 
-/// The same chain with every stage run as it is listed.
+/// `PIPELINE` without rules: every stage runs as it is listed.
 template<class PIPELINE>
 using AsListed = typename AsPipeline<PIPELINE>::template ByRules<RuleList<>>;
 
-/// The block in which the inside of a row runs. To stages that look at nothing but their own pixels
-/// it is all one, so short blocks are joined, for the loop costs as much as a few of their
-/// instructions. Those that look ahead run wider if more rules fit then. Those that look back carry
-/// pixels from block to block, and keep to the one.
+/// The block in which the inside of a row runs. If all stages are plain, any multiple of the block
+/// gives the same result. Short blocks are then joined, because the loop itself costs as much as a
+/// few of their instructions. A pipeline that looks ahead gets a wider block if more rules fit in
+/// it. A pipeline that looks back carries pixels from block to block and keeps its block.
 template<class PIPELINE>
 constexpr unsigned wideBlock()
 {

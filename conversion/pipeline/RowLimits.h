@@ -1,5 +1,5 @@
-/// What a pipeline asks of the rows that it is run over, as its stages have it. Nothing checks that
-/// when a picture is converted; docs/conversions.md has it for every row of the table.
+/// What a pipeline requires of the rows of a picture. It follows from the listed stages. Nothing
+/// checks it when a picture is converted; docs/conversions.md lists it for every row of the table.
 #pragma once
 
 #include "conversion/pipeline/Pipeline.h"
@@ -19,20 +19,22 @@ struct RowLimits<Pipeline<BLOCK, StageList<STAGES...>, LINE, RULES>> {
     using First = std::tuple_element_t<0, std::tuple<STAGES...>>;
     using Input = typename First::Input;
 
-    /// A stage that looks ahead takes the bytes of a row as whole steps where they come in groups
-    /// of its own size. To such a stage a row always reaches into a second step.
+    /// A stage that looks ahead reads whole steps if its input lies in groups of the size of its
+    /// step. For such a stage, a row always reaches into a second step.
     static constexpr bool kReadsWholeSteps = P::kLooksAhead && Input::kPixels == First::kIn;
 
-    /// Pixels of the narrowest row. The first block of a row has a form of its own where a stage
-    /// looks back, the last one where a stage looks ahead. 0 where a row of none is left alone.
+    /// The least width of a row, in pixels. The first block of a row runs differently if a stage
+    /// looks back, and the last block if a stage looks ahead, so a row must have these blocks. 0 if
+    /// a row without pixels is left alone.
     static constexpr unsigned kLeastWidth = P::kLooksBack && P::kLooksAhead ? BLOCK + 1
                                             : P::kLooksBack                 ? BLOCK
                                             : kReadsWholeSteps              ? First::kIn + 1
                                             : P::kLooksAhead                ? 1
                                                                             : 0;
 
-    /// Bytes that are read from the start of a row of `width` pixels: those of its pixels, and the
-    /// vector behind its last whole block where a stage looks there and the row goes on.
+    /// Bytes that are read from the start of a row of `width` pixels: the bytes of its pixels, and
+    /// the vector after its last whole block if a stage looks ahead and the row goes on after that
+    /// block.
     static constexpr std::size_t bytesRead(unsigned width)
     {
         constexpr std::size_t kBlockBytes = Pixels<Input, BLOCK>::kBytes;

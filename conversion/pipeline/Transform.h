@@ -14,19 +14,19 @@ enum WalkerFlags : unsigned {
     kAnyWidth = 7,    ///< a row may end in a partial block
 };
 
-/// The blocks ahead of the one being read at which the source is prefetched.
+/// How many blocks ahead of the one being read the source is prefetched.
 constexpr unsigned kPrefetchBlocks = 8;
 
-/// How a row's end is handled where its width is no multiple of the block: through scratch, so that
-/// not a byte behind the row is read or written. Prepared once a picture.
+/// Handles the end of a row whose width is not a multiple of the block. The last pixels go through
+/// scratch memory, so that no byte after the row is read or written. Prepared once per picture.
 ///
-/// The scratch is not cleared. What lies in it behind the row's pixels is left over from earlier
-/// rows or never set; pixels made from it are thrown away, but for a look at the next chroma pair
-/// from a row's last odd pixel, which has no defined value then.
+/// The scratch is not cleared. Its bytes after the row's pixels are left over from earlier rows or
+/// were never set. Pixels made from them are dropped. They can only affect a row's last odd pixel,
+/// which averages its chroma with the next pair; its value is not defined then.
 template<class COMPOSITION>
 struct Tail {
-    unsigned inBytes;  ///< to copy from the row first; 0 where a whole block can be read in place
-    unsigned outBytes; ///< to copy into the row last; 0 where a whole block can be stored in place
+    unsigned inBytes;  ///< to copy from the row first; 0 if a whole block can be read in place
+    unsigned outBytes; ///< to copy into the row last; 0 if a whole block can be stored in place
     alignas(16) std::byte in[COMPOSITION::kInBytes];
     alignas(16) std::byte out[COMPOSITION::kOutBytes];
 
@@ -44,19 +44,19 @@ private:
     }
 };
 
-/// Runs `count` blocks that follow each other, at least one; `FIRST` and `END` are as in
-/// `Composition`. `PREFETCH` counts blocks.
+/// Runs `count` consecutive blocks, at least one. `FIRST` and `END` are as in `Composition`.
+/// `PREFETCH` is in blocks.
 ///
-/// A function of its own, so that both walkers of a pipeline and its copies for lines of one width
-/// share one loop. It works on a copy of the stages: what has no name outside stays in
-/// registers.
+/// This is a separate function, so that all forms of `Transform` for a pipeline share one loop:
+/// with tails, without tails and for rows of one width. It works on a copy of the stages, because
+/// the compiler can keep a local object in registers.
 template<bool FIRST, unsigned END, unsigned PREFETCH, class COMPOSITION>
 [[gnu::noinline]] void runBlocks(COMPOSITION& stages, const std::byte* src, std::byte* dst,
                                  unsigned count)
 {
     COMPOSITION copy = stages;
     do {
-        // Issued past the end of the row as well: a hint cannot fault.
+        // Also issued past the end of the row: a prefetch is a hint and cannot fault.
         prefetchNonTemporal(src + PREFETCH * COMPOSITION::kInBytes);
         copy.template block<FIRST, END>(src, dst);
         src += COMPOSITION::kInBytes;
@@ -66,9 +66,9 @@ template<bool FIRST, unsigned END, unsigned PREFETCH, class COMPOSITION>
         stages = copy;
 }
 
-/// Runs blocks that are few in a row. Where the first stage looks ahead they go in two halves with
-/// memory between: that stage, whose forms for the end of a row all pipelines share that begin with
-/// it, and the stages behind it, which have no such forms.
+/// Runs the few blocks at the end of a row. If the first stage looks ahead, each block runs in two
+/// halves with memory between: first that stage, then the stages after it. Only the first stage has
+/// forms for the end of a row, and all pipelines that begin with it share their code.
 template<class COMPOSITION>
 struct FewBlocks {
     template<unsigned END, unsigned PREFETCH>
@@ -99,9 +99,9 @@ requires(LooksAhead<FIRST> && sizeof...(REST) != 0 &&
     }
 };
 
-/// Runs `PIPELINE` over a picture. `FLAGS` is one of `WalkerFlags`; `PREFETCH` counts blocks.
+/// Runs `PIPELINE` over a picture. `FLAGS` is one of `WalkerFlags`; `PREFETCH` is in blocks.
 ///
-/// Rows take one of four forms, by what the stages of the pipeline do:
+/// A row runs in one of four forms, which depend on the kinds of its stages:
 ///
 /// | stages | first block | blocks between | last block |
 /// |---|---|---|---|
@@ -110,9 +110,9 @@ requires(LooksAhead<FIRST> && sizeof...(REST) != 0 &&
 /// | look ahead | step | step | lastStep |
 /// | both | firstStep | step | lastStep |
 ///
-/// The last block is the tail where the row ends in a partial block. A pipeline that looks back
-/// needs one whole block in a row, one that does both a second one, whole or partial, and one that
-/// looks ahead a width of 1. Nothing checks that.
+/// If the row ends in a partial block, this is its last block. A row needs at least one whole block
+/// if the pipeline looks back, a second block, whole or partial, if it also looks ahead, and one
+/// pixel if it only looks ahead. Nothing checks this.
 template<class PIPELINE, unsigned FLAGS, unsigned PREFETCH>
 class Transform {
     using P = AsPipeline<PIPELINE>;
@@ -123,12 +123,13 @@ class Transform {
     static constexpr unsigned kWideBlock = wideBlock<P>();
     static constexpr unsigned kBlocksInWide = kWideBlock / P::kBlock;
 
-    /// Of the last block where a stage looks ahead.
+    /// `END` for the last block, if a stage looks ahead.
     static constexpr unsigned kEnd = P::kLine == 0 ? P::kBlock : (P::kLine - 1) % P::kBlock + 1;
 
 public:
-    /// Source first, unlike a `ConversionFunction`. Row sizes are signed: a negative one walks
-    /// upwards. A `height` below 1, read as signed, does nothing.
+    /// Runs the pipeline. The source comes first, unlike in a `ConversionFunction`. Row sizes are
+    /// signed: with a negative size the walk goes upwards. If `height`, read as signed, is below 1,
+    /// nothing happens.
     static void apply(const void* src, int srcRowBytes, void* dst, int dstRowBytes, unsigned width,
                       unsigned height, const void* userContext)
     {
@@ -152,8 +153,8 @@ private:
     static void walkRow(Stages& stages, Tail<Stages>& tail, const std::byte* src, std::byte* dst,
                         unsigned blocks, bool partial)
     {
-        // A row's last block has a form of its own where a stage looks ahead; otherwise only a
-        // partial one has.
+        // If a stage looks ahead, a row's last block runs separately; otherwise only a partial
+        // block does.
         unsigned steps = P::kLooksAhead && !partial ? blocks - 1 : blocks;
 
         if constexpr (P::kLooksBack) {

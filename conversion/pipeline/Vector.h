@@ -2,9 +2,9 @@
 /// includes intrinsics.
 ///
 /// A name ends in the bits of the lanes that it works on: `add16` adds 8 lanes of 16 bits. Lanes
-/// are signed, or their sign is of no matter; `U` marks those that are unsigned. Lanes count from
-/// the low end, the byte at the lowest address when stored, and so do the arguments of shuffles.
-/// Every operation is one instruction, inlined in every build.
+/// are signed, or their sign does not matter; `U` marks unsigned lanes. Lane 0 is at the low end,
+/// which has the lowest address in memory. The arguments of shuffles are in the same order, lane 0
+/// first. Every operation is one instruction, inlined in every build.
 #pragma once
 
 #include <cstddef>
@@ -34,7 +34,7 @@ constexpr Vector v8i(std::uint16_t lane)
     return v4i(std::uint32_t{lane} << 16 | lane);
 }
 
-/// These lanes of 16 bits.
+/// A vector of these lanes of 16 bits, lane 0 first.
 constexpr Vector v8i(std::int16_t a, std::int16_t b, std::int16_t c, std::int16_t d, std::int16_t e,
                      std::int16_t f, std::int16_t g, std::int16_t h)
 {
@@ -45,7 +45,7 @@ constexpr Vector v8i(std::int16_t a, std::int16_t b, std::int16_t c, std::int16_
     return Vector{half(a, b, c, d), half(e, f, g, h)};
 }
 
-/// These bytes, most often the indices of `shuffleBytes`.
+/// A vector of these bytes, lane 0 first. Most often they are the indices of `shuffleBytes`.
 KSX_VECTOR_OP Vector v16i(char b0, char b1, char b2, char b3, char b4, char b5, char b6, char b7,
                           char b8, char b9, char b10, char b11, char b12, char b13, char b14,
                           char b15)
@@ -65,7 +65,7 @@ KSX_VECTOR_OP DoubleVector v2d(double lane)
 
 // --- Memory --------------------------------------------------------------------------------------
 
-// No address needs any alignment.
+// Addresses need no alignment.
 KSX_VECTOR_OP Vector load(const void* at)
 {
     return _mm_loadu_si128(static_cast<const __m128i*>(at));
@@ -97,7 +97,8 @@ KSX_VECTOR_OP std::uint64_t low64(Vector v)
     return static_cast<std::uint64_t>(_mm_cvtsi128_si64(v));
 }
 
-/// Asks for the cache line at an address, past the outer caches. A hint: no address can fault.
+/// Prefetches the cache line at an address, past the outer caches. It is a hint: no address can
+/// fault.
 KSX_VECTOR_OP void prefetchNonTemporal(const void* at)
 {
     _mm_prefetch(static_cast<const char*>(at), _MM_HINT_NTA);
@@ -113,7 +114,7 @@ KSX_VECTOR_OP Vector bitOr(Vector a, Vector b)
 {
     return _mm_or_si128(a, b);
 }
-/// `b` where `a` has no bit set.
+/// The bits of `b` at which `a` has a 0.
 KSX_VECTOR_OP Vector bitAndNot(Vector a, Vector b)
 {
     return _mm_andnot_si128(a, b);
@@ -139,7 +140,7 @@ KSX_VECTOR_OP Vector shiftLeft32(Vector v, int bits)
 {
     return _mm_slli_epi32(v, bits);
 }
-/// Arithmetic: copies of the sign come in.
+/// Arithmetic shift: the new bits are copies of the sign.
 KSX_VECTOR_OP Vector shiftRight16(Vector v, int bits)
 {
     return _mm_srai_epi16(v, bits);
@@ -148,7 +149,7 @@ KSX_VECTOR_OP Vector shiftRight32(Vector v, int bits)
 {
     return _mm_srai_epi32(v, bits);
 }
-/// Logical: zeros come in.
+/// Logical shift: the new bits are zeros.
 KSX_VECTOR_OP Vector shiftRightU16(Vector v, int bits)
 {
     return _mm_srli_epi16(v, bits);
@@ -216,7 +217,7 @@ KSX_VECTOR_OP Vector averageU16(Vector a, Vector b)
     return _mm_avg_epu16(a, b);
 }
 
-/// The low 16 bits of the product, and the high ones.
+/// The low 16 bits of each product (`mulLow16`), or the high 16 bits (`mulHigh16`, `mulHighU16`).
 KSX_VECTOR_OP Vector mulLow16(Vector a, Vector b)
 {
     return _mm_mullo_epi16(a, b);
@@ -234,12 +235,12 @@ KSX_VECTOR_OP Vector mulRound16(Vector a, Vector b)
 {
     return _mm_mulhrs_epi16(a, b);
 }
-/// Products of lanes of 16 bits, added two by two into lanes of 32.
+/// Products of lanes of 16 bits. Each two neighbours are added into a lane of 32 bits.
 KSX_VECTOR_OP Vector mulAddPairs16(Vector a, Vector b)
 {
     return _mm_madd_epi16(a, b);
 }
-/// Sums of neighbours: two of `a`, then two of `b`.
+/// Sums of neighbouring lanes: two sums from `a`, then two from `b`.
 KSX_VECTOR_OP Vector addPairs32(Vector a, Vector b)
 {
     return _mm_hadd_epi32(a, b);
@@ -247,7 +248,7 @@ KSX_VECTOR_OP Vector addPairs32(Vector a, Vector b)
 
 // --- Moves between lanes -------------------------------------------------------------------------
 
-/// Byte i is byte `indices[i]` of `v`, or 0 where that is negative.
+/// Byte i is byte `indices[i]` of `v`, or 0 if that index is negative.
 KSX_VECTOR_OP Vector shuffleBytes(Vector v, Vector indices)
 {
     return _mm_shuffle_epi8(v, indices);
@@ -258,7 +259,8 @@ KSX_VECTOR_OP Vector shuffle32(Vector v)
 {
     return _mm_shuffle_epi32(v, _MM_SHUFFLE(D, C, B, A));
 }
-/// The same in the lower half alone, and in the upper half alone.
+/// Shuffles the four lanes of 16 bits of the lower half, or of the upper half. The other half
+/// stays.
 template<int A, int B, int C, int D>
 KSX_VECTOR_OP Vector shuffleLow16(Vector v)
 {
@@ -276,7 +278,7 @@ KSX_VECTOR_OP FloatVector shuffle32(FloatVector low, FloatVector high)
     return _mm_shuffle_ps(low, high, _MM_SHUFFLE(D, C, B, A));
 }
 
-/// Lanes of the lower halves in turn, one of `a`, one of `b`.
+/// Lanes of the lower halves of `a` and `b`, alternating, `a` first.
 KSX_VECTOR_OP Vector interleaveLow8(Vector a, Vector b)
 {
     return _mm_unpacklo_epi8(a, b);
@@ -301,7 +303,7 @@ KSX_VECTOR_OP FloatVector interleaveLow64(FloatVector a, FloatVector b)
 {
     return _mm_movelh_ps(a, b);
 }
-/// The same of the upper halves.
+/// Lanes of the upper halves of `a` and `b`, alternating, `a` first.
 KSX_VECTOR_OP Vector interleaveHigh8(Vector a, Vector b)
 {
     return _mm_unpackhi_epi8(a, b);
@@ -323,13 +325,13 @@ KSX_VECTOR_OP Vector interleaveHigh64(Vector a, Vector b)
     return _mm_unpackhi_epi64(a, b);
 }
 
-/// The 16 bytes from byte `BYTES` on of `low` with `high` after it.
+/// 16 bytes of `low` followed by `high`, from byte `BYTES` on.
 template<int BYTES>
 KSX_VECTOR_OP Vector combineShiftRightBytes(Vector high, Vector low)
 {
     return _mm_alignr_epi8(high, low, BYTES);
 }
-/// The same with zeros after it.
+/// 16 bytes of `v` followed by zeros, from byte `BYTES` on.
 template<int BYTES>
 KSX_VECTOR_OP Vector shiftRightBytes(Vector v)
 {
@@ -343,7 +345,8 @@ KSX_VECTOR_OP Vector reverseBytes32(Vector v)
 
 // --- Between kinds of lanes ----------------------------------------------------------------------
 
-/// Lanes of `a`, then of `b`, narrowed from signed ones; values beyond the range become its limit.
+/// Signed lanes of `a`, then of `b`, narrowed. A value beyond the range of the narrow lanes becomes
+/// the limit of that range.
 KSX_VECTOR_OP Vector packSaturate32To16(Vector a, Vector b)
 {
     return _mm_packs_epi32(a, b);
@@ -353,7 +356,7 @@ KSX_VECTOR_OP Vector packSaturate16ToU8(Vector a, Vector b)
     return _mm_packus_epi16(a, b);
 }
 
-/// The same bits as another kind of lane.
+/// The same bits, read as another kind of lane.
 KSX_VECTOR_OP Vector bitsOf(FloatVector v)
 {
     return _mm_castps_si128(v);
@@ -363,7 +366,8 @@ KSX_VECTOR_OP FloatVector floatsOfBits(Vector v)
     return _mm_castsi128_ps(v);
 }
 
-/// Lanes of 32 bits as numbers. To integers: nearest, ties to even.
+/// Conversions between integers of 32 bits and floats. To integers, they round to nearest, ties to
+/// even.
 KSX_VECTOR_OP FloatVector toFloats(Vector v)
 {
     return _mm_cvtepi32_ps(v);
@@ -372,12 +376,13 @@ KSX_VECTOR_OP Vector toNearest32(FloatVector v)
 {
     return _mm_cvtps_epi32(v);
 }
-/// Cut towards zero.
+/// Rounds towards zero.
 KSX_VECTOR_OP Vector truncate32(FloatVector v)
 {
     return _mm_cvttps_epi32(v);
 }
-/// Between the two lanes of doubles and the lower half; the upper half of a result is 0.
+/// Conversions between two doubles and the lower half of a vector. The upper half of a result that
+/// is not doubles is 0.
 KSX_VECTOR_OP DoubleVector lowToDoubles(Vector v)
 {
     return _mm_cvtepi32_pd(v);
@@ -394,7 +399,7 @@ KSX_VECTOR_OP FloatVector toFloats(DoubleVector v)
 {
     return _mm_cvtpd_ps(v);
 }
-/// The upper half in both halves.
+/// The upper half of `v` in both halves.
 KSX_VECTOR_OP FloatVector upperHalf(FloatVector v)
 {
     return _mm_movehl_ps(v, v);
@@ -418,7 +423,7 @@ KSX_VECTOR_OP FloatVector max(FloatVector a, FloatVector b)
 {
     return _mm_max_ps(a, b);
 }
-/// All bits of a lane set where it holds, clear where not.
+/// Sets all bits of a lane if the comparison holds, and clears them if it does not.
 KSX_VECTOR_OP FloatVector lessOrEqual(FloatVector a, FloatVector b)
 {
     return _mm_cmple_ps(a, b);

@@ -1,6 +1,7 @@
 /// Constant vectors that stages share. Their names spell their contents: `v4i_0xff` is 255 in each
-/// of 4 lanes of 32 bits, `v8i_0xff` in each of 8 lanes of 16 bits. In the name of a mask the lanes
-/// run from the top one down, so `v4i_mask_x210` has lane 3 clear and the others set.
+/// of 4 lanes of 32 bits, `v8i_0xff` in each of 8 lanes of 16 bits. The name of a mask lists the
+/// lanes from the top one down, with x for a clear lane: `v8i_mask_x654x210` has lanes 3 and 7
+/// clear and the others set.
 #pragma once
 
 #include "conversion/pipeline/Vector.h"

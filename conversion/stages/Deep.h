@@ -1,5 +1,5 @@
-/// Stages of the formats with 16 bits a sample, and of the float layouts that the preview's colour
-/// tables are computed in. All are plain.
+/// Stages of the formats with 16 bits per sample, and of the float layouts that the preview's
+/// colour tables are computed in. All are plain.
 ///
 ///     b64a        A R G B, big-endian                  16ARGB_BE_FULL
 ///     L64A, l64a  A R G B, little-endian               16ARGB_LE_FULL, 16ARGB_LE_SMPTE
@@ -7,7 +7,7 @@
 ///     RGB32F      R G B, floats of 32 bits: 0 to 1 is code 0 to code 1023
 ///     YUV44432F   Y Cb Cr likewise, so neutral chroma is 0.5
 ///
-/// v216 needs no stage: it is `UYVYv8` as it lies in memory.
+/// v216 needs no stage: it is `UYVYv8` in memory.
 #pragma once
 
 #include "conversion/pipeline/EachVector.h"
@@ -18,8 +18,8 @@ namespace KSX::PixelConversion {
 
 // --- 64-bit RGB ----------------------------------------------------------------------------------
 
-// Both formats are `BGRAv8` but for the order of bytes, so one representation serves for either
-// side, and each stage for both directions.
+// Both formats differ from `BGRAv8` only in the order of bytes, so one representation serves both
+// sides of a stage, and each stage works in both directions.
 
 namespace details {
 
@@ -41,10 +41,10 @@ protected:
 
 } // namespace details
 
-/// Turns BGRAv8 into b64a and b64a into BGRAv8: the 8 bytes of a pixel reversed. 2 pixels a step.
+/// Turns BGRAv8 into b64a and b64a into BGRAv8: reverses the 8 bytes of a pixel. 2 pixels a step.
 class PACK_BGRAv8_TO_B64A : public EachVector<BGRAv8, 2, details::ReverseBytes> {};
 
-/// Turns L64A or l64a into BGRAv8 and BGRAv8 into them: the 4 lanes of a pixel reversed. 2 pixels a
+/// Turns L64A or l64a into BGRAv8 and BGRAv8 into them: reverses the 4 lanes of a pixel. 2 pixels a
 /// step.
 class UNPACK_L64A_TO_BGRAv8 : public EachVector<BGRAv8, 2, details::ReverseLanes> {};
 
@@ -72,8 +72,9 @@ inline constexpr float kCodesOfOne = (1 << BITS) - 1;
 
 namespace details {
 
-/// Four pixels of three floats as codes: of pixels 0 and 1, then of 2 and 3, lanes of 16 bits a, b,
-/// c and one without a meaning. Rounded to nearest, ties to even; saturated as signed values.
+/// Converts four pixels of three floats to codes, two pixels per vector: lanes of 16 bits a, b, c
+/// and one without meaning. Codes are rounded to nearest, ties to even, and saturate as signed
+/// values.
 template<int BITS>
 KSX_INLINE Pixels<BGRAv8, 4> codesOf(const Pixels<Packed<12>, 4>& in)
 {
@@ -131,7 +132,7 @@ private:
 };
 
 /// Packs RGBv4 of `BITS` bits to RGB32F, limited to 0 and 1. 4 pixels a step: 3 vectors in, 48
-/// bytes out. Lanes count with all their 32 bits.
+/// bytes out. All 32 bits of a lane count.
 template<int BITS>
 class PACK_RGBv4_TO_RGB32F : public Kernel<4, 4> {
 public:

@@ -6,11 +6,11 @@
 ///     bits       31..22   21..12   11..2   1 0
 ///     R10K       R        G        B       spare    10RGBX: R10l, R10L, R10b, R10B, R10A
 ///
-/// Words of R210 are big-endian, those of R10K as the format's name says. Spare bits are ignored
-/// when read and 0 when written; in R10A, where they stand for alpha, a stage behind the pack sets
-/// them. Nothing here looks at the range of the values. All stages are plain.
+/// Words of R210 are big-endian; the byte order of R10K is in the format's name. Spare bits are
+/// ignored when read and 0 when written. In R10A they are alpha, and a stage after the pack sets
+/// them. No stage depends on the range of the values. All stages are plain.
 ///
-/// A04l and A04L need no stage: they are `BGRAv8` as it lies in memory.
+/// A04l and A04L need no stage: they are `BGRAv8` in memory.
 #pragma once
 
 #include "conversion/pipeline/Kernel.h"
@@ -20,7 +20,7 @@ namespace KSX::PixelConversion {
 
 namespace details {
 
-/// Cuts words into components of 10 bits; `B` is the lowest bit of the lowest one.
+/// Splits words into components of 10 bits; `B` is the lowest bit of the lowest one.
 template<int B>
 KSX_INLINE Pixels<RGBv4, 4> splitRGB10(Vector words)
 {
@@ -32,12 +32,12 @@ KSX_INLINE Pixels<RGBv4, 4> splitRGB10(Vector words)
              field.template operator()<B>()}};
 }
 
-/// Joins components to words, each limited to 0 and 1023. Of a lane the low 16 bits count, as a
+/// Joins components to words, each limited to 0 to 1023. Only the low 16 bits of a lane count, as a
 /// signed value.
 template<int B>
 KSX_INLINE Vector joinRGB10(const Pixels<RGBv4, 4>& in)
 {
-    // Upper halves of a limit are 0, and so are those of what two limits leave.
+    // The upper halves of both limits are 0, so the upper halves of the result are 0 too.
     const auto field = [](Vector x, int bit) KSX_INLINE_LAMBDA {
         return shiftLeft32(max16(min16(x, v4i_0x3ff), v0), bit);
     };
@@ -47,9 +47,9 @@ KSX_INLINE Vector joinRGB10(const Pixels<RGBv4, 4>& in)
 /// Unpacks words to RGBv8. 8 pixels a step: 32 bytes in, 3 vectors out. `B` is the lowest bit of
 /// the lowest component.
 ///
-/// A component lies in two bytes of its word, beginning at one of the lower 7 bits. Byte shuffles
-/// put them into lanes; the multiplication brings the component to the top, which drops what stood
-/// above, and the shift to the bottom.
+/// A component lies in two bytes of its word and begins at one of the lower 7 bits. Byte shuffles
+/// put the two bytes into a lane. A shift to the left moves the component to the top of the lane
+/// and drops the bits above it, and a shift to the right moves it to the bottom.
 template<int B, bool BE>
 class UNPACK_RGB10_TO_RGBv8 : public Kernel<8, 8> {
 public:
@@ -60,7 +60,7 @@ public:
     KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
     {
         constexpr int kR = B + 20, kG = B + 10;
-        // R and B of 4 pixels at once, and G of 4 into either half.
+        // R and B of 4 pixels in one vector, and G of 4 pixels in the lower or the upper half.
         const Vector redBlue =
             v16i(low(kR), high(kR), low(kR, 1), high(kR, 1), low(kR, 2), high(kR, 2), low(kR, 3),
                  high(kR, 3), low(B), high(B), low(B, 1), high(B, 1), low(B, 2), high(B, 2),
@@ -89,7 +89,7 @@ public:
     }
 
 private:
-    /// The bytes of pixel `pixel` that have the component which begins at `bit`.
+    /// The lower and the upper byte of pixel `pixel` that hold the component beginning at `bit`.
     static constexpr char low(int bit, int pixel = 0)
     {
         return static_cast<char>(4 * pixel + (BE ? 3 - bit / 8 : bit / 8));
@@ -107,7 +107,7 @@ private:
     }
 };
 
-/// Packs RGBv8 to words, each component limited to 0 and 1023 as a signed value. 8 pixels a step: 3
+/// Packs RGBv8 to words, each component limited to 0 to 1023 as a signed value. 8 pixels a step: 3
 /// vectors in, 32 bytes out.
 template<int B, bool BE>
 class PACK_RGBv8_TO_RGB10 : public Kernel<8, 8> {
@@ -126,7 +126,7 @@ public:
 private:
     KSX_INLINE static Vector limited(Vector x) { return max16(min16(x, v8i_0x3ff), v0); }
 
-    /// B and G by a multiply-and-add, R from the upper half of its lane.
+    /// Joins B and G by a multiply-and-add, and R from the upper half of its lane.
     KSX_INLINE static Vector words(Vector bg, Vector r)
     {
         constexpr Vector weights = v4i((1024 << B) << 16 | 1 << B);
@@ -171,7 +171,7 @@ public:
     }
 };
 
-/// Packs RGBv8 to R210, each component limited to 0 and 1023 as a signed value. 8 pixels a step: 3
+/// Packs RGBv8 to R210, each component limited to 0 to 1023 as a signed value. 8 pixels a step: 3
 /// vectors in, 32 bytes out.
 class PACK_RGBv8_TO_R210 : public details::PACK_RGBv8_TO_RGB10<0, true> {};
 

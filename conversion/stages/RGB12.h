@@ -8,12 +8,11 @@
 ///     byte    0   1       2   3   4       5   6   7       8
 ///             R0  R0 G0   G0  B0  B0 R1   R1  G1  G1 B1   B1      low nibble first
 ///
-/// A row is whole groups; pixels of the last one that lie behind the row's width have no defined
-/// value. S12L is `BGRAv8` of 12 bits with 0 in the place of alpha. All stages are plain.
+/// A row consists of whole groups. Pixels of the last group that are beyond the row's width have no
+/// defined value. S12L is `BGRAv8` of 12 bits with 0 in the place of alpha. All stages are plain.
 ///
-/// 32 pixels are the least that is a whole number of both groups and vectors, and so what a step
-/// is. Stages take them in parts of a group, in vectors of its bytes 0 to 15, 16 to 31 and 20
-/// to 35.
+/// A step is 32 pixels, the smallest number that is a whole number of groups and of vectors. Stages
+/// do a step in parts of one group, with vectors of its bytes 0 to 15, 16 to 31 and 20 to 35.
 #pragma once
 
 #include "conversion/pipeline/Kernel.h"
@@ -21,7 +20,7 @@
 
 namespace KSX::PixelConversion {
 
-/// The order of components in the stream. There is one.
+/// The order of components in the stream. There is only one.
 struct R12KComponentOrderRGB {};
 struct R12KPackingOrderRGB {};
 
@@ -48,8 +47,8 @@ public:
 
 protected:
     /// Two pixels from the 9 bytes that begin at byte `B`, samples at the top of their lanes. A
-    /// sample begins at bit 0 or 4 of two bytes; the multiplication brings both to bit 4 and drops
-    /// what stood above.
+    /// sample begins at bit 0 or 4 of two bytes. The multiplication moves it to bit 4 in both cases
+    /// and drops the bits above it.
     template<int B>
     KSX_INLINE static Vector pairAtTop(Vector stream)
     {
@@ -83,8 +82,8 @@ public:
 
 namespace details {
 
-/// The 9 bytes of two pixels, whose samples lie two by two in the low 24 bits of three lanes, from
-/// byte `AT` of a vector on: those that lie in it.
+/// Moves the 9 bytes of two pixels to byte `AT` of a vector and on, and drops those outside it. The
+/// samples of `joined` lie two by two in the low 24 bits of three lanes.
 template<int AT>
 KSX_INLINE Vector placed(Vector joined)
 {
@@ -97,7 +96,7 @@ KSX_INLINE Vector placed(Vector joined)
                                      byte(13), byte(14), byte(15)));
 }
 
-/// The group of four pixel pairs.
+/// Joins four pixel pairs to a group.
 KSX_INLINE Pixels<Packed<36, 8>, 8> groupOf(Vector q0, Vector q1, Vector q2, Vector q3)
 {
     return {{bitOr(placed<0>(q0), placed<9>(q1)),
@@ -107,8 +106,8 @@ KSX_INLINE Pixels<Packed<36, 8>, 8> groupOf(Vector q0, Vector q1, Vector q2, Vec
 
 } // namespace details
 
-/// Packs BGRAv8 to R12L or R12l. 32 pixels a step: 16 vectors in, 144 bytes out. Of each lane the
-/// low 12 bits go into the stream: nothing is limited, so 4096 becomes 0. Alpha is dropped.
+/// Packs BGRAv8 to R12L or R12l. 32 pixels a step: 16 vectors in, 144 bytes out. The low 12 bits of
+/// each lane go into the stream. Nothing is limited, so 4096 becomes 0. Alpha is dropped.
 template<class ORDER>
 class PACK_BGRAv8_TO_R12L_SSSE3_T : public Kernel<32, 32> {
 public:
@@ -142,8 +141,8 @@ public:
     }
 };
 
-/// Packs BGRAv8 to S12L, which is its colour lanes as they are. 4 pixels a step: 2 vectors in, 32
-/// bytes out.
+/// Packs BGRAv8 to S12L, whose colour lanes are the same and whose alpha is 0. 4 pixels a step: 2
+/// vectors in, 32 bytes out.
 template<bool>
 class PACK_BGRAv8_TO_S12L : public Kernel<4, 4> {
 public:

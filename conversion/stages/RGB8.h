@@ -1,6 +1,6 @@
 /// Stages of the 8-bit RGB formats: bytes to the working representations and back, and moves
-/// between those. No arithmetic on colour: a value that enters as 37 leaves as 37, but for the
-/// saturation of a pack. All are plain.
+/// between those. There is no arithmetic on colour: values stay as they are, except that packs
+/// saturate. All stages are plain.
 ///
 ///     address    0   1   2   3
 ///     ARGB       A   R   G   B      8ARGB_FULL, 8ARGB_SMPTE
@@ -9,8 +9,8 @@
 ///     RGBA       R   G   B   A      8RGBA_FULL
 ///     RGB        R   G   B  |R      8RGB_FULL, 16 pixels in 48 bytes
 ///
-/// Alpha survives where a pipeline stays in `BGRAv8` or swaps bytes; `RGBv4` and `RGBv8` have none,
-/// and the packs from them write 255.
+/// Alpha is kept if a pipeline stays in `BGRAv8` or swaps bytes; `RGBv4` and `RGBv8` have none, and
+/// the packs from them write 255.
 #pragma once
 
 #include "conversion/pipeline/Kernel.h"
@@ -38,7 +38,7 @@ public:
 
 namespace details {
 
-/// Shuffles the lanes of both pixels of a `BGRAv8` vector alike.
+/// Shuffles the lanes of both pixels of a `BGRAv8` vector in the same way.
 template<int A, int B, int C, int D>
 KSX_INLINE Vector shufflePixels(Vector bgra)
 {
@@ -73,7 +73,7 @@ public:
 };
 
 /// Unpacks BGRX to BGRAv8. 4 pixels a step: 16 bytes in, 2 vectors out. Alpha is 255 whatever the
-/// fourth byte held.
+/// fourth byte holds.
 class UNPACK_BGRX_TO_BGRAv8 : public UNPACK_BGRA_TO_BGRAv8 {
 public:
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
@@ -86,8 +86,8 @@ public:
 
 namespace details {
 
-/// Cuts 4-byte pixels into components. `R`, `G` and `B` are the bytes at which they lie in a pixel,
-/// read as a little-endian word w:
+/// Splits 4-byte pixels into components. `R`, `G` and `B` are the bytes of the components in a
+/// pixel, which is read as a little-endian word w:
 ///
 ///     out[c][p] = (w[p] >> 8 * byte of c) & 255
 template<int R, int G, int B>
@@ -125,7 +125,9 @@ class UNPACK_RGBA_TO_RGBv4 : public details::UNPACK_BYTES_TO_RGBv4<0, 1, 2> {};
 
 namespace details {
 
-/// The same to RGBv8. Byte shuffles take R and G of 4 pixels at once, and B of 4 into either half.
+/// Unpacks 4-byte pixels to RGBv8. `R`, `G` and `B` are the bytes of the components in a pixel. One
+/// byte shuffle takes R and G of 4 pixels. Two others take B of 4 pixels, to the lower or the upper
+/// half.
 template<int R, int G, int B>
 class UNPACK_BYTES_TO_RGBv8 : public Kernel<8, 8> {
 public:
@@ -173,8 +175,8 @@ public:
     }
 };
 
-/// Regroups RGBv4 to BGRAv8. 4 pixels a step: 3 vectors in, 2 out. The alpha lane is 65535; stages
-/// behind see to it or do not look.
+/// Regroups RGBv4 to BGRAv8. 4 pixels a step: 3 vectors in, 2 out. The alpha lane is 65535; the
+/// stages after it set it or ignore it.
 class RGBv4_TO_BGRAv8 : public Kernel<4, 4> {
 public:
     static constexpr Range kRange = Range::Kept;
@@ -216,7 +218,7 @@ public:
 };
 
 /// Packs BGRAv8 to ARGB, saturating. 4 pixels a step: 2 vectors in, 16 bytes out. One byte shuffle
-/// behind the narrowing is cheaper than four lane shuffles before it.
+/// after the narrowing is cheaper than four lane shuffles before it.
 class PACK_BGRAv8_TO_ARGB : public PACK_BGRAv8_TO_BGRA {
 public:
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
@@ -230,10 +232,11 @@ public:
 namespace details {
 
 /// Joins components to 4-byte pixels, saturating, with an alpha of 255. `R`, `G`, `B` and `A` are
-/// the bytes at which they lie in a pixel.
+/// the bytes of the components in a pixel.
 ///
-/// Of each lane the low 16 bits count. They become four lanes of 16 bits a pixel in the order of
-/// the bytes, and are narrowed as signed values. Alpha goes in as 0x3fff and saturates to 255.
+/// Only the low 16 bits of each lane count. They become four lanes of 16 bits per pixel, in the
+/// order of the bytes, and are narrowed as signed values. Alpha starts as 0x3fff and saturates to
+/// 255.
 template<int R, int G, int B, int A>
 class PACK_RGBv4_TO_BYTES : public Kernel<4, 4> {
 public:
@@ -276,8 +279,9 @@ class PACK_RGBv4_TO_RGBA : public details::PACK_RGBv4_TO_BYTES<0, 1, 2, 3> {};
 
 namespace details {
 
-/// Planes of 8 pixels as 4-byte pixels, saturating. Narrowed first, two components a vector, then
-/// interleaved twice. `R`, `G`, `B` and `A` are the bytes at which components lie in a pixel.
+/// Packs planes of 8 pixels to 4-byte pixels, saturating. Lanes are narrowed first, two components
+/// per vector, then interleaved twice. `R`, `G`, `B` and `A` are the bytes of the components in a
+/// pixel.
 template<int R, int G, int B, int A>
 KSX_INLINE Pixels<Packed<4>, 8> interleaveBytes(Vector r, Vector g, Vector b, Vector a)
 {
@@ -291,7 +295,8 @@ KSX_INLINE Pixels<Packed<4>, 8> interleaveBytes(Vector r, Vector g, Vector b, Ve
     return {{interleaveLow16(c01, c23), interleaveHigh16(c01, c23)}};
 }
 
-/// The same from RGBv8.
+/// Packs RGBv8 to 4-byte pixels, saturating, with an alpha of 255. `R`, `G`, `B` and `A` are the
+/// bytes of the components in a pixel.
 template<int R, int G, int B, int A>
 class PACK_RGBv8_TO_BYTES : public Kernel<8, 8> {
 public:
@@ -315,8 +320,8 @@ class PACK_RGBv8_TO_BGRA : public details::PACK_RGBv8_TO_BYTES<2, 1, 0, 3> {};
 
 /// Widens RGB to RGBA with an alpha of 255. 16 pixels a step: 48 bytes in, 64 bytes out.
 ///
-/// Pieces of 12 bytes, cut at 0, 12, 24 and 36 across the vectors' boundaries, hold 4 pixels each;
-/// one byte shuffle opens the gaps for alpha.
+/// Pieces of 12 bytes, taken at 0, 12, 24 and 36 across the boundaries of vectors, hold 4 pixels
+/// each. One byte shuffle opens the gaps for alpha.
 class UNPACK_RGB_TO_RGBA_SSSE3 : public Kernel<16, 16> {
 public:
     using Input = Packed<3>;
@@ -338,11 +343,11 @@ private:
 
 namespace details {
 
-/// Narrows 4-byte pixels to RGB. `R`, `G` and `B` are the bytes at which components lie in a pixel.
-/// 16 pixels a step: 64 bytes in, 48 bytes out.
+/// Narrows 4-byte pixels to RGB. `R`, `G` and `B` are the bytes of the components in a pixel. 16
+/// pixels a step: 64 bytes in, 48 bytes out.
 ///
-/// One byte shuffle closes the gaps of each vector. The 12 bytes that are left lie in it where its
-/// neighbours need them, some in two places: each output is cut from two such vectors side by side.
+/// One byte shuffle closes the gaps of each vector. It puts the 12 bytes that remain where the
+/// outputs need them, some in two places. Each output is 16 bytes taken across two such vectors.
 template<int R, int G, int B>
 class PACK_BYTES_TO_RGB : public Kernel<16, 16> {
 public:
@@ -360,8 +365,8 @@ public:
     }
 
 private:
-    /// The bytes of 4 pixels without gaps, from byte 0 on below byte `SPLIT` and from byte 4 on
-    /// above.
+    /// The bytes of 4 pixels without gaps: byte i of them goes to byte i of the result if i is
+    /// below `SPLIT`, and to byte i + 4 if i + 4 is at least `SPLIT`.
     template<int SPLIT>
     KSX_INLINE static Vector closed(Vector pixels)
     {
@@ -381,8 +386,8 @@ private:
 /// Narrows RGBA to RGB, dropping alpha. 16 pixels a step: 64 bytes in, 48 bytes out.
 class PACK_RGBA_TO_RGB : public details::PACK_BYTES_TO_RGB<0, 1, 2> {};
 
-/// Reverses the 4 bytes of every pixel: ARGB to BGRA and back, alpha and all. 4 pixels a step: 16
-/// bytes in, 16 bytes out.
+/// Reverses the 4 bytes of every pixel: ARGB to BGRA and back, alpha too. 4 pixels a step: 16 bytes
+/// in, 16 bytes out.
 class ENDIAN_SWAP_PACKED_RGB : public Kernel<4, 4> {
 public:
     using Input = Packed<4>;

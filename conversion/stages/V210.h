@@ -8,8 +8,8 @@
 ///     3      Y4          Cr4      Y5
 ///
 /// So the samples of a row are in the order of UYVY. Bits 30 and 31 are ignored when read and 0
-/// when written. A row is whole groups; samples of the last one that lie behind the row's width
-/// have no defined value.
+/// when written. A row consists of whole groups. Samples of the last group that are beyond the
+/// row's width have no defined value.
 #pragma once
 
 #include "conversion/colour/ChromaReconstruction.h"
@@ -21,9 +21,9 @@ namespace KSX::PixelConversion {
 
 namespace details {
 
-/// Brings samples to the top of their lanes. Byte shuffles have put them there, two bytes each, so
-/// that sample 3i + k of a group begins at bit 2k; the multiplication drops what stood above.
-/// `FIRST` is the number of the first one.
+/// Moves samples to the top of their lanes. Byte shuffles have put the two bytes of each sample
+/// into its lane, so that sample 3i + k of a group begins at bit 2k. The multiplication also drops
+/// the bits above the sample. `FIRST` is the number of the first sample.
 template<int FIRST>
 KSX_INLINE Vector samplesAtTop(Vector lanes)
 {
@@ -35,11 +35,12 @@ KSX_INLINE Vector samplesAtTop(Vector lanes)
     return mulLow16(lanes, factors);
 }
 
-/// Cuts two groups into 24 samples at the top of a lane each.
+/// Splits two groups into 24 samples, each at the top of a lane.
 KSX_INLINE Pixels<UYVYv8, 12> samplesAtTop(Vector first, Vector second)
 {
     const Vector from0 = v16i(0, 1, 1, 2, 2, 3, 4, 5, 5, 6, 6, 7, 8, 9, 9, 10);
-    // Samples 8 to 11 of the first group and 0 to 3 of the second, in a vector of half of each.
+    // Samples 8 to 11 of the first group and 0 to 3 of the second, from a vector with half of each
+    // group.
     const Vector from8 = v16i(2, 3, 4, 5, 5, 6, 6, 7, 8, 9, 9, 10, 10, 11, 12, 13);
     const Vector from16 = v16i(5, 6, 6, 7, 8, 9, 9, 10, 10, 11, 12, 13, 13, 14, 14, 15);
     return {{samplesAtTop<0>(shuffleBytes(first, from0)),
@@ -47,7 +48,7 @@ KSX_INLINE Pixels<UYVYv8, 12> samplesAtTop(Vector first, Vector second)
              samplesAtTop<16>(shuffleBytes(second, from16))}};
 }
 
-/// The same with each sample as the value of its lane.
+/// Splits two groups into 24 samples, each as the value of its lane.
 KSX_INLINE Pixels<UYVYv8, 12> samplesOf(Vector first, Vector second)
 {
     auto samples = samplesAtTop(first, second);
@@ -84,9 +85,9 @@ public:
 /// Unpacks v210 to UYVY444v8. 12 pixels a step: 32 bytes in, 6 vectors out. Looks ahead: an odd
 /// pixel's chroma is rebuilt from the pairs to its left and right.
 ///
-/// The last pair counts as its own successor at the end of a row that is a whole number of steps,
-/// and at the end of one whose width the pipeline is made for (`Pipeline::kLine`). Otherwise
-/// whatever pair stands next in memory counts, padding or not. Steps are read whole.
+/// The last pair of a row counts as its own successor if the row is a whole number of steps, or if
+/// the pipeline is for the row's width (`Pipeline::kLine`). Otherwise the pair that comes next in
+/// memory counts, even if it is padding. Steps are read whole.
 template<SseFlag>
 class UNPACK_V210_TO_UYVY444v8_T : public Kernel<12, 12> {
 public:
@@ -111,13 +112,13 @@ public:
         static_assert(PIXELS % 4 == 0, "a row ends with a vector of samples");
         auto samples = details::samplesOf(in[0], in[1]);
         constexpr unsigned kLast = PIXELS / 4 - 1;
-        // What follows the row's last pair is replaced by it; the pixels there are no one's.
+        // The row's last pair replaces the pair after it; the pixels there are not part of the row.
         samples[kLast + 1] = repeatLastPair(samples[kLast]);
         return unpack(samples, v0);
     }
 
 private:
-    /// `next` begins with the pair behind the step.
+    /// `next` begins with the pair after the step.
     KSX_INLINE static Pixels<Output, 12> unpack(const Pixels<UYVYv8, 12>& samples, Vector next)
     {
         Pixels<Output, 12> out;
@@ -132,7 +133,8 @@ private:
 
 namespace details {
 
-/// Packs UYVYv8 to v210. 12 pixels a step: 3 vectors in, 32 bytes out. Plain. Lanes are 0 to 1023.
+/// Packs UYVYv8 to v210. 12 pixels a step: 3 vectors in, 32 bytes out. Plain. Lanes have to be 0 to
+/// 1023.
 ///
 ///     word[i] = in[3i] | in[3i + 1] << 10 | in[3i + 2] << 20
 class PACK_LIMITED_UYVYv8_TO_V210 : public Kernel<12, 12> {
@@ -142,8 +144,8 @@ public:
 
     KSX_INLINE Pixels<Output, 12> step(const Pixels<Input, 12>& in) const
     {
-        // Sample 3i + k is brought to bit 2k of its lane, from where whole bytes go to their word:
-        // the first and third of a word side by side, the second over both.
+        // Sample 3i + k moves to bit 2k of its lane, so that whole bytes can go to their word: the
+        // first and third sample of a word side by side, the second over both.
         const Vector a = shifted<0>(in[0]);
         const Vector b = shifted<8>(in[1]);
         const Vector c = shifted<16>(in[2]);
@@ -181,7 +183,7 @@ private:
 
 } // namespace details
 
-/// Packs UYVYv8 to v210, lanes limited to 0 and 1023 as signed values. 12 pixels a step: 3 vectors
+/// Packs UYVYv8 to v210, lanes limited to 0 to 1023 as signed values. 12 pixels a step: 3 vectors
 /// in, 32 bytes out. Plain.
 class PACK_UYVYv8_TO_V210 : public details::PACK_LIMITED_UYVYv8_TO_V210 {
 public:

@@ -84,7 +84,7 @@ namespace details {
 ///     C(2k) = stored pair k         C(2k + 1) = (C(2k) + C(2k + 2) + 1) >> 1
 ///
 /// At the end of a row the last pair counts as its own successor. `CHROMA_BYTE` is the byte of
-/// every two in which chroma lies.
+/// every two that holds chroma.
 template<int CHROMA_BYTE>
 class UNPACK_422_TO_UYVY444v8 : public Kernel<8, 8> {
 public:
@@ -109,7 +109,7 @@ private:
         return BYTE == 0 ? bitAnd(v, v8i_0xff) : shiftRightU16(v, 8);
     }
 
-    /// `successors` has the pair behind each pair of `v`.
+    /// `successors` has the next pair for each pair of `v`.
     KSX_INLINE static Pixels<Output, 8> unpack(Vector v, Vector successors)
     {
         const Vector evenChroma = field<CHROMA_BYTE>(v);

@@ -41,8 +41,8 @@ public:
 };
 
 /// Unpacks ay10 or Ay10 to 4:4:4 with alpha. 4 pixels a step: 16 bytes in, 3 vectors out. Looks
-/// ahead, and reads whole steps: where a row ends inside one, its last odd pixel averages with the
-/// pair that stands behind it in memory.
+/// ahead, and reads whole steps: if a row ends inside a step, its last odd pixel averages with the
+/// pair that comes next in memory.
 template<PixelCenterFlag C>
 class UNPACK_YUVA : public Kernel<4, 4> {
     static_assert(C == C0);
@@ -72,8 +72,8 @@ private:
     }
 };
 
-/// Adds an alpha of 1023 to UYVYv8: opaque in Ay10, and in ay10 above the 940 that is opaque there,
-/// to which its readers limit it. 4 pixels a step: 1 vector in, 2 out. Plain.
+/// Adds an alpha of 1023 to UYVYv8. In Ay10 this is opaque. In ay10 opaque is 940, and readers
+/// limit alpha to that, so 1023 is opaque there too. 4 pixels a step: 1 vector in, 2 out. Plain.
 class UYVYv8_TO_YUVA : public Kernel<4, 4> {
 public:
     using Input = UYVYv8;
@@ -85,7 +85,7 @@ public:
     }
 };
 
-/// Packs 10-bit 4:2:2 with alpha to ay10 or Ay10, each sample limited to 0 and 1023 as a signed
+/// Packs 10-bit 4:2:2 with alpha to ay10 or Ay10, each sample limited to 0 to 1023 as a signed
 /// value. 4 pixels a step: 2 vectors in, 16 bytes out. Plain.
 class PACK_YUVA : public Kernel<4, 4> {
 public:
