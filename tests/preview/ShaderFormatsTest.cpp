@@ -6,7 +6,7 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -15,11 +15,11 @@ namespace {
 
 TEST(ShaderFormats, AreTheCasesOfTheShadersSwitch)
 {
-    const std::string shader = kFragmentShader;
-    const std::regex label(R"(\bcase\s+(\w+)u\s*:)");
+    std::istringstream words(kFragmentShader);
     std::vector<std::uint32_t> cases;
-    for (std::sregex_iterator at(shader.begin(), shader.end(), label), end; at != end; ++at)
-        cases.push_back(static_cast<std::uint32_t>(std::stoul(at->str(1), nullptr, 0)));
+    for (std::string word, code; words >> word;)
+        if (word == "case" && words >> code)
+            cases.push_back(static_cast<std::uint32_t>(std::stoul(code, nullptr, 0)));
 
     std::vector<std::uint32_t> listed;
     for (const ShaderFormat& format : kShaderFormats)
