@@ -1,4 +1,5 @@
-/// The pixel formats in memory: their names, and how many bytes a row takes; the names of colourspaces.
+/// The pixel formats in memory: their names, and how many bytes a row takes; the names of
+/// colourspaces.
 #pragma once
 
 #include "conversion/KSXPixelConversion.h"

@@ -108,8 +108,7 @@ private:
 /// Rescales `RGBv4`. 4 pixels a step. Plain.
 template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P>
 class RGBvX_RESCALE_T
-    : public EachVector<RGBv4, 4,
-                        RGB_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P, V0>> {
+    : public EachVector<RGBv4, 4, RGB_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P, V0>> {
 public:
     static constexpr Range kRange = Range::Kept;
 };
@@ -117,8 +116,7 @@ public:
 /// Rescales `RGBv8`. 8 pixels a step. Plain.
 template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P>
 class RGBv8_RESCALE
-    : public EachVector<RGBv8, 8,
-                        RGB_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P, V1>> {
+    : public EachVector<RGBv8, 8, RGB_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P, V1>> {
 public:
     static constexpr Range kRange = Range::Kept;
 };
@@ -130,8 +128,7 @@ class RGBv4_RESCALE : public RGBvX_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FUL
 /// Rescales all lanes of `BGRAv8`, alpha like a colour. 2 pixels a step. Plain.
 template<int IN_BITS, bool IN_FULL, int OUT_BITS, bool OUT_FULL, PrecisionFlag P>
 class BGRAv8_RESCALE_T
-    : public EachVector<BGRAv8, 2,
-                        RGB_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P, V1>> {
+    : public EachVector<BGRAv8, 2, RGB_RESCALE_T<IN_BITS, IN_FULL, OUT_BITS, OUT_FULL, P, V1>> {
 public:
     static constexpr Range kRange = Range::Kept;
 };

@@ -1,5 +1,5 @@
-/// Found in front of the engine's own header of this name: no rules, so that every pipeline runs the
-/// stages that it lists.
+/// Found in front of the engine's own header of this name: no rules, so that every pipeline runs
+/// the stages that it lists.
 #pragma once
 
 #include "conversion/pipeline/Rewriting.h"
