@@ -6,9 +6,7 @@
 #include "conversion/pipeline/By601Lines.h"
 #include "conversion/pipeline/Transform.h"
 
-namespace KSX::PixelConversion {
-
-namespace details {
+namespace KSX::PixelConversion::details {
 
 /// Runs `PIPELINE` with the arguments of a `ConversionFunction`.
 template<class PIPELINE, unsigned FLAGS>
@@ -49,7 +47,7 @@ struct Selection<By601Lines<PAL, NTSC>> {
     }
 };
 
-} // namespace details
+} // namespace KSX::PixelConversion::details
 
 /// Defines the entry `NAME`. All arguments after it are the pipeline.
 #define CONVERSION(NAME, ...)                                                                      \
@@ -59,5 +57,3 @@ struct Selection<By601Lines<PAL, NTSC>> {
         details::Selection<__VA_ARGS__>::pick(width, height)(width, height, dst, dstRowBytes, src, \
                                                              srcRowBytes);                         \
     }
-
-} // namespace KSX::PixelConversion
