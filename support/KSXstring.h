@@ -1,5 +1,5 @@
-/// Strings that cross an interface: plain `char` pointers, made by `strdup`, which the receiver
-/// gives back by `free`.
+/// Strings that cross an interface. They are plain `char` pointers from `strdup`, and the receiver
+/// frees them with `free`.
 ///
 /// Reentrant. No pointer may be null.
 #pragma once
@@ -7,17 +7,18 @@
 #include <cstddef>
 #include <string>
 
-/// Bytes that a copy of `source` takes, the terminating 0 counted.
+/// Bytes that a copy of `source` takes, with its terminating 0.
 std::size_t KSXstringBytesRequired(const char* source);
 
-/// Stores a copy of `source` in `out` and returns it. Null where memory is short.
+/// Stores a copy of `source` in `out` and returns it. Null if allocation fails.
 const char* KSXstringFromCharArray(const char** out, const char* source);
 
-/// The same of the characters of `source`, up to the first 0.
+/// The same for the characters of `source` up to the first 0.
 const char* KSXstringFromStdString(const char** out, const std::string& source);
 
-/// Copies `source` to the `length` bytes at `destination`, cut to `length` - 1 characters where it
-/// is longer, filled with 0 where it is shorter; always terminated. `length` is 1 or more.
+/// Copies `source` to the `length` bytes at `destination`. Cuts it to `length` - 1 characters if it
+/// is longer, and fills the rest with 0 if it is shorter. The result always ends with a 0. `length`
+/// is at least 1.
 void KSXstringToCharArray(const char* source, char* destination, unsigned length);
 
 /// Makes `destination` equal to `source`. Throws `std::bad_alloc`.

@@ -1,4 +1,4 @@
-/// Identifiers by libuuid.
+/// Makes identifiers with libuuid.
 #include "support/KSXuuid.h"
 
 #include <uuid/uuid.h>

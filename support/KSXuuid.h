@@ -1,4 +1,4 @@
-/// Identifiers that are unique in the world.
+/// Universally unique identifiers.
 #pragma once
 
 #include <cstdint>
@@ -9,9 +9,10 @@ struct KSXuuid {
     std::uint8_t bytes[16];
 };
 
-/// Makes an identifier that no one else has: random where the system has good random numbers, by
-/// clock and network address otherwise. Any thread.
+/// Makes an identifier that nobody else has: random if the system has good random numbers, and
+/// otherwise from the clock and the network address. May be called on any thread.
 KSXuuid KSXuuid_Generate();
 
-/// The bytes in order as 32 upper-case hexadecimal digits, no hyphens. Throws `std::bad_alloc`.
+/// The bytes in order as 32 upper-case hexadecimal digits, without hyphens. Throws
+/// `std::bad_alloc`.
 std::string KSXuuidToStdString(KSXuuid uuid);
