@@ -1,4 +1,4 @@
-/// Tests of what is painted: a real context, frames of noise, a picture to paint into.
+/// For tests of what helpers paint: a real context, frames of noise, and a picture to paint into.
 #pragma once
 
 #include "tests/common/GLContext.h"
@@ -11,7 +11,7 @@
 
 namespace kestrix::test {
 
-/// Noise in the size and format asked for.
+/// Noise in the given size and format.
 inline Frame noise(const host::MemoryFrameOptions& options, std::uint64_t seed)
 {
     Frame frame = TestFrame::create(options);
@@ -19,12 +19,12 @@ inline Frame noise(const host::MemoryFrameOptions& options, std::uint64_t seed)
     return frame;
 }
 
-/// A helper in a context of its own, of which the driver must have nothing to say.
+/// A helper in a context of its own. The driver must have no message about what the helper does.
 class DriverTest : public testing::Test {
 protected:
     explicit DriverTest(GLContext::Kind kind) : context(kind) {}
 
-    /// To be called first by what overrides it.
+    /// A class that overrides this function calls it first.
     void SetUp() override
     {
         ASSERT_EQ(context.failure(), "");

@@ -1,4 +1,4 @@
-/// What the OpenGL 3 helper asks of a context, and what it makes in it.
+/// What the OpenGL 3 helper needs of a context, and what it makes in it.
 #include "preview/ScreenPreviewLut.h"
 #include "tests/common/PreviewFixture.h"
 
@@ -16,8 +16,8 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// Entry points are looked up once in a process and kept, so each round runs in a process of its
-// own. Helpers there are never released: that would call what was not found.
+// A process looks up entry points once and keeps them, so each round runs in a process of its own.
+// The helpers there are never released: that would call entry points that were not found.
 TEST(GL3EntryPointsDeathTest, AreLookedUpOnceAndMustAllBeThere)
 {
     constexpr std::size_t kEntryPoints = 45;
@@ -28,20 +28,20 @@ TEST(GL3EntryPointsDeathTest, AreLookedUpOnceAndMustAllBeThere)
         auto* const helper = CreateOpenGL3ScreenPreviewHelper_0002();
         gl.failLookup(static_cast<int>(position));
         EXPECT_EQ(helper->InitializeGL(), E_FAIL);
-        // The look-up ends at the first that is missing.
+        // The look-up ends at the first entry point that is missing.
         EXPECT_EQ(gl.lookups().size(), position + 1);
         EXPECT_THAT(gl.calls(), IsEmpty());
         EXPECT_EQ(helper->PaintGL(), E_FAIL);
         std::set<std::string> asked(gl.lookups().begin(), gl.lookups().end());
 
-        // What was found is kept, the rest is looked up at the next attempt.
+        // The entry points that were found are kept. The next attempt looks up the rest.
         gl.clear();
         gl.failLookup(-1);
         EXPECT_EQ(helper->InitializeGL(), S_OK);
         EXPECT_EQ(gl.lookups().size(), kEntryPoints - position);
         EXPECT_EQ(helper->PaintGL(), S_OK);
 
-        // Nothing is called past the look-ups.
+        // The helper calls no function that it has not looked up.
         asked.insert(gl.lookups().begin(), gl.lookups().end());
         EXPECT_EQ(asked.size(), kEntryPoints);
         for (const std::string& name : gl.callNames())
@@ -76,7 +76,7 @@ TEST(GL3Initialization, IsNeededBeforePaintingAndNeedsVersion32)
     EXPECT_THAT(gl.fake.live, IsEmpty());
     for (const auto& [major, minor] : {std::pair{3, 2}, {3, 3}, {4, 0}, {4, 6}})
         EXPECT_EQ(initialise(major, minor), S_OK) << major << '.' << minor;
-    // A helper that was good once goes on painting.
+    // A helper that was initialised once goes on painting.
     EXPECT_EQ(initialise(2, 1), E_NOTIMPL);
     EXPECT_EQ(helper->PaintGL(), S_OK);
 }

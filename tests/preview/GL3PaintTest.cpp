@@ -25,7 +25,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 
-// 16 by 8 pixels of 4 bytes, 16 bytes of padding a line: rows of 20 texels, 4 of them in a texture.
+// 16 by 8 pixels of 4 bytes, and 16 bytes of padding a line: rows of 20 texels, 4 of them in a
+// texture.
 const MemoryFrameOptions kSmall{.width = 16, .height = 8, .format = code("BGRA"), .rowBytes = 80};
 constexpr int kRow = 20;
 constexpr int kRows = 4;
@@ -55,7 +56,7 @@ protected:
         EXPECT_EQ(helper->PaintGL(), S_OK);
     }
 
-    /// What went to the frame texture since the last paint began.
+    /// What was uploaded to the frame texture since the last paint began.
     std::vector<GLCall> uploads() const { return gl.callsTo({"glTexImage2D", "glTexSubImage2D"}); }
     std::vector<GLCall> tableUploads() const
     {
@@ -122,7 +123,7 @@ TEST_F(GL3Paint, MakesNewStorageWhereSizeOrFormatChange)
     changed.flags = ~std::uint32_t{FrameFlagFlipVertical};
     changed.colorspace = code("2020");
     expectStorage(false);
-    expectUniform("glUniform1i", "vFlip", 0); // no other bit turns a frame over
+    expectUniform("glUniform1i", "vFlip", 0); // no other bit flips a frame
     changed.width = 15;
     expectStorage(true);
     changed.height = 10;
@@ -136,7 +137,7 @@ TEST_F(GL3Paint, MakesNewStorageWhereSizeOrFormatChange)
 
 TEST_F(GL3Paint, RoundsSizesDown)
 {
-    // 4 texels and 3 bytes a line; 5 lines, of which 2 pairs.
+    // 4 texels and 3 bytes a line. 5 lines, which are 2 pairs and one more.
     paint(
         TestFrame::create({.width = 4, .height = 5, .format = code("2vuy"), .rowBytes = 19}).get());
     EXPECT_THAT(uploads(), ElementsAre(storage(4, 2), call("glTexSubImage2D", GL_TEXTURE_2D, 0, 0,
@@ -146,7 +147,7 @@ TEST_F(GL3Paint, RoundsSizesDown)
     EXPECT_THAT(uploads(), Contains(storage(4, 0)));
 }
 
-// Which part is then to be seen where is shown by pixels.
+// GL3PixelsTest.cpp checks which part is shown where.
 TEST_F(GL3Paint, KeepsStorageForAsLongAsTheEyesAreShownTheSameWay)
 {
     struct {
@@ -159,9 +160,9 @@ TEST_F(GL3Paint, KeepsStorageForAsLongAsTheEyesAreShownTheSameWay)
                        {"side", 2, 2, 1},
                        {"defa", 3, 1, 2}};
     const Frame right = TestFrame::create(kSmall);
-    // The packing is not what decides here.
+    // The packing does not decide here.
     const Frame left = TestFrame::create(stereo(kSmall, right, code("none")));
-    paint(left.get()); // one above the other until told otherwise
+    paint(left.get()); // one above the other by default
     for (const auto& [name, format, across, down] : cases) {
         SCOPED_TRACE(name);
         EXPECT_EQ(helper->Set3DPreviewFormat(code(name)), S_OK);
@@ -176,8 +177,8 @@ TEST_F(GL3Paint, KeepsStorageForAsLongAsTheEyesAreShownTheSameWay)
         paint(left.get());
         EXPECT_THAT(uploads(), Not(Contains(storage(kRow * across, kRows * down))));
 
-        // Without a right eye, or its bytes, the picture is the left one alone, in storage that may
-        // be too large. With one the way of showing has changed again.
+        // If the right eye or its bytes are missing, the picture is the left eye alone, in storage
+        // that may be too large. When the right eye is back, the way of showing has changed again.
         left->rightEyeStatus = E_FAIL;
         paint(left.get());
         EXPECT_EQ(uploads().size(), 1u);
@@ -193,7 +194,8 @@ TEST_F(GL3Paint, KeepsStorageForAsLongAsTheEyesAreShownTheSameWay)
     }
 }
 
-// Both are uploaded with the left one's size, so that another shape would be read out of bounds.
+// Both eyes are uploaded with the size of the left one, so an eye of another shape would be read
+// out of bounds.
 TEST_F(GL3Paint, LeavesOutARightEyeOfAnotherShape)
 {
     MemoryFrameOptions higher = kSmall;
@@ -217,7 +219,7 @@ TEST_F(GL3Paint, ExchangesTheTableOnlyWhereAnotherIsNeeded)
         std::optional<std::int64_t> colourspace;
         std::int64_t width;
         HRESULT getIntStatus;
-        std::optional<LutID> table; // the new one, none where the old one will do
+        std::optional<LutID> table; // the new one; none if the old one stays
     } const cases[] = {
         {code("2vuy"), {}, 16, S_OK, {}}, // Rec. 709 YCbCr is in place from the start
         {code("BGRA"), {}, 16, S_OK, LutID_FullRGB_709},
@@ -226,15 +228,15 @@ TEST_F(GL3Paint, ExchangesTheTableOnlyWhereAnotherIsNeeded)
         {code("v210"), code("2020"), 16, S_OK, LutID_YCbCr_2020},
         {code("v210"), {}, 720, S_OK, LutID_YCbCr_601_625},
         {code("r210"), code("r601"), 16, S_OK, LutID_StudioRGB_601_525},
-        // A code that nobody knows leaves it to the size.
+        // If the code is unknown, the size decides.
         {code("r210"), 12345, 16, S_OK, LutID_StudioRGB_709},
-        // Here any status but success is none.
+        // This helper ignores the code if the status is not `S_OK`.
         {code("r210"), code("2020"), 16, 1, {}},
         {code("r210"), code("2020"), 16, E_FAIL, {}},
     };
     EXPECT_THAT(tableUploads(), ElementsAre(tableCall("glTexImage3D", LutID_YCbCr_709)));
     expectUniform("glUniform1i", "fTex", 0);
-    expectUniform("glUniform1i", "fLut", 1); // the units that the host's page tells of
+    expectUniform("glUniform1i", "fLut", 1); // the units that docs/embedding.md names
     for (const auto& c : cases) {
         const Frame frame = TestFrame::create({.width = c.width,
                                                .height = 576,
@@ -280,7 +282,7 @@ TEST_F(GL3Paint, UploadsNothingOfAFrameWithoutBytes)
         EXPECT_EQ(frame->references(), 1u);
         EXPECT_EQ(frame->openAccesses(), 0);
 
-        // The new size is known by now, so the next frame of that size finds no change.
+        // The helper has recorded the new size, so the next frame of that size is no change.
         const Frame next = TestFrame::create(kSmall);
         paint(next.get());
         EXPECT_THAT(uploads(), ElementsAre(upload(0, 0, next)));
@@ -326,7 +328,7 @@ TEST_F(GL3Paint, HoldsTheFrameButNotItsBytesUntilTheFence)
     paint(left.get());
     EXPECT_EQ(left->references(), 1u);
 
-    // From the uploads on: the right bytes, the right frame, the left bytes.
+    // After the uploads the helper gives back the right bytes, the right frame and the left bytes.
     const auto rightEnd = std::ranges::find(log, "right EndAccess 1");
     const auto leftEnd = std::ranges::find(log, "left EndAccess 1");
     ASSERT_NE(leftEnd, log.end());

@@ -16,7 +16,8 @@ namespace {
 
 using host::MemoryFrameOptions;
 
-/// The lines of a frame that are uploaded, one below the other. GL counts them in whole texels.
+/// The lines of a frame that are uploaded, one below the other. GL counts their length in whole
+/// texels.
 TexturePicture uploadedLines(TestFrame& frame)
 {
     TexturePicture picture{
@@ -53,11 +54,11 @@ protected:
 
 // --- Against a model of the shader ---------------------------------------------------------------
 
-/// Whether the identity takes the place of all tables, to look at the unpacking alone.
+/// Whether the identity replaces all tables, to test the unpacking alone.
 bool identity = false;
 
-// In floats, where the helper leaves the precision to the driver, so that the low bits of deep
-// formats can be seen.
+// The helper leaves the precision of the table to the driver. This makes it floats, so that the low
+// bits of deep formats show.
 void floatTexImage3D(GLenum target, GLint level, GLint, GLsizei width, GLsizei height,
                      GLsizei depth, GLint border, GLenum format, GLenum type, const void*)
 {
@@ -88,9 +89,10 @@ protected:
         initialise();
     }
 
-    /// Paints what is in the helper and compares every pixel with the model's: `model(s, t)` gives
-    /// the colour at a place of the texture and how far off each of its components may be.
-    /// `flipped` pictures fill the view upside down; `part` of a picture's height is shown.
+    /// Paints what is in the helper and compares every pixel with the model. `model(s, t)` returns
+    /// the colour at a place of the texture, and the tolerance of each component. `flipped`
+    /// pictures fill the view upside down; `part` is the share of the picture's height that is
+    /// shown.
     void expectPicture(const std::function<std::pair<Colour, Colour>(double s, double t)>& model,
                        bool flipped = false, double part = 1)
     {
@@ -114,7 +116,7 @@ struct ShaderFormat {
     const char* name;
     int groupPixels;
     int groupBytes;
-    /// Of the four tables for its components and range.
+    /// The first of the four tables for the format's components and range.
     unsigned firstTable;
     bool filtered = false;
 };
@@ -136,15 +138,15 @@ protected:
     {
         const ShaderFormat& format = GetParam();
         const float* const table = ScreenPreviewLut::Get(id, LutFormat_RGBA32F);
-        // On noise: the weights of neighbours come from coordinates in single precision, which are
-        // the coarser the more pixels they count.
+        // For noise: the weights of neighbours come from coordinates in single precision. The
+        // coordinates are coarser if they count more pixels.
         const double inFloats = 2e-5 + 3e-7 * (frameWidth + frameHeight);
         const auto unpacked = [&](double s, double t) -> std::pair<Colour, Colour> {
             return {shaderColour(picture, format.code, table, frameWidth, frameHeight, s, t),
                     {inFloats, inFloats, inFloats, inFloats}};
         };
         // The sampler of 8-bit textures has weights of 8 bits, one for columns and one for lines.
-        // The table comes behind it, and makes the more of that the steeper it is there.
+        // The table comes after it, and enlarges the error where the table is steep.
         const auto filtered = [&](double s, double t) {
             const Colour sampled = sampledColour(picture, format.code, s, t);
             std::pair<Colour, Colour> result{throughTable(table, sampled),
@@ -172,7 +174,7 @@ protected:
 
 TEST_P(GL3FormatPixels, AreUnpackedToTheLastColumn)
 {
-    // Behind the last group nothing, less than a texel, one texel, and more.
+    // After the last group there is nothing, less than a texel, one texel, or more.
     for (const int padding : {0, 3, 4, 8, 20})
         for (const int width : {1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 12, 13, 16, 17, 23, 24, 30, 48}) {
             const Frame frame = noise(frameOf(width, padding), static_cast<std::uint64_t>(width));
@@ -191,7 +193,7 @@ TEST_P(GL3FormatPixels, ShowOneOrBothEyesInEveryColourspace)
         std::int64_t width, height;
         unsigned table;
     } const cases[] = {
-        {"none", 24, 12, 2}, // behind the identity
+        {"none", 24, 12, 2}, // through the identity
         {"2020", 23, 12, 3}, {"r709", 23, 12, 2}, {"r601", 23, 12, 0}, {"r601", 720, 576, 1},
     };
     for (const auto& c : cases) {
@@ -222,7 +224,7 @@ TEST_P(GL3FormatPixels, ShowOneOrBothEyesInEveryColourspace)
             expect(Preview3DLeftOnly, leftLines, width, height);
             expect(Preview3DRightOnly, rightLines, width, height);
             expect(Preview3DSideBySide, bothEyes(leftLines, rightLines, true), 2 * width, height);
-            // Flipped, the upper half alone is stretched over the view.
+            // If flipped, the upper half alone is stretched over the view.
             expect(Preview3DTopBottom, bothEyes(leftLines, rightLines, false), width, 2 * height,
                    flipped ? 0.5 : 1);
         }
@@ -246,7 +248,7 @@ TEST_F(GL3Unpacking, IsOpaqueBlackForWhatTheShaderDoesNotKnow)
     const auto black = [](double, double) -> std::pair<Colour, Colour> {
         return {{0, 0, 0, 1}, {}};
     };
-    // Before there was any frame.
+    // Before the first frame.
     expectPicture(black);
     for (const char* format : {"YUY2", "RGBA", "ay10", "none"}) {
         paint(noise({.width = 8, .height = 8, .format = code(format), .rowBytes = 32}, 1).get());
@@ -265,8 +267,8 @@ TEST_F(GL3Pixels, ShowFullRangeRec709AsItIsAndNoFrameAsNothing)
     const auto painted = canvas.read();
     for (int i = 0; i < 32 * 16; ++i) {
         const std::uint8_t* source = frame->bytes() + (i / 32 * 2 * 32 + i % 32) * 4;
-        // The driver may keep the table in 8 bits: half a code value of it, and as much for each
-        // of its three interpolations.
+        // The driver may keep the table in 8 bits. The error is half a code value for that, and as
+        // much for each of its three interpolations.
         for (std::size_t c = 0; c < 3; ++c)
             ASSERT_NEAR(painted[static_cast<std::size_t>(i)][c], source[2 - c] / 255.0, 2.0 / 255);
         ASSERT_EQ(painted[static_cast<std::size_t>(i)][3], 1.0f);

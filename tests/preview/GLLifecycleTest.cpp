@@ -1,5 +1,5 @@
-/// Both helpers through the ends that a host can bring about: contexts that fail, that go and that
-/// come again. Every GL object is counted.
+/// Both helpers in the situations that a host can cause: contexts that fail, end, and are made
+/// again. The tests count every GL object.
 #include "tests/common/CaseName.h"
 #include "tests/preview/DriverFixture.h"
 
@@ -60,8 +60,8 @@ TEST(GLObjects, AreDeletedAfterAnInitialisationThatFailed)
                 EXPECT_EQ(helper->InitializeGL(), fails ? status : S_OK);
                 if (!fails || !getInfoLog)
                     continue;
-                // The log is fetched and dropped. The length of the program's log too is asked as
-                // if it were a shader.
+                // The helper fetches the log and drops it. It also asks for the length of the
+                // program's log with the operation for shaders.
                 const unsigned name = gl.fake.liveOf(step).back();
                 const GLCall fetch = call(getInfoLog, name, gl.fake.infoLogLength, kAny, kAny);
                 EXPECT_THAT(gl.calls(),
@@ -76,7 +76,7 @@ TEST(GLObjects, AreDeletedAfterAnInitialisationThatFailed)
         }
 }
 
-// In processes of their own: entry points are kept once they are found.
+// In processes of their own, because a process keeps the entry points that it has found.
 TEST(GLEntryPointsDeathTest, OfPixelBuffersAreLookedUpOnceAndOnlyWithTheExtension)
 {
     GLRecorder& gl = GLRecorder::get();
@@ -91,7 +91,8 @@ TEST(GLEntryPointsDeathTest, OfPixelBuffersAreLookedUpOnceAndOnlyWithTheExtensio
         EXPECT_THAT(gl.lookups(), IsEmpty());
         gl.fake.extensions = kPixelBuffers;
         gl.failLookup(static_cast<int>(position));
-        // Without one of them the helper goes on without buffers, and looks again the next time.
+        // If one of them is missing, the helper works without buffers, and looks again the next
+        // time.
         for (int round = 0; round < 3; ++round) {
             EXPECT_EQ(helper->InitializeGL(), S_OK);
             EXPECT_EQ(helper->SetFrame(pictureOf(16, 8).get()), S_OK);
@@ -148,7 +149,7 @@ struct Kind {
 
 class Contexts : public testing::TestWithParam<Kind> {
 protected:
-    /// A context, current, with the recorder in front of it.
+    /// Makes a context current, with the recorder in front of it.
     void open()
     {
         context.emplace(GetParam().context);
@@ -167,8 +168,7 @@ protected:
     Helper helper{GetParam().create()};
 };
 
-// With a host that makes no objects of its own, the names of the last context are those of the
-// next.
+// If the host makes no objects of its own, the names in the next context are those of the last one.
 TEST_P(Contexts, ComeAgainWithTheSamePicture)
 {
     const char* const number = std::getenv("KESTRIX_TEST_CONTEXTS");
@@ -187,13 +187,13 @@ TEST_P(Contexts, ComeAgainWithTheSamePicture)
         ASSERT_NE(picture.front(), picture.back()) << "a picture, not black";
         ASSERT_EQ(picture, first) << "context " << i;
         if (i % 2 == 1)
-            context.reset(); // else it goes when the next one is there
+            context.reset(); // otherwise the next context is made first
     }
 }
 
 TEST_P(Contexts, GoBeforeTheHelperOrAreNotThere)
 {
-    // Initialised, and the context is no longer current when the helper ends.
+    // Initialised; the context is no longer current when the helper ends.
     open();
     if (HasFatalFailure())
         return;
@@ -205,7 +205,7 @@ TEST_P(Contexts, GoBeforeTheHelperOrAreNotThere)
     EXPECT_EQ(helper->PaintGL(), S_OK);
     helper.reset();
 
-    // Never with a context at all.
+    // Without any context.
     helper.reset(GetParam().create());
     EXPECT_EQ(helper->SetFrame(pictureOf(16, 8).get()), S_OK);
     const HRESULT status = helper->InitializeGL();
@@ -214,7 +214,7 @@ TEST_P(Contexts, GoBeforeTheHelperOrAreNotThere)
     EXPECT_EQ(helper->PaintGL(), fixed ? S_OK : E_FAIL);
     helper.reset();
 
-    // Made, and never initialised.
+    // With a context, but never initialised.
     open();
     helper.reset(GetParam().create());
     helper.reset();

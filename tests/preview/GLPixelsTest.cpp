@@ -22,7 +22,7 @@ protected:
 
 TEST_F(GLPixels, AreTheFramesOwnAndBlackWithoutAFrame)
 {
-    // A mode and a colour of the host's that would show if the picture took them up.
+    // A mode and a colour of the host, which would show if they affected the picture.
     driverGL<decltype(::glTexEnvi)>("glTexEnvi")(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
     Canvas blank(8, 8);
     EXPECT_EQ(helper->PaintGL(), S_OK);
@@ -49,8 +49,8 @@ TEST_F(GLPixels, AreTheFramesOwnAndBlackWithoutAFrame)
                     const int y = i / width;
                     const int line = flipped ? 11 - 2 * y : 2 * y;
                     const std::uint8_t* source = frame->bytes() + (line * width + i % width) * 4;
-                    // Every pixel is on a texel, so nothing is interpolated. Alpha is the current
-                    // colour's, whatever the frame had.
+                    // Every pixel is on a texel, so nothing is interpolated. Alpha is that of the
+                    // current colour, whatever alpha the frame had.
                     const auto& pixel = painted[static_cast<std::size_t>(i)];
                     for (std::size_t c = 0; c < 3; ++c)
                         ASSERT_NEAR(pixel[c], source[components[c]] / 255.0, 1e-3);

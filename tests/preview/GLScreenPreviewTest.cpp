@@ -1,4 +1,4 @@
-/// The fixed-function helper: what it converts into its slots, and how those reach the texture.
+/// The fixed-function helper: what it converts into its slots, and how slots reach the texture.
 #include "tests/common/AllocationFaults.h"
 #include "tests/common/CaseName.h"
 #include "tests/common/GuardedBytes.h"
@@ -33,8 +33,8 @@ constexpr MemoryFrameOptions rgba(std::int64_t width, std::int64_t height)
     return {.width = width, .height = height, .format = code("RGBA")};
 }
 
-/// A frame whose pixels are their column, their line, `tag` and an alpha of 77. In `RGBA` that is
-/// shown as it is.
+/// A frame whose pixels are their column, their line, `tag` and an alpha of 77. A frame in `RGBA`
+/// is shown as it is.
 Frame taggedFrame(const MemoryFrameOptions& options, int tag)
 {
     Frame frame = TestFrame::create(options);
@@ -51,7 +51,7 @@ Frame small(int tag)
     return taggedFrame(rgba(16, 8), tag);
 }
 
-/// What reached the texture.
+/// What was uploaded to the texture.
 struct Upload {
     bool newTexture = false;
     int width = 0;
@@ -103,7 +103,7 @@ protected:
         });
     }
 
-    /// Paints and gives what was uploaded.
+    /// Paints and returns what was uploaded.
     std::optional<Upload> paint()
     {
         gl.clear();
@@ -111,7 +111,7 @@ protected:
         return std::exchange(m_upload, std::nullopt);
     }
 
-    /// Hands a frame over and paints, where something is to be uploaded.
+    /// Sets a frame and paints. Fails if nothing is uploaded.
     Upload show(const Frame& frame)
     {
         EXPECT_EQ(helper->SetFrame(frame.get()), S_OK);
@@ -120,7 +120,7 @@ protected:
         return upload.value_or(Upload{});
     }
 
-    /// The quad was drawn with the picture up to these texture coordinates.
+    /// Fails unless the quad was drawn with the picture up to these texture coordinates.
     void expectQuad(double s, double t) const
     {
         EXPECT_THAT(gl.callsTo({"glTexCoord2f"}),
@@ -137,7 +137,7 @@ private:
         const auto size = static_cast<std::size_t>(width * height) * 4;
         if (const unsigned buffer = gl.fake.boundBuffers[GL_PIXEL_UNPACK_BUFFER]) {
             EXPECT_EQ(source, nullptr);
-            // As large as the slot's memory, which never shrinks.
+            // The buffer is as large as the slot's memory, which never shrinks.
             m_upload->bytes = gl.fake.bufferBytes[buffer];
             EXPECT_GE(m_upload->bytes.size(), size);
         } else {
@@ -167,7 +167,7 @@ TEST_P(GLPreviewWith, SizesTheTextureForThePicture)
     const bool anySize = extensions.find(kNonPowerOfTwo) != std::string::npos;
     struct {
         int width, height;
-        int textureWidth, textureHeight; // in powers of two
+        int textureWidth, textureHeight; // rounded to powers of two
     } const cases[] = {
         {1920, 1080, 2048, 1024}, {1024, 64, 1024, 32}, {5, 2, 8, 1}, {65, 66, 128, 64}};
     for (const auto& c : cases) {
@@ -204,12 +204,12 @@ TEST_P(GLPreviewWith, MakesATextureASlotAndUpdatesItThen)
     EXPECT_FALSE(paint()) << "a repaint has nothing to upload";
     expectQuad(1, 1);
 
-    // Another size takes new textures in the place of the old.
+    // For another size, new textures replace the old ones.
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(show(TestFrame::create(rgba(8, 8))).newTexture, i < 2);
     EXPECT_EQ(gl.fake.liveOf("texture").size(), 2u);
 
-    // Buffers go with the helper, textures stay.
+    // The helper deletes its buffers; the textures stay.
     gl.clear();
     helper.reset();
     EXPECT_THAT(gl.fake.liveOf("buffer"), IsEmpty());
@@ -233,7 +233,7 @@ TEST_F(GLPreviewWithBuffers, StreamsThroughTheSlotsBuffer)
 {
     const std::vector<unsigned> buffers = gl.fake.liveOf("buffer");
     for (std::size_t i = 0; i < 4; ++i) {
-        // 16 by 3 lines in a texture of 16 by 4: the last line is of no picture and stays behind.
+        // 16 by 3 lines in a texture of 16 by 4: the last line belongs to no picture.
         const Upload upload = show(taggedFrame(rgba(16, 6), 9));
         EXPECT_EQ(upload.height, 4);
         expectPart(upload, {.tag = 9, .rows = 3});
@@ -254,7 +254,7 @@ TEST_F(GLPreviewWithBuffers, StreamsThroughTheSlotsBuffer)
     EXPECT_EQ(gl.callsTo({"glBindBuffer"}).back(), call("glBindBuffer", GL_PIXEL_UNPACK_BUFFER, 0));
     expectQuad(1, 1);
 
-    // Textures that so got no storage get it with the next picture of their slot.
+    // Textures that got no storage this way get it with the next picture of their slot.
     const MemoryFrameOptions wider = rgba(32, 8);
     for (std::size_t i = 0; i < buffers.size(); ++i) {
         EXPECT_EQ(helper->SetFrame(taggedFrame(wider, 2).get()), S_OK);
@@ -281,12 +281,12 @@ TEST_F(GLPreview, TakesFewerLinesOfWiderFrames)
     for (const auto& [width, padding, step, upward] : cases)
         for (const bool flipped : {false, true}) {
             MemoryFrameOptions options = rgba(width, 32);
-            // With a row size below zero the first line is the last in memory.
+            // If the row size is negative, the first line is the last in memory.
             const std::int64_t row = width * 4 + padding;
             GuardedBytes memory(static_cast<std::size_t>(32 * row - padding));
             options.rowBytes = upward ? -row : row;
             options.bytes = memory.begin() + (upward ? 31 * row : 0);
-            // No other bit is looked at.
+            // No other bit has an effect.
             options.flags = flipped ? FrameFlagFlipVertical : ~std::uint32_t{FrameFlagFlipVertical};
             const Upload upload = show(taggedFrame(options, 1));
             SCOPED_TRACE(width);
@@ -311,7 +311,7 @@ TEST_F(GLPreview, TakesSlotsInTurnAndGivesThemBack)
         EXPECT_EQ(helper->SetFrame(nullptr), S_OK);
         EXPECT_FALSE(paint());
         EXPECT_THAT(gl.callNames(), Not(Contains("glBindTexture")));
-        // The slot is free again: two more frames find one each.
+        // The slot is free again: two more frames get one each.
         show(small(1));
         show(small(2));
     }
@@ -346,19 +346,19 @@ TEST_F(GLPreview, KeepsThePictureWhereAFrameCanNotBeShown)
         EXPECT_THAT(gl.calls(), Contains(call("glBindTexture", GL_TEXTURE_2D, texture)));
         expectQuad(1, 1);
     }
-    // For the left eye alone nobody asks for the packing.
+    // For the left eye alone, the packing does not matter.
     helper->Set3DPreviewFormat(Preview3DLeftOnly);
     expectPart(show(taggedFrame(stereo(rgba(16, 8), right, code("side")), 6)), {.tag = 6});
 }
 
-// In memory that ends where a page begins that can't be read: what is refused is not looked at.
+// The memory ends at a page that cannot be read: the helper must not read a frame that it refuses.
 TEST_F(GLPreview, RefusesSizesThatNoFrameHas)
 {
     constexpr std::int64_t k2To31 = std::int64_t{1} << 31;
     constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
     constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
     constexpr std::int64_t kRow = 32 * 4;
-    // A preview that is a step or so wider than the picture is a matter of the engine's contract.
+    // Within this, a view that is wider than the picture is a matter of the engine's contract.
     constexpr std::size_t kReadableBehind = 64;
     const auto expect = [&](HRESULT status, std::uint32_t format, Question question,
                             const std::vector<std::int64_t>& values) {
@@ -380,7 +380,7 @@ TEST_F(GLPreview, RefusesSizesThatNoFrameHas)
     };
     for (const std::uint32_t format : {kARGB, code("RGBA")}) {
         expect(S_OK, format, Question::Width, {0, 1});
-        expect(S_OK, format, Question::Height, {0, 1}); // not one line is shown
+        expect(S_OK, format, Question::Height, {0, 1}); // no line is shown
         expect(S_OK, format, Question::Flags, {0xFFFFFFFE});
         expect(E_INVALIDARG, format, Question::Width,
                {-1, 1 << 16, k2To31, 2 * k2To31 + 8, kMost, kLeast});
@@ -390,7 +390,7 @@ TEST_F(GLPreview, RefusesSizesThatNoFrameHas)
                {0, kRow - 1, 1 - kRow, k2To31, k2To31 / 2, kMost, kLeast});
         expect(E_INVALIDARG, format, Question::PixelFormat, {0, 0xFFFFFFFF});
     }
-    // Formats whose chroma is rebuilt a step at a time need more than a step.
+    // Formats whose chroma is rebuilt in steps of several pixels need more than one step.
     for (const auto& [format, least] :
          {std::pair{"v210", 13}, {"Ay10", 5}, {"2vuy", 0}, {"R12B", 0}, {"RGB3", 0}, {"BGRA", 0}})
         for (int width = 0; width <= 20; ++width)
@@ -405,7 +405,7 @@ TEST_F(GLPreview, SurvivesAShortageOfMemory)
     const Frame larger = taggedFrame(rgba(128, 64), 8);
     {
         const auto faults = AllocationFaults::fromSize(128 * 64 * 4 / 2);
-        // No larger than what the slot has.
+        // No larger than the memory of the slot.
         expectPart(show(large), {.tag = 7, .width = 64, .rows = 31});
         EXPECT_EQ(faults.failed(), 0);
         for (int failed = 1; failed <= 2; ++failed) {
@@ -435,7 +435,7 @@ TEST_F(GLPreview, ShowsOldContentsForAFrameWithoutBytes)
 
 TEST_F(GLPreview, ShowsTheEyesAsTold)
 {
-    // Each eye is flipped or not by itself.
+    // Each eye has its own flag.
     MemoryFrameOptions flipped = rgba(16, 8);
     flipped.flags = FrameFlagFlipVertical;
     const Frame right = taggedFrame(flipped, 2);
@@ -445,7 +445,7 @@ TEST_F(GLPreview, ShowsTheEyesAsTold)
         return Part{.tag = 2, .firstLine = 7, .lineStep = -2, .left = x, .top = y};
     };
     struct {
-        const char* format; // null for none told yet
+        const char* format; // null: not set yet
         int width, height;
         std::vector<Part> parts;
     } const cases[] = {
@@ -491,7 +491,7 @@ TEST_F(GLPreview, LeavesTheOldRightEyeWhereTheNewIsOfAnotherKind)
     for (const MemoryFrameOptions& options : {otherFormat, otherColours})
         for (const bool across : {true, false}) {
             helper->Set3DPreviewFormat(across ? Preview3DSideBySide : Preview3DTopBottom);
-            // Into both slots.
+            // Fills both slots.
             show(oldLeft);
             show(oldLeft);
             const Frame right = taggedFrame(options, 4);

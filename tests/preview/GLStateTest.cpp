@@ -1,5 +1,5 @@
-/// All GL state before and after each call, against the table of docs/embedding.md; and the same
-/// within the guard for hosts, which is to leave nothing changed.
+/// Compares all GL state before and after each call with the table of docs/embedding.md. With the
+/// guard for hosts nothing may change.
 #define GL_GLEXT_PROTOTYPES
 #include "examples/common/KestrixGLStateGuard.h"
 #include "tests/common/CaseName.h"
@@ -23,12 +23,12 @@ namespace {
 
 // --- What the calls leave, as it is published ----------------------------------------------------
 
-/// One thing that a call leaves in another state than it found.
+/// A value that a call changes.
 struct Left {
     const char* text; // as on the page
     const char* place;
     GLenum name;
-    std::vector<float> values; // none: a name of the helper's own
+    std::vector<float> values; // empty: a name that the helper made
 };
 
 const Left kClear{"`GL_COLOR_CLEAR_VALUE` (0, 0, 0, 0)", "", GL_COLOR_CLEAR_VALUE, {0, 0, 0, 0}};
@@ -65,7 +65,7 @@ Action set(int height)
     };
 }
 
-/// A call, what is to be done for it while nobody looks, and what it leaves.
+/// A call: what is done before it without a record, its variants, and the values that it changes.
 struct Call {
     const char* text;
     Action before;
@@ -104,9 +104,9 @@ const std::vector<Call> kFixedFunctionCalls{
 
 // --- The recorder --------------------------------------------------------------------------------
 
-/// A place, empty for the context itself, and a name.
+/// A place and a name. The place is empty for the context itself.
 using Key = std::pair<std::string, GLenum>;
-/// What a unit has as the context has it is written down once.
+/// A value of a texture unit is left out if it equals the context's.
 using State = std::map<Key, std::vector<float>>;
 
 std::vector<float> valueOf(const State& state, const Key& key)
@@ -124,7 +124,7 @@ void expectSame(const State& after, const State& expected, const std::string& ro
             << row << key.first << std::hex << std::showbase << key.second;
 }
 
-/// Reads whatever the driver lets be read: names are found by asking for all that there can be.
+/// Reads all state that the driver returns. It finds the names by asking for every possible one.
 class StateRecorder {
 public:
     explicit StateRecorder(GLuint hostArray) : m_hostArray(hostArray)
@@ -135,7 +135,7 @@ public:
 
     State read() const
     {
-        // A unit and an array that no helper knows, to look at the others from.
+        // A unit and an array that no helper uses, so that the state of the others can be read.
         const int unit = glState(GL_ACTIVE_TEXTURE);
         const int array = glState(GL_VERTEX_ARRAY_BINDING);
         glDisable(GL_DEBUG_OUTPUT);
@@ -187,8 +187,8 @@ private:
         glDisable(GL_DEBUG_OUTPUT);
         std::vector<GLenum> names;
         for (GLenum name = 0; name < 0x10000; ++name) {
-            // The time, and the device's memory and its names on the bus: a software driver has
-            // none of these, and at times no function that would say so.
+            // The time, and the device's memory and its names on the bus. A software driver has
+            // none of these, and sometimes no function that would say so.
             if (name == GL_TIMESTAMP ||
                 (name >= GL_VBO_FREE_MEMORY_ATI && name <= GL_RENDERBUFFER_FREE_MEMORY_ATI) ||
                 (name >= GL_GPU_MEMORY_INFO_DEDICATED_VIDMEM_NVX &&
@@ -233,7 +233,7 @@ private:
 
 // --- The host ------------------------------------------------------------------------------------
 
-/// A host with everything set to what nobody starts with.
+/// A host that sets everything to values that are not the initial ones.
 class Host {
 public:
     explicit Host(bool fixedPipeline) : m_fixedPipeline(fixedPipeline)
@@ -242,7 +242,7 @@ public:
         glGenBuffers(5, m_buffers);
         glGenSamplers(2, m_samplers);
         glGenVertexArrays(1, &m_array);
-        // While what is read through the unpack state is read right.
+        // These calls read memory through the unpack state, which is still the initial one.
         const GLubyte nothing[128] = {};
         if (fixedPipeline)
             glPolygonStipple(nothing);
@@ -295,7 +295,7 @@ public:
         glPixelStorei(GL_PACK_ALIGNMENT, 2);
     }
 
-    /// And what the helpers count on is otherwise too.
+    /// Also changes the state that the helpers rely on.
     void spoilState() const
     {
         const std::pair<GLenum, GLint> unpack[] = {
@@ -416,8 +416,8 @@ INSTANTIATE_TEST_SUITE_P(Helpers, GLState, testing::Values(kOpenGL3, kFixedFunct
 
 using Picture = std::vector<std::array<float, 4>>;
 
-/// The largest difference between two pictures; the driver may interpolate by other arithmetic in
-/// another state.
+/// The largest difference between two pictures. In another state, the driver may interpolate with
+/// other arithmetic.
 float difference(const Picture& a, const Picture& b)
 {
     float largest = 0;
@@ -431,8 +431,8 @@ class GLStateGuard : public GLState {};
 
 TEST_P(GLStateGuard, KeepsHostAndHelperApart)
 {
-    // By itself, all as a context has it at first but for the viewport, in which a host would also
-    // have what is cleared.
+    // The helper alone, in the initial state except for the viewport. The scissor box limits the
+    // clearing to the viewport, as a host would.
     std::vector<Picture> expected;
     {
         const Canvas canvas(64, 64);

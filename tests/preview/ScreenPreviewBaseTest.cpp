@@ -1,4 +1,4 @@
-/// Which colourspace a frame stands in, which way it is converted, and the CPU's passes over it.
+/// The colourspace of a frame, the choice of its conversion, and the CPU's passes over it.
 #include "preview/ScreenPreviewBase.h"
 #include "tests/common/Difference.h"
 #include "tests/common/GuardedPicture.h"
@@ -45,7 +45,7 @@ TEST(FrameColourspace, IsToldByMetadataAndElseByTheWidth)
         {720, code("r602"), code("unsp")},
         // The code is in the low 32 bits.
         {720, std::int64_t{7} << 32 | code("r709"), 1},
-        // Any status that is no failure will do; a failure leaves it to the width.
+        // Any status that is not a failure is accepted. After a failure the width decides.
         {720, code("2020"), 2, 1},
         {720, code("2020"), 0, E_FAIL},
     };
@@ -69,7 +69,8 @@ TEST(PreviewSetup, RefusesWhatItCanNotShow)
     const MemoryFrameOptions refused[] = {
         {.width = 4, .height = 2, .format = code("BGRA"), .colorspace = 0},
         {.width = 4, .height = 2, .format = code("none"), .rowBytes = 16},
-        // A copy would show the wrong colours, and no conversion starts from RGBA in these.
+        // A copy would show wrong colours, and no conversion starts from RGBA in these
+        // colourspaces.
         {.width = 4, .height = 2, .format = code("RGBA"), .colorspace = code("r601")},
         {.width = 720, .height = 2, .format = code("RGBA")},
         {.width = 4, .height = 2, .format = code("RGBA"), .colorspace = code("2020")},
@@ -79,8 +80,8 @@ TEST(PreviewSetup, RefusesWhatItCanNotShow)
     EXPECT_EQ(preview.previewColourspace(), 2u) << "remembered all the same";
 }
 
-// The mark of a captured frame turns full-range codes into studio-range ones, which shows where the
-// studio-range code itself is asked for: then there is nothing to convert.
+// In a captured frame, full-range codes count as studio-range codes. If the studio-range code is
+// asked for, there is nothing to convert then, and the test sees which code the frame counts as.
 TEST(PreviewSetup, TakesCapturedRGBAsStudioRange)
 {
     ScreenPreviewBase preview;
@@ -101,7 +102,7 @@ TEST(PreviewSetup, TakesCapturedRGBAsStudioRange)
 
 TEST(PreviewRender, HoldsCapturedRGBWithinStudioRangeAndCopiesTheRest)
 {
-    ScreenPreviewBase preview; // one for all: the frame before leaves nothing behind
+    ScreenPreviewBase preview; // one for all: a frame leaves nothing for the next
     const auto expectLines = [&](unsigned width, unsigned height, bool clamps, bool flipped,
                                  Content content) {
         GuardedPicture source(height, width * 4, {.padding = 13, .bottomUp = flipped});
@@ -123,7 +124,7 @@ TEST(PreviewRender, HoldsCapturedRGBWithinStudioRangeAndCopiesTheRest)
             EXPECT_TRUE(sameLanes<std::uint8_t>(lines[y], destination.row(y), 4, y, width));
         }
     };
-    // Captured or not: RGBA is not a format that cards capture in studio range.
+    // RGBA is the same captured or not: cards do not capture it in studio range.
     for (const auto& [format, shown, captured] : {std::tuple{kARGB, code("vRGB"), true},
                                                   {code("RGBA"), code("RGBA"), true},
                                                   {code("RGBA"), code("RGBA"), false}})

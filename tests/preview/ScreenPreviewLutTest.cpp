@@ -52,7 +52,7 @@ TEST(TableStore, HoldsFifteenOpaqueTablesOfOneFormat)
 
 using Entry = std::array<float, 3>;
 
-/// What a table holds for a point, each step of its conversion by its scalar form.
+/// What a table holds for a point. Computes each step of the conversion in its scalar form.
 class Conversion {
 public:
     explicit Conversion(unsigned id) : m_id(id)
@@ -66,7 +66,7 @@ public:
 
     Entry operator()(const Entry& point) const
     {
-        // The identity, of all components or of one.
+        // The identity, for all components or for one.
         if (m_id == 6)
             return point;
         if (m_id >= 12)
@@ -81,7 +81,7 @@ public:
             const reference::Matrix matrices[] = {
                 reference::kYUVToStudio601, reference::kYUVToStudio601, reference::kYUVToStudio709,
                 reference::kYUVToStudio2020};
-            // An entry is a picture of its own, so its pixel is an even one.
+            // An entry is a picture of one pixel, so its pixel is an even one.
             codes =
                 reference::toRGB({matrices[m_id], 10, 10}, {codes[0], codes[1], codes[2]}, false);
         }
@@ -111,14 +111,14 @@ TEST(TableStore, HoldsThoseOfTheScalarForm)
         const Conversion conversion(id);
         const float* entry = table(id);
         for (int i = 0; i < 33 * 33 * 33; ++i, entry += 4) {
-            // Multiples of a power of two, exact in single precision.
+            // Multiples of a power of two are exact in single precision.
             const Entry point{static_cast<float>(i % 33) / 32, static_cast<float>(i / 33 % 33) / 32,
                               static_cast<float>(i / 33 / 33) / 32};
             ASSERT_EQ((Entry{entry[0], entry[1], entry[2]}), conversion(point))
                 << "table " << id << ", entry " << i;
         }
     }
-    // As worked out by hand: a point, and black below the range.
+    // Worked out by hand: a point, and black below the range.
     const float* const middle = table(2) + 4 * (16 + 33 * (16 + 33 * 16));
     EXPECT_NEAR(middle[0], 0.51124, 5e-6);
     EXPECT_EQ(table(2)[4 * (1 + 33 * (16 + 33 * 16))], 0);

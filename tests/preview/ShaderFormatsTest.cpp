@@ -1,4 +1,4 @@
-/// The list of the shader's formats beside the shader's text.
+/// Compares the list of the shader's formats with the shader's text.
 #include "preview/ShaderFormats.h"
 #include "preview/PreviewShaders.h"
 

@@ -1,4 +1,4 @@
-/// The pixel at a column and a line, by the layout of its format.
+/// Computes the pixel at a column and a line from the layout of its format.
 #include "tests/preview/ShaderModel.h"
 
 #include "tests/common/PreviewFixture.h"
@@ -12,8 +12,8 @@ namespace {
 
 using reference::Layout;
 
-/// The value from 0 to 1 of a line's sample that begins at `bit`. Bits of its lowest byte that lie
-/// below the sample count as its fraction. What lies outside the texture is 0; it must not show.
+/// The sample of a line that begins at `bit`, as a value from 0 to 1. Bits of its lowest byte that
+/// are below the sample count as its fraction. Outside the texture all is 0; it must not show.
 double sampleAt(const TexturePicture& picture, const Layout& layout, std::size_t bit, int y)
 {
     const int fraction = bit % 8;
@@ -29,8 +29,8 @@ double sampleAt(const TexturePicture& picture, const Layout& layout, std::size_t
 
 // --- YCbCr 4:2:2 ---------------------------------------------------------------------------------
 
-/// A line's pixel whose chroma is its own in even columns and the mean of its neighbours' in odd
-/// ones. Of 8 bits.
+/// An 8-bit pixel of a line. In even columns it has its own chroma, and in odd columns the mean of
+/// its neighbours' chroma.
 Colour clamped8(const TexturePicture& picture, int x, int y)
 {
     const auto group = [&](int g) {
@@ -44,7 +44,7 @@ Colour clamped8(const TexturePicture& picture, int x, int y)
     return {own[3] / 255.0, (own[0] + next[0]) / 510.0, (own[2] + next[2]) / 510.0, 1};
 }
 
-/// Of 10 bits, 6 pixels in 4 words.
+/// 10 bits, 6 pixels in 4 words.
 Colour v210(const TexturePicture& picture, const Layout& layout, int x, int y)
 {
     const auto sample = [&](int number) {
@@ -56,14 +56,14 @@ Colour v210(const TexturePicture& picture, const Layout& layout, int x, int y)
     const double cr = sample(pair + 2);
     if (x % 2 == 0)
         return {luma, cb, cr, 1};
-    // The next pair's chroma may be the next group's, which counts only where it is not in the
-    // texture's last column; else the last chroma is repeated.
+    // The next pair's chroma may be in the next group. It counts only if that group is not in the
+    // texture's last column; otherwise the last chroma is repeated.
     const bool last = x % 6 == 5 && x / 6 * 4 + 4 >= picture.width - 1;
     return {luma, last ? cb : (cb + sample(pair + 4)) / 2, last ? cr : (cr + sample(pair + 6)) / 2,
             1};
 }
 
-/// Of 10 bits with alpha, a word a pixel.
+/// 10 bits with alpha, a word a pixel.
 Colour Ay10(const TexturePicture& picture, const Layout& layout, int x, int y)
 {
     y = std::clamp(y, 0, picture.height - 1);
@@ -88,7 +88,7 @@ Colour deepRGB(const TexturePicture& picture, const Layout& layout, int x, int y
     for (std::size_t i = 0; i < 3; ++i) // B, G, R in the layout
         colour[i] =
             sampleAt(picture, layout, layout.bitOf(4 * static_cast<std::size_t>(x) + 2 - i), y);
-    // Of 12 bits red has its low end from elsewhere in three of eight pixels.
+    // At 12 bits, three of eight pixels take the low bits of red from another place.
     const std::size_t first = layout.bitOf(4 * static_cast<std::size_t>(x) + 2) / 8 * 8;
     const auto byteAt = [&](std::size_t bit) {
         const Layout bytes{layout.code, {8, true}, layout.wordBytes, 8, {0}};
@@ -105,7 +105,7 @@ Colour deepRGB(const TexturePicture& picture, const Layout& layout, int x, int y
 Colour unpacked(const TexturePicture& picture, std::uint32_t format, int x, int y)
 {
     using namespace KSX::PixelConversion;
-    // The one that the engine doesn't know.
+    // The engine does not know `R12b`, which has the layout of `R12B`.
     const auto known = format == code("R12b") ? PixelFormat_R12B : static_cast<PixelFormat>(format);
     if (!findPixelFormat(known))
         return {0, 0, 0, 1};

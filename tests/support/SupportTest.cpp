@@ -20,7 +20,8 @@ TEST(Identifiers, DifferAndAreWrittenInByteOrder)
     for (int i = 0; i < 1000; ++i)
         made.insert(KSXuuidToStdString(KSXuuid_Generate()));
     EXPECT_EQ(made.size(), 1000U);
-    // Random, by RFC 4122: version 4 in the upper half of byte 6, variant 10 on top of byte 8.
+    // RFC 4122, random identifiers: version 4 in the upper half of byte 6, variant 10 at the top of
+    // byte 8.
     for (const std::string& text : made)
         EXPECT_TRUE(text.size() == 32 && text[12] == '4' &&
                     std::string("89AB").find(text[16]) != std::string::npos)
@@ -54,7 +55,7 @@ TEST(Strings, AreCutToTheirPlaceAndAlwaysTerminated)
 {
     const struct {
         unsigned length;
-        std::string expected; // all 8 bytes, '#' where none may be written
+        std::string expected; // all 8 bytes; '#' is a byte that must not be written
     } cases[] = {
         {1, std::string("\0#######", 8)},
         {4, std::string("abc\0####", 8)},
@@ -87,8 +88,9 @@ TEST(Threads, AreJoinedAndTheirResultIsTold)
     EXPECT_TRUE(pthread_current_thread_equals(pthread_self(), {}));
 }
 
-/// What a thread finds that joins itself. It can't be waited for then, so it meets the test at a
-/// barrier. Kept by the process, as it may still be leaving the barrier when the test ends.
+/// What a thread finds when it joins itself. Nobody can wait for it after that, so it meets the
+/// test at a barrier. The object is kept until the process ends, because the thread may still be
+/// leaving the barrier when the test ends.
 struct SelfJoin {
     bool wantsResult;
     pthread_barrier_t done{};
@@ -153,11 +155,11 @@ TEST(Times, Differ)
     } cases[] = {
         {{5, 300000}, {2, 100000}, 3200, 3200000},
         {{2, 100000}, {5, 300000}, -3200, -3200000},
-        // Whole seconds less what is cut towards zero: neither rounded nor floored.
+        // The microseconds are cut towards zero, neither rounded nor floored.
         {{1, 0}, {0, 999500}, 1, 500},
         {{1, 500}, {1, 0}, 0, 500},
         {{1, 0}, {1, 1999}, -1, -1999},
-        // What does not fit into 32 bits loses its upper ones.
+        // A result of more than 32 bits loses its upper bits.
         {{2147, 483648}, {0, 0}, 2147483, INT_MIN},
         {{4294, 967297}, {0, 0}, 4294967, 1},
     };
