@@ -1,5 +1,5 @@
-/// The headers by themselves, twice, in the oldest C++ that hosts build with: they have to compile,
-/// and the values that cross the boundary have to be these.
+/// The headers alone, included twice, in the oldest C++ that hosts build with. They must compile,
+/// and the values that cross the boundary must be these.
 #include <KestrixPreviewAPI_v14_2_1.h>
 #include <KestrixPreviewAPI_v14_2_1.h> // NOLINT(readability-duplicate-include): guarded
 

@@ -1,7 +1,7 @@
-/// All that a host can see of the headers, for abidw to write down: a library of its own, since
-/// what ships has no debug information and mentions only what the factories lead to.
+/// All that a host can see of the headers, for abidw to write down. It is a library of its own,
+/// because the released library has no debug information and mentions only what the factories use.
 ///
-/// That the factories of the real library are these, Api.ExportedNames checks.
+/// Api.ExportedNames checks that the real library has the same factories.
 #include <KestrixPreviewAPI_v14_2_1.h>
 
 extern "C" {

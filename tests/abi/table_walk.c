@@ -1,13 +1,13 @@
-/// The binary interface from outside, in C: objects made by hand, a table of plain functions each,
-/// and the library's own called by position. A reordered or added operation calls the wrong
-/// function.
+/// Tests the binary interface from outside, in C. Objects are made by hand, each with a table of
+/// plain functions, and the library's objects are called by position. A reordered or added
+/// operation calls the wrong function.
 ///
-/// Takes no arguments; a line for each fault, and exit status 1 where there was one.
+/// Takes no arguments. Prints a line for each fault, and exits with 1 if there was one.
 #include <stdint.h>
 #include <stdio.h>
 #include <string.h>
 
-/// What goes through a register: a number, an object or an address. An id goes through two.
+/// What a register passes: a number, an object or an address. An id takes two registers.
 typedef uint64_t Word;
 typedef void (*Operation)(void);
 typedef Word (*Call)(void* self, Word, Word, Word, Word, Word, Word);
@@ -49,7 +49,7 @@ void* CreateOpenGLScreenPreviewHelper_0002(void);
 void* CreateOpenGL3ScreenPreviewHelper_0001(void);
 void* CreateOpenGL3ScreenPreviewHelper_0002(void);
 
-// The adapters' `create` of the library's own, which is not exported.
+// The `create` functions of the library's adapters, which are not exported.
 int32_t attachPlain(void* frame, void** out) __asm__(
     "_ZN26CKestrixVideoFrame_v14_2_16createEP18IKestrixVideoFramePP26IKestrixVideoFrame_v14_2_1");
 int32_t attachMutable(void* frame, void** out) __asm__(
@@ -77,22 +77,23 @@ static int s_failed = 0;
 
 // --- Objects made by hand ------------------------------------------------------------------------
 
-/// For the library, a pointer to a table of functions.
+/// To the library, this is a pointer to a table of functions.
 typedef struct Object {
     const Operation* table;
-    /// What queries find, and the providers that were registered.
+    /// What queries find, and the registered providers.
     struct {
         Id id;
         void* object;
     } interfaces[kLinks], providers[kLinks];
-    /// The position of the operation that registers providers; whose queries find them.
+    /// The position of the operation that registers providers, and the object that has the
+    /// providers; null for this one.
     unsigned registers;
     struct Object* registry;
     int references;
-    /// Calls of each position, and what came with the last.
+    /// The number of calls for each position, and the arguments of the last call.
     unsigned calls[kFirst + kOperations];
     Word words[kWords];
-    /// What positions answer, plus 1; 0 for `answerOf`.
+    /// What each position returns, plus 1; 0 if it returns `answerOf`.
     Word answers[kFirst + kOperations];
 } Object;
 
@@ -113,7 +114,7 @@ static int32_t query(void* object, Id id, void** out)
     return (int32_t)call(object, 0, words[0], words[1], word(out));
 }
 
-/// Gives the reference back at once.
+/// Queries an object and gives the new reference back at once.
 static void* queried(void* object, Id id)
 {
     void* found = NULL;
@@ -149,7 +150,7 @@ static uint32_t release(Object* self)
     return (uint32_t)--self->references;
 }
 
-/// An answer that tells the position, in all its 64 bits.
+/// An answer that shows the position, in all its 64 bits.
 static Word answerOf(unsigned position)
 {
     return 0x0123456700001000 + position;
@@ -199,7 +200,7 @@ static void link(Object* object, Id id, void* interface)
     object->interfaces[i].object = interface;
 }
 
-/// Has operations answer with a number.
+/// Makes an operation return a number.
 static void answer(Object* object, unsigned position, Word value)
 {
     object->answers[position] = value + 1;
@@ -215,8 +216,8 @@ static unsigned calls(const Object* object)
 
 // --- Operations that hand on ---------------------------------------------------------------------
 
-/// An operation by position, the one of the inner object that it has to reach, and the sizes of its
-/// arguments in bits.
+/// An operation by its position, the operation of the inner object that it must call, and the sizes
+/// of its arguments in bits.
 typedef struct {
     unsigned outer, inner;
     unsigned bits[kWords];
@@ -236,7 +237,7 @@ static void forwards(const char* what, void* outer, Object* inner, const Forward
         memset(inner->calls, 0, sizeof(inner->calls));
         const Word answered = ((Call)(*(Operation**)outer)[f->outer])(
             outer, sent[0], sent[1], sent[2], sent[3], sent[4], sent[5]);
-        // The properties of three words have 64 bits, all else 32.
+        // The first three properties have 64 bits; all other results have 32.
         const unsigned unused =
             f->outer == f->inner && f->outer <= 5 && operations == kProperties ? 0 : 32;
         int good = calls(inner) == 1 && inner->calls[f->inner] == 1 &&
@@ -277,7 +278,7 @@ static void walkWrappedFrame(void)
     CHECK(old.references == 1);
 }
 
-/// Gives the providers back, with which the adapters go.
+/// Gives the providers back, which destroys the adapters.
 static void detach(Object* registry)
 {
     for (unsigned i = 0; i < kLinks; ++i)
@@ -345,7 +346,7 @@ static void walkExtensions(void)
 
 static uint32_t s_pixels[4];
 
-/// `GetBytes`; counted where no other operation is, at 0.
+/// `GetBytes`. It is counted at 0, where no other operation is counted.
 static Word giveBytes(Object* self, void** out)
 {
     ++self->calls[0];
@@ -361,7 +362,7 @@ static Word giveRec709(Object* self, uint32_t id, int64_t* out)
     return 0;
 }
 
-/// Answers as frames of both revisions do up to position 7: 2 by 2 pixels of BGRA.
+/// Makes a frame of 2 by 2 pixels of BGRA, for both revisions, up to position 7.
 static void describe(Object* frame)
 {
     const Word answers[] = {2, 2, 8, 0x42475241, 0};
@@ -423,7 +424,7 @@ static void walkOldHelper(void)
     CHECK(frame.references == 1);
 }
 
-/// Operations that have an answer of their own before there is a context.
+/// Calls operations whose result is defined before there is a context.
 static void walkGL3Helpers(void)
 {
     Object frame = made();

@@ -1,4 +1,4 @@
-/// Primaries and the matrices between them, against published values.
+/// Compares primaries and the matrices between them with published values.
 #include "conversion/colour/GamutMatrices.h"
 #include "conversion/colour/Primaries.h"
 
@@ -13,7 +13,8 @@ namespace {
 
 using namespace KSX::PixelConversion;
 
-// All others are made of these, and every conversion shows its own to the last bit.
+// All other matrices are made of these, and the tests of conversions check every matrix to the last
+// bit.
 TEST(GamutMatrices, HaveTheseSixPlaces)
 {
     struct {

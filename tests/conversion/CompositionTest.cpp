@@ -21,7 +21,7 @@ using KSX::PixelConversion::Pixels;
 /// How often the stage of each ID has run.
 thread_local std::array<int, 10> s_steps;
 
-/// Makes other numbers of `N` numbers, one a pixel.
+/// A stage that makes `N` new numbers from `N` numbers, one a pixel.
 template<int ID, unsigned N>
 class PLAIN : public Kernel<N, N> {
 public:
@@ -35,7 +35,7 @@ public:
         return made(ID, in, number);
     }
 
-    /// A step of the stage `id`, `number` for each pixel.
+    /// A step of the stage `id`, which applies `number` to each pixel.
     template<class NUMBER>
     static Pixels<Output, N> made(int id, const Pixels<Input, N>& in, const NUMBER& number)
     {
@@ -50,7 +50,7 @@ public:
     }
 };
 
-/// A form of such stages.
+/// A fast form of such stages.
 template<int ID, unsigned N, class... PARTS>
 class FORM : public PLAIN<ID, N> {
 public:
@@ -88,7 +88,7 @@ struct SecondOfTwo {
 struct Alone {
     static StageList<SingleOnEights> form(StageList<Single>);
 };
-/// Never taken: the rule in front of it fits the same run.
+/// Never taken: the rule before it fits the same run.
 struct LaterPair {
     static StageList<B> form(StageList<A, B>);
 };
@@ -103,7 +103,7 @@ TEST(Composition, NestedPipelinesAreTheirFlatList)
     static_assert(std::same_as<BIND5<A, BIND<B, BIND<C, Eights>>, Twelves, A, B>, Flat>);
     static_assert(std::same_as<BIND6<A, B, C, BIND<Eights, Twelves>, A, B>, Flat>);
     static_assert(Flat::kBlock == 24);
-    // A repeated stage asks for the pixels of its repetitions and is otherwise that stage.
+    // A repeated stage makes the block longer, and is otherwise the same stage.
     static_assert(BIND<Nx<3, A>, Eights>::kBlock == 24);
     static_assert(BIND<Nx<2, A>, Eights>::kBlock == 8);
 }

@@ -1,4 +1,4 @@
-/// What conversions touch: every byte of memory that is theirs, and no other.
+/// Conversions touch every byte of their memory, and no other byte.
 #include "tests/common/AllConversions.h"
 #include "tests/common/FaultCatcher.h"
 #include "tests/common/GuardedBytes.h"
@@ -15,7 +15,7 @@ namespace {
 
 using namespace KSX::PixelConversion;
 
-/// A conversion of two rows that lie close: bytes that are read after the first row are in the
+/// A conversion of two rows without a gap: bytes that are read after the first row are in the
 /// second one, and only those after the second row are outside the picture.
 struct Case {
     const Conversion& conversion;
@@ -48,8 +48,9 @@ protected:
     GuardedBytes m_dst{kRoom};
     FaultCatcher m_catcher;
 
-    /// Calls `check(case)` for every conversion at `widths` and at those up to `last`. After false
-    /// it goes on with the next conversion: one fault says as much as all of them.
+    /// Calls `check(case)` for every conversion at `widths` and at all widths up to `last`. After
+    /// false it goes on with the next conversion, because more faults of one conversion say nothing
+    /// new.
     template<class CHECK>
     static void forAll(unsigned last, std::vector<unsigned> widths, const CHECK& check)
     {
@@ -80,7 +81,8 @@ TEST_F(ConversionBounds, NothingOutsideIsTouched)
     });
 }
 
-// So a conversion may read no more bytes after a row than it needs, and the test above sees faults.
+// A conversion may read no more bytes after a row than it needs, and faults are seen in the test
+// above.
 TEST_F(ConversionBounds, AllInsideIsTouched)
 {
     forAll(100, {1280, 1919, 4096}, [&](const Case& c) {

@@ -1,5 +1,5 @@
-/// Prints a hash of what each conversion makes of random pictures: the same for every compiler and
-/// every level of optimisation. Bits without a defined value are left out.
+/// Prints a hash of the result of each conversion for random pictures. It is the same for every
+/// compiler and every level of optimisation. Bits without a defined value are left out.
 #include "tests/common/AllConversions.h"
 #include "tests/common/Random.h"
 #include "tests/reference/Conversions.h"
@@ -22,8 +22,8 @@ private:
     unsigned long long m_value = 0xCBF29CE484222325;
 };
 
-/// Each row of a picture is converted on its own; the tall picture that asks for primaries of 625
-/// lines has all its rows in one place.
+/// Converts each row of a picture separately. A tall picture selects the primaries for 625 lines;
+/// all its rows lie in one place.
 void hashRow(const Conversion& conversion, unsigned width, unsigned height, Content content,
              Hash& hash)
 {

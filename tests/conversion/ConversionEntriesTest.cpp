@@ -1,5 +1,5 @@
-/// Whole conversions against the scalar reference: every row of the table, and the entries that no
-/// row leads to.
+/// Compares whole conversions with the scalar reference: every row of the table, and the entries
+/// that no row uses.
 #include "tests/common/AllConversions.h"
 #include "tests/common/CaseName.h"
 #include "tests/common/Difference.h"
@@ -18,7 +18,7 @@ namespace {
 
 using namespace KSX::PixelConversion;
 
-/// Leaves `byte` all over the stack that the next call will use.
+/// Fills the stack that the next call will use with `byte`.
 [[gnu::noinline]] void paintStack(std::uint8_t byte)
 {
     std::uint8_t stack[65536];
@@ -31,7 +31,7 @@ protected:
     const Conversion& conversion = GetParam();
     const reference::RowConversion reference = reference::rowConversion(conversion.entry);
 
-    /// With every tail, up to two of the longest block.
+    /// Covers every tail: all widths up to two of the longest block.
     template<class CHECK>
     void forAllWidths(const CHECK& check) const
     {
@@ -59,7 +59,7 @@ protected:
         }
     }
 
-    /// Converts a picture to another, or in place, and looks at all that lies there. What is on the
+    /// Converts a picture to another one, or in place, and checks all bytes of both. What is on the
     /// stack before the call must not matter.
     void expectConverts(GuardedPicture& src, GuardedPicture& dst, unsigned width,
                         std::uint64_t seed) const
@@ -88,7 +88,7 @@ protected:
     void expectConverts(unsigned width, unsigned height, Content content, std::uint64_t seed) const
     {
         SCOPED_TRACE(testing::Message() << "width " << width << ", height " << height);
-        // A copy takes as many bytes as the destination's rows lie apart, so it gets them close.
+        // A copy copies as many bytes as the destination's rows lie apart, so its rows get no gap.
         const bool apart = !conversion.copies();
         Random random(seed);
         const auto layout = [&]() -> PictureLayout {
@@ -112,7 +112,7 @@ TEST_P(ConversionEntries, ConvertAnyPictureAndTouchNothingElse)
             ASSERT_NO_FATAL_FAILURE(expectConverts(width, height, content, seed));
         }
     });
-    // Tails far from the start, and the rows of v210 that have their own loops.
+    // Long rows with tails, and the rows of v210 that have loops of their own.
     for (const unsigned width : {720, 1279, 1280, 1281, 1286, 1919, 1920, 2048, 4095, 4096})
         ASSERT_NO_FATAL_FAILURE(expectConverts(width, 2, Content::Uniform, ++seed));
 }
@@ -125,7 +125,7 @@ TEST_P(ConversionEntries, TellTheLineStandardByTheHeight)
 
 TEST_P(ConversionEntries, ConvertEveryCodeOfEachSample)
 {
-    // Twice beside itself, so that in 4:2:2 both kinds of chroma have them all.
+    // Each code twice, side by side, so that in 4:2:2 both kinds of chroma have all codes.
     const reference::Layout& layout = reference::layoutOf(conversion.entry.srcFormat);
     const unsigned width = 2 * (layout.maximum() + 1) + 6;
     const std::size_t samples = layout.is422() ? 2 : 4;
@@ -183,7 +183,8 @@ TEST(CopyWithoutConversion, CopiesAsManyBytesAsTheDestinationsRowsLieApart)
         << "a source from the bottom up";
 }
 
-// Samples together, as other sums are rounded another way for few of the colours that there are.
+// All samples of a colour together: another order of sums rounds differently, but only for few
+// colours.
 TEST(EveryColour, IsConvertedBetweenRGBAndYUV)
 {
     const auto isConverted = [](PixelFormat from, PixelFormat to, ConversionFunction function,
@@ -195,7 +196,7 @@ TEST(EveryColour, IsConvertedBetweenRGBAndYUV)
         function(width, 1, dst.data(), 0, src, 0);
         return dst == expected.bytes;
     };
-    // Four pixels of each, of which the last two have nothing else beside them.
+    // Four pixels of each colour. The last two have only pixels of the same colour beside them.
     std::vector<std::uint32_t> bgra(4 * 65536);
     for (unsigned red = 0; red < 256; ++red) {
         for (unsigned i = 0; i < bgra.size(); ++i)
@@ -204,7 +205,7 @@ TEST(EveryColour, IsConvertedBetweenRGBAndYUV)
                                 Convert_8BGRA_FULL_To_8YUV422_HD, bgra.data(), 4 * 65536))
             << "red " << red;
     }
-    // Of each Y a pair, all of one chroma.
+    // A pair of each Y, all with the same chroma.
     std::vector<std::uint8_t> yuv(2 * 512);
     for (unsigned chroma = 0; chroma < 65536; ++chroma) {
         for (unsigned i = 0; i < yuv.size(); ++i)

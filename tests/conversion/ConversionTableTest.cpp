@@ -1,4 +1,4 @@
-/// The table of conversions and its lookup, and the formats as memory.
+/// The table of conversions and its lookup, and the sizes of the formats in memory.
 #include "conversion/KSXPixelConversion.h"
 #include "conversion/PixelFormats.h"
 
@@ -21,8 +21,8 @@ constexpr Colorspace kColorspaces[] = {Colorspace601, Colorspace709, Colorspace2
 
 using Question = std::tuple<PixelFormat, Colorspace, PixelFormat, Colorspace>;
 
-/// Each question that has an answer, and the row that gives it: every row spelled out for the
-/// colourspaces that it serves, where an earlier row is never displaced.
+/// Each question that has an answer, and the row that gives the answer. Every row is expanded to
+/// the colourspaces that it serves, and an earlier row is never replaced.
 std::map<Question, std::size_t> answers()
 {
     std::map<Question, std::size_t> rows;
@@ -52,7 +52,7 @@ TEST(ConversionTable, HoldsWhatEveryRowMustHold)
             EXPECT_EQ(std::count(std::begin(kColorspaces), std::end(kColorspaces), colorspace), 1);
         EXPECT_EQ(row.srcColorspace == ColorspaceUnspecified,
                   row.dstColorspace == ColorspaceUnspecified);
-        // A frame that needs no conversion gets none. 10-bit RGBA is written through once more.
+        // A frame that needs no conversion gets none. The exception converts 10-bit RGBA to itself.
         const bool changes =
             row.srcFormat != row.dstFormat || row.srcColorspace != row.dstColorspace;
         EXPECT_EQ(changes, i != 324);

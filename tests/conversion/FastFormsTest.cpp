@@ -1,4 +1,5 @@
-/// What runs against what is listed: every row of the table beside the same row without fast forms.
+/// Compares what runs with what is listed: every row of the table and the same row without fast
+/// forms.
 #include "tests/common/AllConversions.h"
 #include "tests/common/Random.h"
 #include "tests/conversion/listed/ListedConversion.h"
@@ -30,8 +31,8 @@ void forEachRow(const CHECK& check)
     }
 }
 
-/// Converts a row of `width` pixels both ways. The rows of a tall picture, which asks for primaries
-/// of 625 lines, all lie in one place. `undefined` are bits without a defined value.
+/// Converts a row of `width` pixels both ways. A tall picture selects the primaries for 625 lines;
+/// all its rows lie in one place. `undefined` has the bits without a defined value set.
 void expectSame(const Conversion& conversion, ConversionFunction listed, unsigned width,
                 unsigned height, Bytes& src, const Bytes& undefined = {})
 {
@@ -77,7 +78,7 @@ TEST(FastForms, GiveTheBytesOfTheListedStagesForEveryByteInEveryPlace)
     forEachRow([](const Conversion& conversion, ConversionFunction listed) {
         constexpr unsigned kWidth = 96;
         Bytes src(rowBytes(conversion.src(), kWidth) + 64);
-        // One byte of a block counts up, the others are random.
+        // One byte of a block counts up; the others are random.
         for (std::size_t place = 0; place < 64; ++place) {
             Random random(place);
             for (unsigned value = 0; value < 256; value += 4) {
@@ -91,8 +92,9 @@ TEST(FastForms, GiveTheBytesOfTheListedStagesForEveryByteInEveryPlace)
     });
 }
 
-/// Rows of one Cb and one Cr: all lumas beside all chromas, and each of them against its opposite
-/// and itself, which is every sum that R and B can have, and every part of those of G.
+/// Each row has one Cb and one Cr. Tests all lumas with all chromas, and each chroma with its
+/// opposite and with itself. That gives every sum that R and B can have, and every part of the sums
+/// of G.
 TEST(FastForms, GiveTheBytesOfTheListedStagesForEveryLumaBesideEveryChroma)
 {
     forEachRow([](const Conversion& conversion, ConversionFunction listed) {
@@ -101,7 +103,7 @@ TEST(FastForms, GiveTheBytesOfTheListedStagesForEveryLumaBesideEveryChroma)
             return;
         const reference::Layout& layout = reference::layoutOf(conversion.entry.srcFormat);
         const unsigned largest = layout.maximum();
-        // More than every luma, in whole blocks.
+        // At least every luma, in whole blocks.
         const unsigned width = (largest / 48 + 1) * 48;
         Bytes src(rowBytes(conversion.src(), width) + 64);
         for (unsigned x = 0; x < width; ++x)

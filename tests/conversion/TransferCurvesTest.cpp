@@ -1,4 +1,4 @@
-/// Transfer curves where no conversion goes: every float there is, and the tables of PQ.
+/// The parts of transfer curves that conversions do not test: every float, and the tables of PQ.
 #include "conversion/colour/TransferCharacteristicPQ.h"
 #include "conversion/colour/TransferCharacteristicRec709OETF.h"
 #include "tests/reference/Gamut.h"
@@ -14,8 +14,8 @@ namespace {
 
 using namespace KSX::PixelConversion;
 
-/// A quarter of all floats from 0 to 1, which are all that the comparison with a table's entry can
-/// go wrong for.
+/// A quarter of all floats from 0 to 1. Only these floats can go wrong in the comparison with a
+/// table's entry.
 class Rec709OETFForward : public testing::TestWithParam<std::int32_t> {};
 
 TEST_P(Rec709OETFForward, IsThatOfTheFormulaForEveryFloat)

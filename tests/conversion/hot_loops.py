@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """Checks that every conversion runs in straight loops.
 
-Disassembles an object file or archive and looks at the loop of each pipeline over the blocks of a row,
-which is told by its prefetch. It is a fault if there is no such loop or more than one, if the loop
-holds a call or a branch besides its own, or if it stores to the stack more than is allowed. A store to
-the stack is a spilled vector. Loads alone are constants that the compiler has moved there; they cost
-what they would elsewhere.
+Disassembles an object file or archive and checks the loop of each pipeline over the blocks of a row. The
+loop is the one with a prefetch. It is a fault if there is no such loop or more than one, if the loop
+has a call or a branch besides its own, or if it stores to the stack more often than is allowed. A store
+to the stack is a spilled vector. Loads alone read constants that the compiler has moved there; they cost
+the same as elsewhere.
 """
 
 import argparse
@@ -17,16 +17,16 @@ from dataclasses import dataclass
 
 @dataclass
 class Allowance:
-    """What the loops of a compiler may have."""
+    """The limits for the loops of a compiler."""
     spills: float  # stores to the stack, as a share of the instructions
     spills_with_curves: float  # the same if the loop changes the gamut
     unrolled: int  # instructions of a loop that may have a second one for the blocks left over
 
 
 # If a block has 16 pixels or more and its last bytes lie across vectors, more than 16 vectors can be
-# alive at once. Where a loop changes the gamut g++ also writes constants of the curves to the stack in
-# each round. clang needs the stack less, and unrolls the shortest loops, of the byte
-# swaps and the clamp.
+# alive at once. If a loop changes the gamut, g++ also writes constants of the curves to the stack in each
+# round. clang uses the stack less. It unrolls the byte swaps and the clamp, which are
+# the shortest loops.
 ALLOWED = {
     "GNU": Allowance(spills=0.025, spills_with_curves=0.06, unrolled=0),
     "Clang": Allowance(spills=0.01, spills_with_curves=0.04, unrolled=24),
@@ -50,13 +50,13 @@ class Instruction:
         return self.name.startswith("j")
 
     def target(self):
-        """The address that a jump within the function leads to."""
+        """The target address of a jump within the function."""
         match = re.match(r"([0-9a-f]+) ", self.operands)
         return int(match[1], 16) if self.is_jump() and match and not self.symbol else None
 
 
 def walkers(path):
-    """The instructions of each pipeline's walker by the name of the pipeline."""
+    """The instructions of each pipeline's walker, by the name of the pipeline."""
     text = subprocess.run(["objdump", "-drC", "--no-show-raw-insn", path], check=True,
                           stdout=subprocess.PIPE, text=True).stdout
     found, body = {}, []
@@ -74,7 +74,7 @@ def walkers(path):
 
 
 def hot_loops(body):
-    """The loops with a prefetch: all from where jumps back lead to, up to the last of these jumps."""
+    """The loops with a prefetch: from the target of jumps back to the last of these jumps."""
     index = {instruction.address: i for i, instruction in enumerate(body)}
     ends = {}
     for i, instruction in enumerate(body):

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """Checks that a library runs on every x86-64 processor with SSSE3: no instruction beyond that.
 
-An instruction is judged by its encoding and not by its name, so that one that nobody has thought of
-can't pass. Behind the prefixes stands the opcode, and the extensions since SSSE3 have places of their
-own: AVX, FMA and BMI are told by the VEX, EVEX and XOP prefixes; SSE4, AES, SHA and what else came
-with opcodes of three bytes share the maps 0F 38 and 0F 3A with SSSE3, of which a few opcodes are
-SSSE3's; a few more are older opcodes with a prefix that used to be ignored.
+The check uses the encoding of an instruction and not its name, so an instruction that nobody has thought
+of cannot pass. The opcode follows the prefixes, and the extensions after SSSE3 have places of their own:
+AVX, FMA and BMI have the VEX, EVEX and XOP prefixes. SSE4, AES, SHA and others with opcodes of three
+bytes share the maps 0F 38 and 0F 3A with SSSE3, which has a few opcodes there. A few more are older
+opcodes with a prefix that earlier processors ignore.
 """
 
 import re
@@ -20,7 +20,7 @@ SSSE3_OF_MAP = {
     0x38: {*range(0x00, 0x0C), 0x1C, 0x1D, 0x1E},
     0x3A: {0x0F},
 }
-# Older opcodes of the map 0F, by the prefix that makes them something else.
+# Older opcodes of the map 0F, by the prefix that makes them another instruction.
 WITH_PREFIX = {
     (0xF3, 0xB8): "POPCNT",
     (0xF3, 0xBC): "BMI1",
@@ -32,7 +32,7 @@ WITH_PREFIX = {
 
 
 def beyond(encoding):
-    """What it is that came after SSSE3, or None."""
+    """The extension after SSSE3 that the instruction belongs to, or None."""
     prefixes = set()
     at = 0
     while at < len(encoding) and encoding[at] in LEGACY_PREFIXES:

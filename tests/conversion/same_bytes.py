@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Checks that the engine gives the same bytes whoever compiles it and however.
+"""Checks that the engine gives the same bytes with every compiler and every optimisation.
 
 Builds `conversion_bytes`, which prints a hash of what each conversion makes of random pictures, by
-each compiler at each level of optimisation and with optimisation at link time, and compares what they
-print. same_bytes.py FOLDER [BUILD...] builds in FOLDER, all of the builds or those that are named, as
+each compiler at each level of optimisation and with optimisation at link time, and compares the output.
+same_bytes.py FOLDER [BUILD...] builds in FOLDER: all builds, or the ones that are named, such as
 "g++-O0" or "clang++-lto".
 """
 
@@ -25,7 +25,7 @@ def run(command):
 
 
 def hashes(name, folder):
-    """Builds the program as the name says and gives what it prints, as lines."""
+    """Builds the program as `name` says and returns the lines that it prints."""
     compiler, level = name.split("-")
     build = folder / name
     options = [f"-DCMAKE_CXX_COMPILER={compiler}",

@@ -1,12 +1,12 @@
 """Checks the pages that people read: docs_test.py SOURCE BUILD links|excerpts|commands|slow-commands
 
-Commands stand in fenced blocks whose first line says what becomes of them:
+Commands are in fenced blocks. The first line of a block says how it is used:
 
     ```sh               run here, in a copy of the tree whose build/release is this build
     ```sh slow          run in order with all others in a copy that has built nothing yet
     ```sh not-run: WHY  printed with the reason, and not run
 
-There is no display, so programs use one of their own. `picture.png` and `clip.mov` are there.
+There is no display, so programs must make one. `picture.png` and `clip.mov` are there.
 """
 import os
 import pathlib
@@ -30,7 +30,7 @@ def fault(page, text):
 
 
 def blocks(page, language):
-    """Line, rest of the info string and content of a page's blocks of a language."""
+    """Yields line, rest of the info string, and content of each block of a language in a page."""
     text = page.read_text()
     for match in FENCE.finditer(text):
         name, _, rest = match[1].partition(" ")
@@ -57,7 +57,7 @@ def check_links():
 
 
 def check_excerpts():
-    """C++ in docs/ is quoted from code that compiles; "// ..." stands for lines left out."""
+    """C++ in docs/ is quoted from code that compiles; "// ..." replaces lines that are left out."""
     lines = lambda text: [line.strip() for line in text.splitlines() if line.strip()]
     code = ["\n".join(lines(file.read_text())) + "\n" for folder in ("api", "examples", "host")
             for file in (SOURCE / folder).rglob("*") if file.suffix in (".h", ".cpp", ".c")]

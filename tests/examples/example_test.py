@@ -1,4 +1,4 @@
-"""Runs an example: it has to paint the bars that its frames hold.
+"""Runs an example: it must paint the bars that its frames contain.
 
 The environment names the program in EXAMPLE, the library that watches its GL objects in GL_OBJECTS,
 and a display.
@@ -14,15 +14,15 @@ from PIL import Image
 EXAMPLE = os.environ["EXAMPLE"]
 NAME = os.path.basename(EXAMPLE)
 
-# The frame, and its bars in R'G'B' of 75 % and 25 % of full level.
+# The size of the frame, and the places of its bars, in R'G'B' of 75 % and 25 % of full level.
 WIDTH, HEIGHT, BAR, TURN = 1920, 1080, 240, 810
 HIGH, LOW = round(0.75 * 255), round(0.25 * 255)
 BARS = [tuple(HIGH if bits & bit else LOW for bit in (2, 4, 1)) for bits in range(7, -1, -1)]
-# Near a border the colours mix, because chroma and every second line are interpolated: so many
-# pixels of the frame on each side.
+# Colours mix near a border, because chroma and every second line are interpolated. In pixels of the frame
+# on each side.
 MIXED = 4
 
-# Toolkits that can be told to count windows in units of two pixels.
+# Toolkits that can count windows in units of two pixels.
 SCALED = {"qt6_host": {"QT_SCALE_FACTOR": "2"}, "gtk_host": {"GDK_SCALE": "2"}}
 # Examples whose view can move to another window.
 DETACHING = "qt6_host", "gtk_host"
@@ -31,7 +31,7 @@ LAMP = "sdl2_host"
 
 
 def run(*arguments, **environment):
-    # Without these the toolkits complain on standard error about the missing desktop.
+    # Without these variables the toolkits print warnings about the missing desktop on standard error.
     with tempfile.TemporaryDirectory() as folder:
         desktop = {"XDG_RUNTIME_DIR": folder, "NO_AT_BRIDGE": "1", "GTK_A11Y": "none",
                    "GSETTINGS_BACKEND": "memory", "QT_QPA_PLATFORM": "xcb", "GDK_BACKEND": "x11"}
@@ -40,7 +40,7 @@ def run(*arguments, **environment):
 
 
 def model(x, y, shift):
-    """R'G'B' at a place of the frame, None where it is mixed."""
+    """R'G'B' at a place of the frame, or None if colours are mixed there."""
     x = (x + 6 * shift) % WIDTH
     if min(x % BAR, BAR - x % BAR) < MIXED or abs(y - TURN) < MIXED:
         return None
@@ -50,7 +50,7 @@ def model(x, y, shift):
 
 class Example(unittest.TestCase):
     def paint(self, width, height, *arguments, scale=1, **environment):
-        """A picture as painted, which is opaque, without its alpha."""
+        """The painted picture without its alpha. It must be opaque."""
         with tempfile.TemporaryDirectory() as folder:
             path = f"{folder}/painted.png"
             result = run("--size", f"{width}x{height}", "--png", path, *arguments,

@@ -1,5 +1,5 @@
-/// Loaded before a host, watches the buffer objects that the preview helper makes: each has to be
-/// deleted, and while a context is current. Complaints go to the standard error.
+/// Is loaded before a host and watches the buffer objects that the preview helper makes. Each one
+/// must be deleted while a context is current. Complaints go to standard error.
 #include <GL/gl.h>
 #include <GL/glext.h>
 #include <GL/glx.h>
@@ -57,7 +57,7 @@ void deleteBuffers(GLsizei count, const GLuint* names)
 
 } // namespace
 
-/// The look-up of the library, which links this one by name.
+/// The preview library links this function by name to look up entry points.
 extern "C" Function glXGetProcAddress(const GLubyte* name)
 {
     const auto* text = reinterpret_cast<const char*>(name);

@@ -1,7 +1,8 @@
-"""Builds examples as a project of their own over an installed library, and runs them.
+"""Builds examples as a project of their own with an installed library, and runs them.
 
-The environment has BUILD, the build folder to install from, EXAMPLES, the project, CMAKE and CXX, the
-programs to build with, and a display. Qt and GTK are left out, because they take long to build.
+The environment has a display and these variables: BUILD, the build folder to install from; EXAMPLES, the
+project; CMAKE and CXX, the programs to build with. Qt and GTK are left out, because they take long to
+build.
 """
 
 import os

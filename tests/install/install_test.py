@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Checks what an installed library is to those who build on it.
+"""Checks an installed library as other projects use it.
 
-install_test.py CASE BUILD SCRATCH: installs the build folder BUILD below SCRATCH and builds a consumer
-there, as CASE says: cmake, pkg_config, dlopen, subdirectory (from the sources; subdirectory_built to
-the end); or looks at packages, folders (of the pkg-config file), binary, or reproducible (another build
-from another folder). Exit status 77 where a tool is missing.
+install_test.py CASE BUILD SCRATCH installs the build folder BUILD below SCRATCH. For some values of CASE
+it builds a consumer there: cmake, pkg_config, dlopen, subdirectory (only configures the sources;
+subdirectory_built also builds them). Other values check packages, folders (of the pkg-config file),
+binary, or reproducible (another build in another folder). Exits with 77 if a tool is missing.
 """
 
 import json
@@ -21,7 +21,7 @@ CONSUMER = HERE / "consumer"
 
 
 def run(*command, **options):
-    """What a command prints; the end of the test where it fails."""
+    """Returns what a command prints. Ends the test if the command fails."""
     result = subprocess.run(list(map(str, command)), capture_output=True, text=True, **options)
     if result.returncode:
         sys.exit(f"{' '.join(map(str, command))}: {result.returncode}\n{result.stdout}{result.stderr}")
@@ -41,7 +41,7 @@ def need(*tools):
 
 
 def install(build, scratch):
-    """Installs, and moves the tree once: nothing in it may know where it was."""
+    """Installs and then moves the tree: no file in it may name the place where it was."""
     run("cmake", "--install", build, "--prefix", scratch / "first")
     return (scratch / "first").rename(scratch / "installed")
 
@@ -96,7 +96,7 @@ def subdirectory_built(build, scratch):
 
 
 def folders(build, scratch):
-    """The pkg-config file, where folders are told in each of the ways that there are."""
+    """Checks the pkg-config file for every way to give the folders."""
     for libdir, includedir, says_libdir, says_includedir in [
             ("lib", "include", "/moved/lib", "/moved/include"),
             ("lib/x86_64-linux-gnu", "include/kestrix", "/moved/lib/x86_64-linux-gnu",
@@ -119,7 +119,7 @@ def folders(build, scratch):
 
 
 def binary(build, scratch):
-    """Hardening, and what the library leans on."""
+    """Checks hardening, and the libraries that the library needs."""
     library = next(install(build, scratch).rglob("libKestrixPreviewAPI.so.1.*"))
     dynamic = run("readelf", "--wide", "--dynamic", library)
     needed = set(re.findall(r"NEEDED.*\[(.*)\]", dynamic))

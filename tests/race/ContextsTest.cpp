@@ -1,5 +1,5 @@
-/// Helpers that share nothing but the library: each has a thread of its own and a context of its
-/// own, and all start at once.
+/// Helpers that share only the library: each has a thread and a context of its own, and all start
+/// at once.
 #define GL_GLEXT_PROTOTYPES
 #include "api/KestrixPreviewAPI.h"
 #include "host/MemoryFrame.h"
@@ -26,7 +26,7 @@ struct Kind {
     EGLint profile;
 };
 
-/// A context without a surface, on whichever thread makes it current.
+/// A context without a surface. It is current on the thread that constructs it.
 class Context {
 public:
     Context(EGLDisplay display, EGLint profile) : m_display(display)
@@ -55,7 +55,7 @@ private:
     EGLContext m_context;
 };
 
-/// A white frame, as it is painted on the calling thread in a context that is made for it.
+/// Paints a white frame on the calling thread, in a context made for it, and returns a pixel.
 std::array<unsigned char, 4> paintWhite(EGLDisplay display, const Kind& kind, std::barrier<>& start)
 {
     const Context context(display, kind.profile);
@@ -92,7 +92,7 @@ TEST_P(OwnContexts, MayStartAtOnce)
         eglGetProcAddress("eglGetPlatformDisplayEXT"));
     ASSERT_NE(getPlatformDisplay, nullptr);
     const EGLDisplay display = getPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, nullptr, nullptr);
-    // And never terminated, as drivers that are unloaded leave memory behind.
+    // The display is never terminated, because drivers that are unloaded leave memory allocated.
     ASSERT_TRUE(eglInitialize(display, nullptr, nullptr));
 
     std::barrier start(kThreads);

@@ -1,4 +1,4 @@
-/// The factories when a process begins on many threads at once.
+/// Many threads call the factories at the start of a process.
 #include "api/KestrixPreviewAPI_v14_2_1.h"
 #include "preview/ScreenPreviewLut.h"
 #include "tests/common/PreviewFixture.h"
@@ -17,7 +17,7 @@ constexpr IUnknown* (*kFactories[])() = {
     []() -> IUnknown* { return CreateOpenGLScreenPreviewHelper_0002(); },
     []() -> IUnknown* { return CreateOpenGLScreenPreviewHelper_0001(); }};
 
-/// Each number is a test of its own, and so a fresh process where tests are run one by one.
+/// Each number is a test of its own, so it has a new process if tests are run one by one.
 class FreshProcess : public testing::TestWithParam<int> {};
 
 TEST_P(FreshProcess, GivesHelpersToManyThreadsAtOnce)
@@ -28,7 +28,7 @@ TEST_P(FreshProcess, GivesHelpersToManyThreadsAtOnce)
     for (unsigned thread = 0; thread < kThreads; ++thread)
         threads.emplace_back([&, thread] {
             start.arrive_and_wait();
-            // Every factory is first on some of the threads.
+            // Each factory is the first one on some of the threads.
             for (unsigned i = 0; i < 4; ++i) {
                 IUnknown* const helper = kFactories[(thread + i) % 4]();
                 ASSERT_NE(helper, nullptr);

@@ -1,5 +1,5 @@
-/// Frames from four threads while a fifth paints, as the OpenGL 3 helper allows. The fixed-function
-/// helper leaves it to its host that no two calls meet.
+/// Four threads set frames while a fifth one paints, as the OpenGL 3 helper allows. With the
+/// fixed-function helper, the host must make sure that no two calls overlap.
 #include "tests/common/CaseName.h"
 #include "tests/common/GLContext.h"
 #include "tests/common/PreviewFixture.h"
@@ -16,12 +16,12 @@ namespace {
 
 struct Counts {
     const char* name;
-    int setFrames;  ///< of all threads
-    int setFormats; ///< of all threads
+    int setFrames;  ///< by all threads together
+    int setFormats; ///< by all threads together
     int paints;
 };
 
-/// A frame that counts, without a log, which would need a lock.
+/// A frame that counts references without a log, because a log would need a lock.
 class CountingFrame : public host::MemoryFrame {
 public:
     static host::Owned<CountingFrame> create(const host::MemoryFrameOptions& options)
@@ -64,7 +64,7 @@ TEST_P(PaintRace, LeavesEveryFrameAsItWas)
     Helper helper(CreateOpenGL3ScreenPreviewHelper_0002());
     ASSERT_EQ(helper->InitializeGL(), S_OK);
 
-    // Of two sizes and formats, flat ones and pairs.
+    // Frames of two sizes and three formats, single frames and pairs.
     std::vector<host::Owned<CountingFrame>> rights;
     std::vector<host::Owned<CountingFrame>> lefts;
     for (const std::uint32_t format : {code("BGRA"), code("2vuy"), kARGB}) {
@@ -93,7 +93,7 @@ TEST_P(PaintRace, LeavesEveryFrameAsItWas)
                     const auto format = static_cast<std::size_t>(i / perFormat + thread) % 4;
                     EXPECT_EQ(helper->Set3DPreviewFormat(kFormats[format]), S_OK);
                 }
-                // In step with the paints; relaxed, so as to order nothing else.
+                // Keeps step with the paints. Relaxed, so that it orders no other access.
                 while (painted.load(std::memory_order_relaxed) <
                        std::min(i / framesPerPaint, counts.paints))
                     std::this_thread::yield();

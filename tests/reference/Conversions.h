@@ -1,5 +1,5 @@
-/// What each conversion does to a row, by the classes of its formats: samples are read, rebuilt to
-/// pixels of RGB unless both sides are 4:2:2 of one colourspace, brought to other levels and
+/// What each conversion does to a row, by the classes of its formats. Samples are read, converted
+/// to pixels of RGB (unless both formats are 4:2:2 of one colourspace), brought to other levels and
 /// primaries, and written.
 #pragma once
 
@@ -23,12 +23,12 @@ namespace kestrix::test::reference {
 using namespace KSX::PixelConversion;
 
 struct RowConversion {
-    /// The row that the one at `src` becomes, in a picture of `height` rows.
+    /// Converts the row at `src` of a picture of `height` rows.
     std::function<WrittenRow(const std::uint8_t* src, unsigned width, unsigned height)> convert;
 
     /// The narrowest row that the conversion takes.
     unsigned leastWidth = 0;
-    /// The bytes that it reads of a row, which can be more than the row has.
+    /// The bytes that it reads of a row. They can be more than the row has.
     std::function<std::size_t(unsigned width)> bytesRead;
 };
 
@@ -36,7 +36,7 @@ inline constexpr Levels kFull8{8, true}, kFull10{10, true}, kFull12{12, true};
 inline constexpr Levels kStudio8{8, false}, kStudio10{10, false}, kStudio12{12, false};
 
 /// B, G, R, A of pixels between two formats, and which of these lanes have no defined value. The
-/// count of pixels is even; in an odd row the last one is not there and unknown.
+/// count of pixels is even; if a row is odd, the last pixel does not exist and is unknown.
 struct PixelLanes {
     explicit PixelLanes(std::size_t width)
         : bgra(4 * (width + width % 2)),
@@ -97,9 +97,9 @@ inline PixelLanes readRGB(const Layout& layout, const std::uint8_t* row, std::si
     return lanes;
 }
 
-/// Where a row of 8-bit 4:2:2 ends in a partial block, what lies behind its last pixel is
-/// leftovers: the pair that its last odd pixel looks at, and in an odd row Cr of the last pair.
-/// Deeper 4:2:2 is read where it lies, and the next pair with it, unless the row's end is known.
+/// If a row of 8-bit 4:2:2 ends in a partial block, old bytes follow its last pixel: the pair that
+/// its last odd pixel averages with, and in an odd row Cr of the last pair. Deeper 4:2:2 is read
+/// from the row itself and includes the next pair, unless the row's end is known.
 inline PixelLanes readYUV(const Layout& layout, const std::uint8_t* row, std::size_t width,
                           const YUVToRGB& matrix, std::size_t block)
 {
@@ -121,7 +121,7 @@ inline PixelLanes readYUV(const Layout& layout, const std::uint8_t* row, std::si
         for (std::size_t i = firstLane; i < 3; ++i)
             lanes.unknown[4 * x + i] = true;
     };
-    // A row of v210 that ends with a step but not with the longer block into RGB3 may be read
+    // A row of v210 that ends with a step, but not with the longer block of RGB3, may be read
     // either way.
     if (width % block != 0 && endIsKnown && !hasLine && layout.alphaAt < 0)
         addUnknown(width - 1, width % 2);
@@ -145,7 +145,7 @@ inline WrittenRow writeRGB(const Layout& layout, const PixelLanes& lanes, std::s
     return row;
 }
 
-/// `sample(i)` and `unknown(i)` are of a row's samples in the order Cb Y Cr Y, `alpha(x)` of its
+/// `sample(i)` and `unknown(i)` are for a row's samples in the order Cb Y Cr Y, `alpha(x)` for its
 /// pixels.
 inline WrittenRow writeYUV(const Layout& layout, std::size_t width, const auto& sample,
                            const auto& unknown, const auto& alpha)
@@ -166,7 +166,7 @@ inline WrittenRow writeYUV(const Layout& layout, const PixelLanes& lanes, std::s
     std::vector<std::uint16_t> uyvy(2 * lanes.pixels);
     toYUV(matrix, lanes.bgra.data(), lanes.pixels, [&](std::size_t x, int y, int chroma) {
         uyvy[2 * x] = static_cast<std::uint16_t>(chroma);
-        // The sign of chroma reaches into Y where they are one word of 32 bits.
+        // If chroma and Y are in one word of 32 bits, the sign of chroma reaches into Y.
         uyvy[2 * x + 1] = static_cast<std::uint16_t>(layout.alphaAt < 0 ? y | chroma >> 16 : y);
     });
     const auto chromaUnknown = [&](std::size_t x) {
@@ -175,7 +175,7 @@ inline WrittenRow writeYUV(const Layout& layout, const PixelLanes& lanes, std::s
                (even != 0 && lanes.anyUnknown(even - 1));
     };
     const auto unknown = [&](std::size_t i) {
-        // Only a neighbour outside its range makes chroma negative.
+        // Chroma is negative only if a neighbour is outside its range.
         return i % 2 == 0 || matrix.studio || anythingBehind ? chromaUnknown(i / 2)
                                                              : lanes.anyUnknown(i / 2);
     };
@@ -189,7 +189,8 @@ inline WrittenRow writeYUV(const Layout& layout, const PixelLanes& lanes, std::s
 
 // --- The classes of conversions ------------------------------------------------------------------
 
-/// Of a row's last group in 4:2:2 only the pixels that are there are read, or all of v210.
+/// In 4:2:2, only the pixels of a row's last group that exist are read; v210 is read to the group's
+/// end.
 inline std::function<std::size_t(unsigned width)> bytesOfPixels(const Layout& src)
 {
     return [&src](unsigned width) {
@@ -210,7 +211,7 @@ inline RowConversion copies(const Layout& src, const Layout& dst)
             .bytesRead = bytesOfPixels(src)};
 }
 
-/// 4:2:2 to 4:2:2 of one colourspace. Alpha that comes new is 1023, of video levels too.
+/// 4:2:2 to 4:2:2 of one colourspace. New alpha is 1023, also at video levels.
 inline RowConversion staysYUV(const Layout& src, const Layout& dst)
 {
     const int by = dst.levels.bits - src.levels.bits;
@@ -226,13 +227,13 @@ inline RowConversion staysYUV(const Layout& src, const Layout& dst)
     return {.convert = convert, .bytesRead = bytesOfPixels(src)};
 }
 
-/// From RGB to RGB of one colourspace. Between the ranges of 10 bits the result is cut.
+/// RGB to RGB of one colourspace. Between the ranges of 10 bits, the result is cut and not rounded.
 inline LevelSteps stepsOfRGB(const Layout& src, const Layout& dst)
 {
     const auto is = [&](PixelFormat from, PixelFormat to) {
         return src.code == from && dst.code == to;
     };
-    // Pairs that go another way than their class.
+    // Pairs of formats that differ from their class.
     if (is(PixelFormat_BGRA, PixelFormat_S12L))
         return {rescale(kFull8, kFull12)};
     if (is(PixelFormat_BGRA, PixelFormat_A04l))
@@ -249,7 +250,7 @@ inline LevelSteps stepsOfRGB(const Layout& src, const Layout& dst)
     return stepsBetween(src.levels, dst.levels, src.levels.bits != 10 || dst.levels.bits != 10);
 }
 
-/// To the levels that the curves of a change of primaries are made for.
+/// Steps to the levels that the curves of a change of primaries need.
 inline LevelSteps stepsToCurves(Levels from, Levels curves)
 {
     if (from.full && from.bits > curves.bits)
@@ -275,14 +276,14 @@ inline const Matrix& matrixToRGB(bool full, Colorspace colorspace)
     return *matrices[full][colorspace];
 }
 
-/// All that goes through pixels of RGB.
+/// All conversions that go through pixels of RGB.
 inline RowConversion throughRGB(const ConversionEntry& entry, const Layout& src, const Layout& dst)
 {
     const bool changes = entry.srcColorspace != entry.dstColorspace;
     const bool fromYUV = src.is422();
     const bool intoYUV = dst.is422();
 
-    // Pixels come at these levels. YUV goes to video levels unless it carries alpha.
+    // The levels of the pixels. YUV becomes video levels unless it carries alpha.
     Levels levels = src.levels;
     YUVToRGB decode{};
     if (fromYUV) {
@@ -293,10 +294,10 @@ inline RowConversion throughRGB(const ConversionEntry& entry, const Layout& src,
                   src.code != PixelFormat_ay10};
     }
 
-    // Only A04l and A04L keep 10 bits where primaries change.
+    // Only A04l and A04L keep 10 bits if primaries change.
     const bool deep = src.levels.bits == 10 && src.unitBits == 64;
-    // Primaries change in the lanes of RGBv4, after YUV without alpha and after 10 bits in one word
-    // but for one conversion.
+    // Primaries change in the lanes of RGBv4 after YUV without alpha, and after 10 bits in one word
+    // except for one conversion.
     const bool oneWord = src.levels.bits == 10 && src.unitBits == 32;
     const bool planar = (fromYUV || oneWord) && src.alphaAt < 0 &&
                         !(src.code == PixelFormat_r210 && entry.srcColorspace == Colorspace601);
@@ -320,7 +321,7 @@ inline RowConversion throughRGB(const ConversionEntry& entry, const Layout& src,
         after = changes || fromYUV ? stepsBetween(levels, dst.levels) : stepsOfRGB(src, dst);
     }
 
-    // A mere reordering loses alpha, unless it reverses the bytes.
+    // A conversion that only reorders bytes loses alpha, unless it reverses all bytes of a pixel.
     const bool reverses = (src.code == PixelFormat_ARGB && dst.code == PixelFormat_BGRA) ||
                           (src.code == PixelFormat_BGRA && dst.code == PixelFormat_ARGB);
     const bool alphaSurvives = changes || reverses || !(src.levels == dst.levels);
@@ -346,25 +347,26 @@ inline RowConversion throughRGB(const ConversionEntry& entry, const Layout& src,
             }
         }
         lanes.apply(after);
-        // Lanes that are read as they lie in memory can hold any 16 bits behind the row.
+        // Lanes that are read from memory unchanged can hold any 16 bits after the row.
         const bool anythingBehind = src.code == PixelFormat_A04l;
         return intoYUV ? writeYUV(dst, lanes, width, encode, anythingBehind)
                        : writeRGB(dst, lanes, width);
     };
-    // A chroma filter needs a whole block, and one more pixel if it follows a look ahead.
+    // A chroma filter needs a whole block, and one more pixel if it comes after a stage that looks
+    // ahead.
     if (fromYUV)
         result.leastWidth = src.levels.bits == 8 ? 1 : stepOf(src.code) + 1;
     if (intoYUV)
         result.leastWidth = fromYUV ? block + 1 : block;
     if (fromYUV && src.levels.bits == 8)
-        // The vector behind a whole block, if there are pixels behind it.
+        // The vector after the last whole block is read, if pixels follow that block.
         result.bytesRead = [=](unsigned width) {
             const unsigned whole = width / block * block;
             const bool looks = whole != 0 && whole != width;
             return std::max<std::size_t>(2 * width, looks ? 2 * whole + 16 : 0);
         };
     else if (fromYUV)
-        // Whole steps.
+        // Whole steps are read.
         result.bytesRead = [=, &src](unsigned width) {
             const unsigned step = stepOf(src.code);
             return rowBytes(*findPixelFormat(src.code), (width + step - 1) / step * step);
@@ -372,7 +374,7 @@ inline RowConversion throughRGB(const ConversionEntry& entry, const Layout& src,
     return result;
 }
 
-/// The conversion that a row of the table stands for.
+/// The conversion of a row of the table.
 inline RowConversion rowConversion(const ConversionEntry& entry)
 {
     const Layout& src = layoutOf(entry.srcFormat);

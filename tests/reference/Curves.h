@@ -1,4 +1,4 @@
-/// Between code values and linear light, a sample at a time.
+/// Conversions between code values and linear light, a sample at a time.
 #pragma once
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace kestrix::test::reference {
 inline constexpr long double kAlpha = 1.099296826809442L;
 inline constexpr long double kBeta = 0.018053968510807L;
 
-/// Linear light from 0 to 1 of a signal from 0 to 1.
+/// Linear light from 0 to 1 for a signal from 0 to 1.
 inline long double toLinear(long double v)
 {
     return v < 4.5L * kBeta ? v / 4.5L : std::pow((v + kAlpha - 1) / kAlpha, 1 / 0.45L);
@@ -25,7 +25,7 @@ inline long double fromLinear(long double l)
     return l < kBeta ? 4.5L * l : kAlpha * std::pow(l, 0.45L) - (kAlpha - 1);
 }
 
-/// Entry `i` of the tables that stand for the curve at 8 bits.
+/// Entry `i` of the tables that replace the curve at 8 bits.
 inline float toLinear8(int i)
 {
     return static_cast<float>(toLinear(i / 255.0L));
@@ -47,8 +47,9 @@ inline float decoded8(int code)
     return table[static_cast<std::size_t>(code)];
 }
 
-/// The value at `f` entries into the way back, an 8-bit code with its fraction. The upper entry is
-/// the nearest one, so that there is a stair up to the middle between two, and a slope from there.
+/// The 8-bit code with its fraction at place `f` of the table from linear light. The upper entry is
+/// the one nearest to `f`, so between two entries the value is constant in the lower half and has a
+/// slope in the upper half.
 inline float betweenEntries8(float f)
 {
     static const auto table = [] {
@@ -69,7 +70,7 @@ inline float encoded8(float linear)
     return betweenEntries8(std::max(std::min(linear * 1279.0f, 1279.0f), 0.0f));
 }
 
-/// A polynomial's value, coefficients from the constant one on.
+/// A polynomial's value. The first coefficient is the constant one.
 template<std::size_t N>
 double polynomial(const double (&coefficients)[N], double x)
 {
@@ -81,7 +82,7 @@ double polynomial(const double (&coefficients)[N], double x)
     return sum;
 }
 
-/// At 10 bits polynomials stand for the powers.
+/// At 10 bits, polynomials replace the powers.
 inline double decoded10(double code)
 {
     constexpr double kPower[] = {0.004865568031467749, 0.10452784606688573, 0.6875632497840137,
@@ -90,7 +91,7 @@ inline double decoded10(double code)
     return v < 0.08124285829863151 ? v * 0.2222222222222222 : polynomial(kPower, v);
 }
 
-/// A 10-bit code with its fraction. It has no limits, and is of no use far above 1.
+/// A 10-bit code with its fraction. It has no limits, and is not accurate far above 1.
 inline double encoded10(double linear)
 {
     constexpr double kPower[] = {
@@ -105,7 +106,7 @@ inline double encoded10(double linear)
     return (scaled - 0.09929682680944207) * 1023.0;
 }
 
-/// A code without its fraction; ties go to even. What does not fit becomes the lowest integer.
+/// A code without its fraction; ties go to even. If the code does not fit, the lowest integer.
 inline int roundedCode(double code)
 {
     return std::abs(code) < 0x1p31 ? static_cast<int>(std::nearbyint(code))
@@ -114,7 +115,7 @@ inline int roundedCode(double code)
 
 // --- SMPTE ST 2084 -------------------------------------------------------------------------------
 
-/// Luminance in cd/m2 of a signal from 0 to 1.
+/// Luminance in cd/m2 for a signal from 0 to 1.
 inline double luminanceOfPQ(double signal)
 {
     constexpr double kM1 = 2610.0 / 16384, kM2 = 2523.0 / 4096 * 128;

@@ -1,4 +1,5 @@
-/// RGB of other primaries, a pixel at a time, in the precision and the order of the stages.
+/// Changes of the primaries of RGB, a pixel at a time, in the precision and the order of the
+/// stages.
 #pragma once
 
 #include "tests/reference/Curves.h"
@@ -11,23 +12,23 @@
 
 namespace kestrix::test::reference {
 
-/// Rows give R, G, B of the destination, columns take those of the source.
+/// Each row gives R, G or B of the destination; each column takes R, G or B of the source.
 struct GamutStep {
     std::array<float, 9> matrix;
-    /// Whether what lies outside the destination's gamut is limited in linear light.
+    /// Whether the result is limited in linear light to the destination's gamut.
     bool clamps;
 };
 
 struct GamutChange {
     GamutStep matrix;
     int bits;
-    /// Whether R, G and B are in vectors of their own, which changes the order of sums.
+    /// Whether R, G and B are in separate vectors, which changes the order of sums.
     bool planar;
 };
 
 // --- Matrices ------------------------------------------------------------------------------------
 
-/// x of R, G and B, then y, then z.
+/// x of R, G and B, then y of them, then z.
 using PrimaryColours = float[3][3];
 
 // clang-format off
@@ -37,7 +38,7 @@ inline constexpr PrimaryColours
     k709  {{0.64f,  0.3f,  0.15f},  {0.33f,  0.6f,   0.06f},  {0.03f, 0.1f,   0.79f}},
     k2020 {{0.708f, 0.17f, 0.131f}, {0.292f, 0.797f, 0.046f}, {0.0f,  0.033f, 0.823f}};
 
-/// Formed with another white on the side of Rec. 601.
+/// Computed with another white for Rec. 601.
 inline constexpr GamutStep
     kPALTo709  {{1.0442014f,   -0.0440422f,  0.0000002f,
                  -0.00000004f,  0.9999768f, -0.00000008f,
@@ -53,7 +54,8 @@ inline constexpr GamutStep
                  0.0016325f,    0.0044135f,  0.9941925f}, true};
 // clang-format on
 
-/// To XYZ: the primaries, scaled so that they add up to D65. In double, of single differences.
+/// To XYZ: the primaries, scaled so that their sum is D65. In double precision, from differences in
+/// single precision.
 inline std::array<double, 9> toXYZ(const PrimaryColours& p)
 {
     constexpr float kWhiteX = 0.3127f, kWhiteY = 0.329f;
@@ -77,7 +79,7 @@ inline std::array<double, 9> toXYZ(const PrimaryColours& p)
     return matrix;
 }
 
-/// By cofactors, in single precision.
+/// The inverse by cofactors, in single precision.
 inline std::array<float, 9> fromXYZ(const PrimaryColours& p)
 {
     std::array<float, 9> m, inverse;
@@ -98,7 +100,7 @@ inline std::array<float, 9> fromXYZ(const PrimaryColours& p)
     return inverse;
 }
 
-/// `SUM` is the precision of the products and their sum, and of what red gives to XYZ.
+/// `SUM` is the precision of the products, of their sum, and of red's part in XYZ.
 template<class SUM>
 GamutStep between(const PrimaryColours& from, const PrimaryColours& to, bool clamps)
 {
@@ -117,7 +119,7 @@ GamutStep between(const PrimaryColours& from, const PrimaryColours& to, bool cla
     return step;
 }
 
-/// Rec. 601 is that of 625 lines at a height of 576, and else that of 525 lines.
+/// Rec. 601 has the primaries for 625 lines if `height` is 576, and otherwise those for 525 lines.
 inline GamutStep gamutStep(KSX::PixelConversion::Colorspace from,
                            KSX::PixelConversion::Colorspace to, unsigned height)
 {
@@ -142,8 +144,8 @@ inline GamutStep gamutStep(KSX::PixelConversion::Colorspace from,
 
 // --- Pixels --------------------------------------------------------------------------------------
 
-/// R, G, B in code values, in full range, as the stage gives them: at 8 bits from 0 to 255, at 10
-/// bits without limits.
+/// R, G, B in full-range code values, as the stage gives them: 0 to 255 at 8 bits, without limits
+/// at 10 bits.
 inline std::array<int, 3> changeGamut(const GamutChange& change, std::array<int, 3> rgb)
 {
     std::array<float, 3> linear;

@@ -1,4 +1,4 @@
-/// Where the samples of each format lie in memory, and rows of them read and written.
+/// Where the samples of each format lie in memory, and how rows of them are read and written.
 #pragma once
 
 #include "tests/reference/Levels.h"
@@ -11,21 +11,22 @@
 
 namespace kestrix::test::reference {
 
-/// A row is a stream of bits from the lowest of its first word upward. Every `unitBits` of it hold
-/// a sample of `levels.bits` bits at each place of `at`, which is where B, G, R and A of a pixel
-/// lie, -1 for none, or else a run of the samples of 4:2:2, which come in the order Cb Y Cr Y.
+/// A row is a stream of bits, from the lowest bit of its first word upward. Every `unitBits` bits
+/// hold a sample of `levels.bits` bits at each place in `at`. For RGB these are the places of B, G,
+/// R and A of a pixel, -1 if it has none. For 4:2:2 they are consecutive samples in the order Cb Y
+/// Cr Y.
 struct Layout {
     KSX::PixelConversion::PixelFormat code;
-    Levels levels;      ///< of 4:2:2 the range is that of alpha
-    unsigned wordBytes; ///< of big-endian words; 1 in a little-endian format
+    Levels levels;      ///< for 4:2:2, the range is that of alpha
+    unsigned wordBytes; ///< for big-endian words; 1 in a little-endian format
     unsigned unitBits;
     std::vector<int> at;
-    int alphaAt = -1; ///< of 4:2:2
+    int alphaAt = -1; ///< for 4:2:2
 
     bool is422() const { return at.size() != 4; }
     unsigned maximum() const { return (1u << levels.bits) - 1; }
 
-    /// The first bit of sample `i` of a row; of RGB `i` is 4x for B of pixel x.
+    /// The first bit of sample `i` of a row. For RGB, `i` is 4x for B of pixel x.
     std::size_t bitOf(std::size_t i) const
     {
         return i / at.size() * unitBits + static_cast<unsigned>(at[i % at.size()]);
@@ -35,7 +36,7 @@ struct Layout {
         return x * unitBits + static_cast<unsigned>(alphaAt);
     }
 
-    /// Calls `each(byte, shift)` for the bytes of a row that a sample's bits lie in.
+    /// Calls `each(byte, shift)` for the bytes of a row that hold bits of a sample.
     template<class EACH>
     void forBytes(std::size_t bit, const EACH& each) const
     {
@@ -111,7 +112,7 @@ inline const Layout& layoutOf(KSX::PixelConversion::PixelFormat format)
                          [&](const Layout& layout) { return layout.code == format; });
 }
 
-/// A row as a conversion leaves it. Of the bits that are set in `undefined` nothing is known.
+/// A row after a conversion. Bits that are set in `undefined` have no defined value.
 struct WrittenRow {
     WrittenRow(const Layout& as, std::size_t width)
         : layout(as),
@@ -124,7 +125,8 @@ struct WrittenRow {
     std::vector<std::uint8_t> bytes;
     std::vector<std::uint8_t> undefined;
 
-    /// Packs a lane: limited as a signed value up to 10 bits, cut above.
+    /// Packs a lane. Up to 10 bits it is limited as a signed value; above, its upper bits are cut
+    /// off.
     void put(std::size_t bit, std::uint16_t lane, bool unknown = false)
     {
         const int limited =
@@ -142,8 +144,8 @@ struct YCbCr {
     int cr;
 };
 
-/// Pixel `x` of a row of 4:2:2. Odd pixels have the mean chroma of their neighbours; where only
-/// `pixels` pixels count, the last one has its left neighbour's.
+/// Pixel `x` of a row of 4:2:2. Odd pixels have the mean chroma of their neighbours. Only `pixels`
+/// pixels count: if the last of them is odd, it has its left neighbour's chroma.
 inline YCbCr pixelOf422(const Layout& layout, const std::uint8_t* row, std::size_t x,
                         std::size_t pixels)
 {

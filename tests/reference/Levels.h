@@ -1,4 +1,4 @@
-/// Changes of range and of depth, a lane of 16 bits at a time.
+/// Changes of range and of depth, for one lane of 16 bits.
 #pragma once
 
 #include <algorithm>
@@ -20,14 +20,14 @@ struct Levels {
     int white() const { return full ? (1 << bits) - 1 : 235 << (bits - 8); }
 };
 
-/// A 16-bit lane, read as signed, as a byte.
+/// A 16-bit lane, read as signed and limited to a byte.
 constexpr std::uint8_t saturated(std::uint16_t lane)
 {
     return static_cast<std::uint8_t>(std::clamp<int>(static_cast<std::int16_t>(lane), 0, 255));
 }
 
-/// From some levels to others. The gain follows from the levels: 16 bits of fraction, halved as
-/// often as it takes to fit, and the value doubled as often instead.
+/// Converts levels. The gain follows from the levels. It has 16 bits of fraction. If it does not
+/// fit, it is halved until it does, and the value is doubled as often.
 class Rescale {
 public:
     Rescale(Levels in, Levels out, bool rounds = true) : m_in(in), m_out(out), m_rounds(rounds)
@@ -41,7 +41,7 @@ public:
     std::uint16_t operator()(std::uint16_t x) const
     {
         if (!m_in.full) {
-            // As signed values. From video levels to video levels what is above white stays.
+            // As signed values. If both are video levels, codes above white stay.
             if (m_out.full && static_cast<std::int16_t>(x) > m_in.white())
                 x = static_cast<std::uint16_t>(m_in.white());
             x = static_cast<std::uint16_t>(std::max(x - m_in.black(), 0));
@@ -60,8 +60,8 @@ private:
     std::uint32_t m_gain;
 };
 
-/// A code value at a depth of `shift` bits more, or less: rounded then, and at most the top of
-/// `width` bits shifted down.
+/// A code value with `shift` bits more. If `shift` is negative, it has fewer bits: it is rounded,
+/// and limited to the highest code of `width` bits shifted down.
 inline std::uint32_t atDepth(std::uint32_t x, int shift, int width)
 {
     if (shift > 0)
@@ -76,7 +76,7 @@ inline std::uint16_t limited(std::uint16_t x, Levels to)
         std::clamp<int>(static_cast<std::int16_t>(x), to.black(), to.white()));
 }
 
-/// One change of a row's lanes. Between 8-bit levels alpha keeps its value.
+/// One change of a row's lanes. Between 8-bit levels, alpha keeps its value.
 struct LevelStep {
     std::function<std::uint16_t(std::uint16_t)> of;
     bool sparesAlpha = false;
@@ -93,7 +93,7 @@ inline LevelStep shift(int by, int width = 16)
     return {[=](std::uint16_t x) { return static_cast<std::uint16_t>(atDepth(x, by, width)); }};
 }
 
-/// What takes a row from some levels to others: shifts where the range stays.
+/// The steps from some levels to others. If the range stays, they are shifts.
 inline LevelSteps stepsBetween(Levels from, Levels to, bool rounds = true)
 {
     if (from == to)

@@ -1,4 +1,4 @@
-/// Between RGB and YUV, a pixel at a time, with the coefficients as integers.
+/// Conversions between RGB and YUV, a pixel at a time, with the coefficients as integers.
 #pragma once
 
 #include "tests/reference/Layouts.h"
@@ -28,7 +28,7 @@ inline constexpr Matrix
     kFull12_601ToYUV  {{{8384, 16459, 3196}, {-4839,  -9499, 14339}, {14339, -12005, -2332}}},
     kFull12_709ToYUV  {{{5961, 20053, 2024}, {-3285, -11052, 14339}, {14340, -13024, -1314}}};
 
-/// Rows R, G, B and columns Y, Cb, Cr, in units of 1/16384, blue's of 1/8192.
+/// Rows R, G, B and columns Y, Cb, Cr. R and G are in units of 1/16384, B in units of 1/8192.
 inline constexpr Matrix
     kYUVToStudio601   {{{16384, 0, 22459}, {16384, -5513, -11439}, {8192, 14192, 0}}},
     kYUVToStudio709   {{{16384, 0, 25226}, {16384, -3001,  -7498}, {8192, 14861, 0}}},
@@ -47,8 +47,8 @@ struct RGBToYUV {
     bool rounds = true;
 };
 
-/// Y of every pixel of a row of B, G, R, A, and its Cb or, of odd ones, Cr: `sink(x, y, chroma)`.
-/// The count of pixels is even.
+/// Calls `sink(x, y, chroma)` for every pixel of a row of B, G, R, A. `chroma` is Cb for even
+/// pixels and Cr for odd ones. The count of pixels is even.
 template<class SINK>
 void toYUV(const RGBToYUV& c, const std::uint16_t* bgra, std::size_t pixels, const SINK& sink)
 {
@@ -78,12 +78,12 @@ void toYUV(const RGBToYUV& c, const std::uint16_t* bgra, std::size_t pixels, con
     }
 }
 
-/// A row of B, G, R, A to one of Cb, Y, Cr, Y.
+/// Converts a row of B, G, R, A to one of Cb, Y, Cr, Y.
 inline void toUYVY(const RGBToYUV& c, const std::uint16_t* bgra, std::uint16_t* uyvy,
                    std::size_t pixels)
 {
     toYUV(c, bgra, pixels, [&](std::size_t x, int y, int chroma) {
-        // The sign of chroma reaches into Y: they are one word of 32 bits.
+        // The sign of chroma reaches into Y, because they are one word of 32 bits.
         uyvy[2 * x] = static_cast<std::uint16_t>(chroma);
         uyvy[2 * x + 1] = static_cast<std::uint16_t>(y | chroma >> 16);
     });
@@ -97,8 +97,8 @@ struct YUVToRGB {
     bool rounds = true;
 };
 
-/// R, G, B of a pixel. Where Y and Cr of an even pixel are rounded apart, those of an odd one are
-/// rounded together, and Y and Cb the other way round.
+/// R, G, B of a pixel. In an even pixel Y and Cb are rounded together and Cr separately; in an odd
+/// pixel Y and Cr are rounded together and Cb separately.
 inline std::array<int, 3> toRGB(const YUVToRGB& c, YCbCr in, bool odd)
 {
     const auto without = [](int lane, int offset) {
@@ -127,13 +127,13 @@ inline std::array<int, 3> toRGB(const YUVToRGB& c, YCbCr in, bool odd)
     return rgb;
 }
 
-/// Alpha of 8 bits as 10-bit alpha of video levels. The top falls short of 940.
+/// 8-bit alpha as 10-bit alpha at video levels. The highest result is below 940.
 inline int alphaToStudio(int a)
 {
     return (4 * a * 56119 >> 16) + 64;
 }
 
-/// 10-bit alpha of video levels as 8 bits, cut twice.
+/// 10-bit alpha at video levels as 8 bits, cut twice.
 inline int alphaFromStudio(int a)
 {
     return (std::clamp(a - 64, 0, 876) * 2 * 38267 >> 16) / 4;

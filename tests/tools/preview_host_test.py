@@ -26,7 +26,7 @@ BLACK = (0, 0, 0)
 GREY = (100, 100, 100)
 FIELDS = RED, GREEN, BLUE, GREY
 
-# Frames have so many pixels each way, and four fields.
+# The width and the height of a frame in pixels. A frame has four fields.
 SIDE = 64
 
 
@@ -78,8 +78,8 @@ class HostTest(unittest.TestCase):
         return result.stdout.decode()
 
     def assert_fields(self, *expected, size=(SIDE, SIDE)):
-        """Compares the middle of the screenshot's fields with those expected, of which there are
-        four or one. The colour tables may make a difference of one code."""
+        """Compares the middle of the screenshot's fields with the expected colours, four or one.
+        The colour tables may make a difference of one code."""
         shot = Image.open(self.shot)
         self.assertEqual(shot.size, size)
         width, height = size
@@ -90,7 +90,7 @@ class HostTest(unittest.TestCase):
                                  f"{seen}, not {expected}")
 
     def assert_refused(self, result, *words):
-        """The run failed, and said why in one line."""
+        """Fails unless the run failed and printed the reason in one line."""
         message = result.stderr.decode()
         self.assertGreater(result.returncode, 0, "did not fail, or was killed by a signal")
         self.assertRegex(message, r"\Apreview_host: [^\n]+\n\Z")
@@ -138,7 +138,7 @@ class Showing(HostTest):
     def test_test_pattern_in_a_format_and_its_report(self):
         report = self.shoot("--size", "64x64", "--format", "r210", "--colorspace", "r709",
                             "--frames", "3", helper="gl3")
-        # The first bars at 75 % are white and yellow, of studio codes here.
+        # The first bars are white and yellow of 75 %, here in studio codes.
         yellow = Image.open(self.shot).getpixel((12, 4))
         self.assertGreater(min(yellow[:2]), 170)
         self.assertLess(yellow[2], 20)
@@ -198,7 +198,7 @@ class Keys(HostTest):
         self.assertEqual(*shots)
 
     def test_raw_frames_are_read_as_another_format(self):
-        # B G R A read as A R G B.
+        # The bytes B G R A are read as A R G B.
         self.shoot("--keys", "FF", frame=raw_frame(WHITE) + raw_frame(RED))
         self.assert_fields((0, 255, 255))
 
@@ -222,8 +222,8 @@ class Keys(HostTest):
 
 
 class Decisions(HostTest):
-    # The frames, the keys, and the decisions at first and after each key. docs/conversions.md has
-    # the numbers of the rows.
+    # The frames, the keys, and the decisions before the first key and after each key. docs/conversions.md
+    # lists the numbers of the rows.
     cases = (
         ("720x576 2vuy", "hcchc", (
             "Rec. 601 by width 720; row 24 of the conversions, 2vuy to RGBA of Rec. 709",

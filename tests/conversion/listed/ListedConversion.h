@@ -1,4 +1,4 @@
-/// The engine a second time, in a namespace of its own and without a rule: what conversions mean.
+/// The engine a second time, in a namespace of its own and without rules: what conversions mean.
 #pragma once
 
 namespace kestrix::test {

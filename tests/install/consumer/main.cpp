@@ -1,4 +1,4 @@
-/// The least host: links the library, makes a helper by each factory, and gives it back.
+/// The smallest host: links the library, makes a helper with each factory, and releases it.
 #include <KestrixPreviewAPI.h>
 #include <KestrixPreviewAPI_v14_2_1.h>
 

@@ -1,5 +1,5 @@
-/// Found in front of the engine's own header of this name: no rules, so that every pipeline runs
-/// the stages that it lists.
+/// The compiler finds this header before the engine's own header of this name. It has no rules, so
+/// every pipeline runs the stages that it lists.
 #pragma once
 
 #include "conversion/pipeline/Rewriting.h"
