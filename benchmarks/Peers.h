@@ -24,15 +24,15 @@ struct PeerJob {
 };
 
 struct Peer {
-    std::string row;     ///< the conversion of the table, as "2vuy:709/BGRA:709"
+    std::string row;     ///< the conversion of the table, such as "2vuy:709/BGRA:709"
     std::string library; ///< "libyuv", "swscale", "avcodec", "zimg"
-    std::string differs; ///< what it does differently, or nothing
+    std::string differs; ///< what it does differently; empty if nothing
     /// For an even width, on one thread. The level is a setting of the whole process: make and run
     /// the jobs of one level before those of the other.
     std::function<PeerJob(Level, unsigned width, unsigned height)> make;
 };
 
-/// The peers that this build has, perhaps none.
+/// The peers that this build has. There may be none.
 const std::vector<Peer>& peers();
 
 /// Name and version of each library that was found, for reports.

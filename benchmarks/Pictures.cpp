@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kCacheLine = 64;
 constexpr std::size_t kPage = 4096;
-/// Stages that look ahead read past the end of a row.
+/// Stages that look ahead read bytes after the end of a row.
 constexpr std::size_t kReadableBehind = 64;
 constexpr std::size_t kLeastColdBytes = std::size_t{512} << 20;
 

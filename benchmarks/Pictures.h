@@ -5,7 +5,7 @@
 
 namespace kestrix::bench {
 
-/// Where pictures are when a conversion gets to them.
+/// Where pictures are when a conversion reads them.
 enum class Temperature {
     Hot,  ///< in the nearest cache that holds them: one pair of pictures again and again
     Cold, ///< in memory: pairs that are together several times as large as the last cache

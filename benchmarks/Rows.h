@@ -1,4 +1,4 @@
-/// The rows of the table as the benchmarks name and size them.
+/// The names and sizes of the table's rows in the benchmarks.
 #pragma once
 
 #include "conversion/KSXPixelConversion.h"
@@ -9,7 +9,7 @@
 
 namespace kestrix::bench {
 
-/// Pixels a row and rows.
+/// Pixels a row, and the number of rows.
 struct Size {
     unsigned width;
     unsigned height;
@@ -22,7 +22,7 @@ inline std::size_t rowBytes(KSX::PixelConversion::PixelFormat format, unsigned w
     return KSX::PixelConversion::rowBytes(*KSX::PixelConversion::findPixelFormat(format), width);
 }
 
-/// As in "2vuy:709/BGRA:709".
+/// For example "2vuy:709/BGRA:709".
 inline std::string shortName(unsigned index)
 {
     const auto end = [](KSX::PixelConversion::PixelFormat format,
@@ -35,7 +35,7 @@ inline std::string shortName(unsigned index)
     return end(row.srcFormat, row.srcColorspace) + "/" + end(row.dstFormat, row.dstColorspace);
 }
 
-/// As in "row17/2vuy:709/BGRA:709".
+/// For example "row17/2vuy:709/BGRA:709".
 inline std::string rowName(unsigned index)
 {
     return "row" + std::to_string(index) + "/" + shortName(index);

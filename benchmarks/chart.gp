@@ -1,5 +1,6 @@
-# The chart of docs/performance.md, as an SVG on standard output. page.py defines before: "places", the count
-# of conversions, and $figures, a line for each point: place, conversion, library, its time over ours.
+# Draws the chart of docs/performance.md as an SVG on standard output. page.py first defines "places", the
+# count of conversions, and $figures, a line for each point: place, conversion, library, its time divided
+# by ours.
 set terminal svg size 860,620 font "sans-serif,12" background "white"
 set title "Time of others over the time of this library, 1920x1080, one core, cold"
 set logscale x 2

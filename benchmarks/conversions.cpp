@@ -1,10 +1,10 @@
 /// Times every conversion of the table, a memcpy that moves as many bytes, and the conversions of
-/// other libraries: kestrix_bench [ROWS [SIZE]] takes the rows whose names match the regular
+/// other libraries. kestrix_bench [ROWS [SIZE]] selects the rows whose names match the regular
 /// expression ROWS, and the sizes whose names begin with SIZE.
 ///
-/// Names are ROW/SIZE/TEMPERATURE/WHO, as "row41/2vuy:709/BGRA:709/1920x1080/hot/kestrix";
-/// "memcpy/BYTES/TEMPERATURE" moves BYTES in all, half of them read and half written. Counters are
-/// the seconds a pixel takes and bytes a second, in and out together.
+/// Names are ROW/SIZE/TEMPERATURE/WHO, such as "row41/2vuy:709/BGRA:709/1920x1080/hot/kestrix".
+/// "memcpy/BYTES/TEMPERATURE" moves BYTES in all, half of them read and half written. The counters
+/// are seconds a pixel, and bytes a second, read and written together.
 #include "benchmarks/Peers.h"
 #include "benchmarks/Pictures.h"
 #include "benchmarks/Rows.h"
@@ -62,7 +62,8 @@ void timePictures(benchmark::State& state, std::size_t srcBytes, std::size_t dst
     state.counters["bytes"] = static_cast<double>(srcBytes + dstBytes);
 }
 
-/// False if a peer names no conversion: it would never run, and nobody would notice.
+/// False if a peer names no conversion of the table. Such a peer would never run, and nobody would
+/// notice.
 bool allPeersHaveRows()
 {
     bool all = true;

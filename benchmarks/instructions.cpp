@@ -15,7 +15,7 @@ using namespace KSX::PixelConversion;
 
 constexpr unsigned kWidth = 1920;
 constexpr unsigned kHeights[] = {4, 8};
-/// Bytes of a pixel of the largest format, and bytes that stages read past the end of a row.
+/// Bytes of a pixel of the largest format, and bytes that stages read after the end of a row.
 constexpr std::size_t kPixelBytes = 8;
 constexpr std::size_t kReadableBehind = 64;
 

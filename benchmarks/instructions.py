@@ -3,7 +3,7 @@
 
 Runs kestrix_instructions under callgrind and takes the difference between two heights of picture, so
 that what a call costs once does not count. Budgets are a text file of lines "name instructions" for
-each compiler, as instructions/g++-12.txt. The exit status is 1 if a conversion needs over 5 % more than
+each compiler, such as instructions/g++-12.txt. The exit status is 1 if a conversion needs over 5 % more than
 its budget, has none, or is gone, and 77 if there is no file for the compiler: the code of two versions
 of a compiler is up to 64 % apart in single conversions, so the budgets of another one say nothing.
 """
@@ -30,7 +30,7 @@ HEADER = """\
 
 def count(valgrind, program):
     """Instructions a pixel by the name of the conversion."""
-    # The same copies of the C library are taken on every processor.
+    # Every processor uses the same copy functions of the C library.
     environment = dict(os.environ, GLIBC_TUNABLES="glibc.cpu.hwcaps=-AVX512F,-AVX2,-AVX,-ERMS,-SSSE3")
     with tempfile.TemporaryDirectory() as folder:
         output = Path(folder) / "callgrind.out"

@@ -54,7 +54,7 @@ def benchmark(program, arguments, options):
 
 
 def conversions(medians, counts):
-    """The records of this library and those of others: what stands in conversions.csv and peers.csv."""
+    """The records of this library and of others, for conversions.csv and peers.csv."""
     seconds, copies = {}, {}
     for name, figures in medians.items():
         if name.startswith("memcpy/"):
@@ -93,7 +93,7 @@ def helpers(medians):
 
 
 def clean_build():
-    """Minutes that the library takes from clean, without a cache of compiled objects."""
+    """Minutes to build the library from scratch, without a cache of compiled objects."""
     with tempfile.TemporaryDirectory() as folder:
         configure = ["cmake", "-S", page.ROOT, "-B", folder, "-G", "Ninja",
                      "-DCMAKE_BUILD_TYPE=Release", "-DKESTRIX_BUILD_TESTS=OFF",

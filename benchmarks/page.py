@@ -20,7 +20,7 @@ CHART = ROOT / "docs/images/performance.svg"
 BEGIN, END = "<!-- measured: begin -->\n", "<!-- measured: end -->\n"
 
 SIZES = ("1920x1080", "3840x2160")
-# What hosts use most.
+# The conversions that hosts use most.
 CHIEF = [
     "2vuy/YUY2", "YUY2/2vuy", "2vuy/v210", "v210/2vuy", "Ay10/v210",
     "2vuy:709/BGRA:709", "v210:709/BGRA:709", "Ay10:709/BGRA:709",
@@ -36,7 +36,7 @@ CLASSES = ["YUV to YUV", "RGB to RGB", "YUV to RGB", "RGB to YUV", "to another s
 
 
 def class_of(conversion):
-    """Which of CLASSES a conversion, as "2vuy:709/BGRA:709", is in."""
+    """The one of CLASSES that has a conversion, such as "2vuy:709/BGRA:709"."""
     (source, before), (target, after) = (end.partition(":")[::2] for end in conversion.split("/"))
     if before != after:
         return CLASSES[5 if source in ("A04l", "A04L") else 4]
@@ -107,7 +107,7 @@ def peer_table(peers):
 
 
 def helper_table(helpers):
-    """A line a call and size, a column a format."""
+    """A table with a line for each call and size, and a column for each format."""
     calls, others = {}, []
     for record in helpers:
         call, *rest = record["what"].split("/")
@@ -134,7 +134,7 @@ def text():
 
 
 def chart():
-    """Draws the time of others over ours: cold, with all that the processor has."""
+    """Draws the time of others divided by ours: cold, with all instructions of the processor."""
     size = SIZES[0]
     others = [(p["conversion"], p["library"], p["cold_free"]) for p in read("peers") if p["size"] == size]
     others += [(r["conversion"], "memcpy", r["cold_of_memcpy"]) for r in read("conversions")

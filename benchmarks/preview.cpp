@@ -1,5 +1,5 @@
-/// Times what hosts wait for: loading, the first helper, and the helpers' calls for each frame.
-/// The helpers' calls need a display.
+/// Times what hosts wait for: loading, the first helper, and the calls of the helpers for each
+/// frame. These calls need a display.
 #include "api/KestrixPreviewAPI.h"
 #include "conversion/PixelFormats.h"
 #include "host/MemoryFrame.h"
@@ -28,7 +28,7 @@ using kestrix::host::Owned;
 
 // --- Loading -------------------------------------------------------------------------------------
 
-/// Bytes of the mappings of `file` that only this process has.
+/// Bytes of the mappings of `file` that no other process shares.
 double privateBytes(const std::string& file)
 {
     std::ifstream maps("/proc/self/smaps");
@@ -47,7 +47,7 @@ double privateBytes(const std::string& file)
     return bytes;
 }
 
-/// The libraries that it needs are loaded before, because this program needs them too.
+/// This program needs the same libraries as the library, so they are loaded before.
 void load(benchmark::State& state)
 {
     double bytes = 0;

@@ -49,7 +49,7 @@ int fromWords(const std::uint8_t* src, int srcStride, std::uint8_t* dst, int dst
                               dstStride, width, height);
 }
 
-/// libyuv converts by Rec. 709 from planes only. A row is split at a time, so that the planes stay
+/// For Rec. 709, libyuv converts from planes only. Rows are split one at a time, so the planes stay
 /// in the nearest cache.
 Peer overPlanes(std::string name)
 {

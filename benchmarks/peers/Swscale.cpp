@@ -31,7 +31,7 @@ struct Free {
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
 };
 
-/// An AVFrame whose lines follow each other without padding.
+/// An AVFrame whose lines have no padding between them.
 struct Picture {
     std::uint8_t* planes[4];
     int strides[4];
@@ -100,7 +100,7 @@ Peer scaled(std::string row, AVPixelFormat from, AVPixelFormat to, std::string d
             }};
 }
 
-/// A format that FFmpeg has as a codec.
+/// A format that FFmpeg implements as a codec.
 struct Coded {
     AVCodecID codec;
     AVPixelFormat planes;
@@ -111,8 +111,7 @@ constexpr Coded kV210{AV_CODEC_ID_V210, AV_PIX_FMT_YUV422P10,
 constexpr Coded kR210{AV_CODEC_ID_R210, AV_PIX_FMT_GBRP10,
                       [](unsigned w, unsigned h) { return (w + 63) / 64 * std::size_t{256} * h; }};
 
-/// A buffer of the caller as an AVBufferRef; the bytes after it are the padding that decoders ask
-/// for.
+/// A buffer of the caller as an AVBufferRef. The bytes after it are the padding that decoders need.
 AVBufferRef* borrowed(std::uint8_t* bytes, std::size_t size)
 {
     return av_buffer_create(

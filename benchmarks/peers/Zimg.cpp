@@ -1,4 +1,5 @@
-/// zimg. It works on planes; splitting packed pixels and packing them again is not timed.
+/// zimg. It works on planes. The time to split packed pixels and to pack them again is not
+/// measured.
 #include "benchmarks/peers/Libraries.h"
 
 #include <zimg.h>
