@@ -61,8 +61,8 @@ public:
     }
 
 private:
-    /// The output of each stage for the whole block, as far as it has run. All indices are
-    /// constants, so it is in memory only if registers run out.
+    /// The output of each stage for the part of the block that has run. All indices are constants,
+    /// so it is in memory only if there are too few registers.
     using Between = std::tuple<Pixels<typename STAGES::Output, BLOCK>...>;
 
     static constexpr unsigned groupsFor(unsigned pixels, unsigned step)

@@ -57,7 +57,7 @@ KSX_INLINE void unrolled(FUNCTION&& f)
     (std::make_integer_sequence<unsigned, END - BEGIN>{});
 }
 
-/// What a stage promises about the codes that it gives, except alpha.
+/// What a stage promises about the codes that it gives. The promise does not include alpha.
 enum class Range {
     Any,   ///< nothing
     Kept,  ///< within the range of their depth, if the codes that it takes are
