@@ -1,5 +1,5 @@
-# Installing and packaging: component `runtime` is the shared object, `dev` what it takes to build a
-# host: headers, the link's name, the CMake package and the pkg-config file.
+# Installs the library. The component `runtime` has the shared object. The component `dev` has what is
+# needed to build a host: headers, the link to the library, the CMake package and the pkg-config file.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -21,8 +21,8 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/KestrixPreviewAPIConfigVe
 install(FILES ${PROJECT_BINARY_DIR}/KestrixPreviewAPIConfigVersion.cmake
   DESTINATION ${package_dir} COMPONENT dev)
 
-# Folders below the prefix are told from where the file lies, so that an installed tree may move;
-# those given as absolute stay so.
+# Folders below the prefix are relative to the pkg-config file, so an installed tree can be moved. Folders
+# given as absolute paths stay absolute.
 if(IS_ABSOLUTE ${CMAKE_INSTALL_LIBDIR})
   set(pc_prefix ${CMAKE_INSTALL_PREFIX})
 else()

@@ -35,7 +35,7 @@ set(CPACK_DEBIAN_DEV_DESCRIPTION "preview of professional video frames in OpenGL
 Headers, CMake package and pkg-config file for hosts of the library that
 paints 8-, 10- and 12-bit YUV and RGB frames into an OpenGL context.")
 
-# What Debian wants of each package beside its files.
+# Files that Debian requires in each package.
 find_program(KESTRIX_GZIP gzip)
 if(KESTRIX_GZIP)
   set(changelog ${PROJECT_BINARY_DIR}/changelog.gz)
