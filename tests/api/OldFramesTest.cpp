@@ -1,13 +1,10 @@
 /// Old frames and helpers as current ones, and the other way round: who answers for what, whose
 /// references are counted, and what is left when something fails on the way.
 #include "api/v14_2_1/GLScreenPreviewHelper.h"
-#include "api/v14_2_1/ProvidedFrames.h"
-#include "api/v14_2_1/VideoFrame3DExtensions.h"
 #include "api/v14_2_1/VideoFrame_From.h"
-#include "host/OldMemoryFrame.h"
+#include "tests/api/AdaptedFrames.h"
 #include "tests/common/AllocationFaults.h"
 #include "tests/common/CaseName.h"
-#include "tests/common/TestFrame.h"
 
 #include <gtest/gtest.h>
 
@@ -20,7 +17,6 @@ namespace {
 
 using host::Owned;
 using host::query;
-using Old = IKestrixVideoFrame_v14_2_1;
 
 const REFIID kNobodysID = {{1, 2, 3}};
 
@@ -70,25 +66,6 @@ public:
 protected:
     using OldMemoryFrame::OldMemoryFrame;
 };
-
-Owned<OldTestFrame> oldFrame(Old* rightEye = nullptr)
-{
-    host::OldMemoryFrameOptions options{.width = 4, .height = 2, .format = 32};
-    options.rightEye = rightEye;
-    if (rightEye)
-        options.packing3D = Packing3DLeftOnly;
-    return OldTestFrame::create(options);
-}
-
-template<class Frame = TestFrame>
-Owned<Frame> capturedFrame(IKestrixVideoFrame* rightEye = nullptr)
-{
-    host::MemoryFrameOptions options{.width = 4, .height = 2, .format = 32, .captured = true};
-    options.rightEye = rightEye;
-    if (rightEye)
-        options.packing3D = Packing3DLeftOnly;
-    return Frame::create(options);
-}
 
 Owned<IKestrixVideoFrame> wrap(Old* old)
 {
@@ -148,7 +125,7 @@ TEST(OldFrame, IsUnwrappedOnlyWhereItAnswersTheProbe)
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << "case " << &c - cases);
         const auto current = capturedFrame();
-        const auto old = oldFrame();
+        const auto old = oldFrame<OldTestFrame>();
         old->probeStatus = c.status;
         old->probeStores = c.stores;
         old->current = c.hasCurrent ? current.get() : nullptr;
@@ -167,7 +144,7 @@ TEST(OldFrame, IsUnwrappedOnlyWhereItAnswersTheProbe)
 
 TEST(OldFrame, IsWrappedWithABufferAndOneCount)
 {
-    const auto old = oldFrame();
+    const auto old = oldFrame<OldTestFrame>();
     {
         const auto frame = wrap(old.get());
         const auto buffer = query<IKestrixVideoBuffer>(frame.get(), IID_IKestrixVideoBuffer);
@@ -199,8 +176,8 @@ TEST(OldFrame, IsWrappedWithABufferAndOneCount)
 
 TEST(OldFrame, HasItsExtensionsAndItsRightEyeWrapped)
 {
-    const auto right = oldFrame();
-    const auto left = oldFrame(right.get());
+    const auto right = oldFrame<OldTestFrame>();
+    const auto left = oldFrame<OldTestFrame>(right.get());
     // Only 0 counts as success.
     expectRightEye<IKestrixVideoFrame3DExtensions>(
         wrap(left.get()).get(), IID_IKestrixVideoFrame3DExtensions, *left, *right, {E_FAIL, 1});
@@ -209,32 +186,9 @@ TEST(OldFrame, HasItsExtensionsAndItsRightEyeWrapped)
 
 // --- Current frames as old ones ------------------------------------------------------------------
 
-/// Attaches an `Adapter` to a frame by its interface `id`.
-template<class Adapter, class AdaptedTo, class Current = IKestrixVideoFrame>
-HRESULT attach(IKestrixVideoFrame* frame, Owned<Old>& out, REFIID id)
-{
-    AdaptedTo* adapter = nullptr;
-    const HRESULT status = Adapter::create(query<Current>(frame, id).get(), &adapter);
-    out.reset(adapter);
-    return status;
-}
-
-HRESULT attachPlain(IKestrixVideoFrame* frame, Owned<Old>& out)
-{
-    return attach<CKestrixVideoFrame_v14_2_1, Old>(frame, out, IID_IKestrixVideoFrame);
-}
-
-HRESULT attachMutable(IKestrixVideoFrame* frame, Owned<Old>& out)
-{
-    return attach<CKestrixMutableVideoFrame_v14_2_1, IKestrixMutableVideoFrame_v14_2_1,
-                  IKestrixMutableVideoFrame>(frame, out, IID_IKestrixMutableVideoFrame);
-}
-
-HRESULT attachInput(IKestrixVideoFrame* frame, Owned<Old>& out)
-{
-    return attach<CKestrixVideoInputFrame_v14_2_1, IKestrixVideoInputFrame_v14_2_1>(
-        frame, out, IID_IKestrixVideoFrame);
-}
+constexpr auto attachPlain = attach<CKestrixVideoFrame_v14_2_1>;
+constexpr auto attachMutable = attach<CKestrixMutableVideoFrame_v14_2_1>;
+constexpr auto attachInput = attach<CKestrixVideoInputFrame_v14_2_1>;
 
 /// Makes a frame that takes so many registrations.
 template<class Frame>
@@ -254,7 +208,7 @@ struct Kind {
     /// Whether registrations stay where one after them is refused.
     bool keepsRegistrations;
     Owned<host::MemoryFrame> (*make)(int registrations);
-    HRESULT (*attach)(IKestrixVideoFrame* frame, Owned<Old>& out);
+    HRESULT (*attach)(host::MemoryFrame* frame, Owned<Old>& out);
 };
 
 class CurrentFrame : public testing::TestWithParam<Kind> {};
@@ -456,7 +410,7 @@ TEST(OldHelper, HandsFramesOnWrapped)
 {
     TestHelper current;
     {
-        const auto old = oldFrame();
+        const auto old = oldFrame<OldTestFrame>();
         const Owned<IKestrixGLScreenPreviewHelper_v14_2_1> helper(
             new CKestrixGLScreenPreviewHelper_v14_2_1(&current));
         EXPECT_EQ(current.references, 2U);

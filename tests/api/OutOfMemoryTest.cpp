@@ -1,10 +1,8 @@
-/// Every allocation of every operation fails once: the stated status or null comes out, no
-/// exception does, the frames get back what was taken of them, and nothing is left behind.
-#include "api/v14_2_1/ProvidedFrames.h"
-#include "api/v14_2_1/VideoFrame3DExtensions.h"
+/// Every allocation of every operation fails once. The operation then returns the stated status or
+/// null, throws nothing, returns what it took of the frames, and leaves no memory behind.
 #include "api/v14_2_1/VideoFrame_From.h"
-#include "host/OldMemoryFrame.h"
 #include "preview/ScreenPreviewLut.h"
+#include "tests/api/AdaptedFrames.h"
 #include "tests/common/AllocationFaults.h"
 #include "tests/common/CaseName.h"
 #include "tests/common/PreviewFixture.h"
@@ -17,24 +15,20 @@
 namespace kestrix::test {
 namespace {
 
-using host::MemoryFrameOptions;
-using host::OldMemoryFrame;
-using host::OldMemoryFrameOptions;
 using host::Owned;
-using host::query;
 
-/// Does what it is given while the allocation whose turn it is fails.
+/// Runs a call, and lets one of its allocations fail.
 using ShortOfMemory = std::function<HRESULT(const std::function<HRESULT()>&)>;
 
 struct Operation {
     const char* name;
-    /// What it answers when allocation 0, 1, ... fails, an answer for each that it makes.
+    /// The status if allocation 0, 1, ... fails: one for each allocation that the call makes.
     std::vector<HRESULT> answers;
     /// Prepares, makes the call, and clears away.
     HRESULT (*run)(const ShortOfMemory& shortOfMemory);
 };
 
-/// As a status what is told by a pointer.
+/// A status for a call that returns null if allocation fails.
 template<class OBJECT>
 HRESULT made(OBJECT* object)
 {
@@ -47,69 +41,39 @@ HRESULT makeHelper(const ShortOfMemory& shortOfMemory)
     return shortOfMemory([] { return made(FACTORY()); });
 }
 
-/// A pair of frames that has to come out of a call as it went in.
+/// Frames of two eyes. The operation under test must return all references and accesses.
+template<auto MAKE>
 struct Pair {
-    explicit Pair(std::uint32_t format = code("BGRA"))
-        : right(TestFrame::create({.width = 16, .height = 8, .format = format, .captured = true})),
-          left(TestFrame::create(stereo({.width = 16,
-                                         .height = 8,
-                                         .format = format,
-                                         .colorspace = code("r709"),
-                                         .captured = true},
-                                        right)))
-    {
-    }
-
     ~Pair()
     {
         EXPECT_EQ(left->references(), 1U);
         EXPECT_EQ(right->references(), 2U);
-        EXPECT_TRUE(adapted || left->openAccesses() + right->openAccesses() == 0);
+        if constexpr (requires { left->openAccesses(); }) {
+            EXPECT_TRUE(adapted || left->openAccesses() + right->openAccesses() == 0);
+        }
     }
 
-    Frame right;
-    Frame left;
-    /// Has an adapter, which never closes its access.
+    decltype(MAKE(nullptr)) right = MAKE(nullptr);
+    decltype(MAKE(nullptr)) left = MAKE(right.get());
+    /// The left eye has an adapter, which never closes its access.
     bool adapted = false;
 };
+using CurrentPair = Pair<capturedFrame<TestFrame>>;
+using OldPair = Pair<oldFrame<host::OldMemoryFrame>>;
 
-struct OldPair {
-    ~OldPair()
-    {
-        EXPECT_EQ(left->references(), 1U);
-        EXPECT_EQ(right->references(), 2U);
-    }
+enum Step { SetFrame, Paint };
 
-    Owned<OldMemoryFrame> right = OldMemoryFrame::create({.width = 16, .height = 8, .format = 32});
-    Owned<OldMemoryFrame> left = OldMemoryFrame::create({.width = 16,
-                                                         .height = 8,
-                                                         .format = 32,
-                                                         .packing3D = Packing3DLeftOnly,
-                                                         .rightEye = right.get()});
-};
-
-template<auto FACTORY>
-auto readyHelper()
+/// Uses a helper that runs out of memory at `STEP`.
+template<auto FACTORY, class PAIR, Step STEP>
+HRESULT use(const ShortOfMemory& shortOfMemory)
 {
-    Owned<std::remove_pointer_t<decltype(FACTORY())>> helper(FACTORY());
+    const PAIR pair;
+    const Owned<std::remove_pointer_t<decltype(FACTORY())>> helper(FACTORY());
     EXPECT_EQ(helper->InitializeGL(), S_OK);
-    return helper;
-}
-
-template<auto FACTORY, class PAIR>
-HRESULT setFrame(const ShortOfMemory& shortOfMemory)
-{
-    const PAIR pair;
-    const auto helper = readyHelper<FACTORY>();
-    return shortOfMemory([&] { return helper->SetFrame(pair.left.get()); });
-}
-
-template<auto FACTORY, class PAIR>
-HRESULT paint(const ShortOfMemory& shortOfMemory)
-{
-    const PAIR pair;
-    const auto helper = readyHelper<FACTORY>();
-    helper->SetFrame(pair.left.get());
+    const auto setFrame = [&] { return helper->SetFrame(pair.left.get()); };
+    if (STEP == SetFrame)
+        return shortOfMemory(setFrame);
+    setFrame();
     return shortOfMemory([&] { return helper->PaintGL(); });
 }
 
@@ -120,48 +84,19 @@ HRESULT initializeWithoutShaders(const ShortOfMemory& shortOfMemory)
     return shortOfMemory([&] { return helper->InitializeGL() == E_FAIL ? S_OK : E_UNEXPECTED; });
 }
 
-/// Attaches an adapter to `frame` by its interface `id`.
-template<class ADAPTER, class CURRENT, class OLD, class FRAME>
-HRESULT attach(const ShortOfMemory& shortOfMemory, FRAME* frame, REFIID id)
+template<class ADAPTER, class FRAME>
+HRESULT attachTo(const ShortOfMemory& shortOfMemory)
 {
-    const auto current = query<CURRENT>(frame, id);
-    return shortOfMemory([&] {
-        OLD* adapter = nullptr;
-        const HRESULT status = ADAPTER::create(current.get(), &adapter);
-        EXPECT_EQ(Owned<OLD>(adapter) != nullptr, status == S_OK);
-        return status;
-    });
-}
-
-template<class ADAPTER, class CURRENT, class OLD>
-HRESULT attachToMutable(const ShortOfMemory& shortOfMemory)
-{
-    const auto frame = MutableTestFrame::create({.width = 16, .height = 8, .format = 32});
-    const HRESULT status = attach<ADAPTER, CURRENT, OLD>(shortOfMemory, frame.get(),
-                                                         std::is_same_v<CURRENT, IKestrixVideoFrame>
-                                                             ? IID_IKestrixVideoFrame
-                                                             : IID_IKestrixMutableVideoFrame);
+    const auto frame = capturedFrame<FRAME>();
+    Owned<Old> adapter;
+    const HRESULT status = shortOfMemory([&] { return attach<ADAPTER>(frame.get(), adapter); });
+    EXPECT_EQ(adapter != nullptr, status == S_OK);
+    adapter.reset();
     EXPECT_EQ(frame->references(), 1U);
     return status;
 }
 
-HRESULT attachToInput(const ShortOfMemory& shortOfMemory)
-{
-    Pair pair;
-    pair.adapted = true;
-    return attach<CKestrixVideoInputFrame_v14_2_1, IKestrixVideoFrame,
-                  IKestrixVideoInputFrame_v14_2_1>(shortOfMemory, pair.left.get(),
-                                                   IID_IKestrixVideoFrame);
-}
-
-HRESULT wrapOldFrame(const ShortOfMemory& shortOfMemory)
-{
-    const OldPair pair;
-    return shortOfMemory(
-        [&] { return made(CKestrixVideoFrame_From_v14_2_1::create(pair.left.get())); });
-}
-
-/// From a frame over its extensions `id` to the right eye.
+/// Queries a frame for its extensions `id`, and these for the right eye.
 template<class EXTENSIONS, class FRAME>
 HRESULT findRightEye(const ShortOfMemory& shortOfMemory, FRAME* frame, REFIID id)
 {
@@ -188,11 +123,10 @@ HRESULT findOldRightEye(const ShortOfMemory& shortOfMemory)
 
 HRESULT findAdaptedRightEye(const ShortOfMemory& shortOfMemory)
 {
-    Pair pair;
+    CurrentPair pair;
     pair.adapted = true;
-    IKestrixVideoInputFrame_v14_2_1* adapter = nullptr;
-    CKestrixVideoInputFrame_v14_2_1::create(pair.left.get(), &adapter);
-    const Owned<IKestrixVideoFrame_v14_2_1> old(adapter);
+    Owned<Old> old;
+    attach<CKestrixVideoInputFrame_v14_2_1>(pair.left.get(), old);
     return findRightEye<IKestrixVideoFrame3DExtensions_v14_2_1>(
         shortOfMemory, old.get(), IID_IKestrixVideoFrame3DExtensions_v14_2_1);
 }
@@ -211,29 +145,36 @@ const Operation kOperations[] = {
     {"OldOpenGL3Factory", {kNone, kNone, kNone}, makeHelper<kOldGL3>},
 
     // The slot's memory, and the shared count of each eye's bytes.
-    {"LegacySetFrame", {kNone, S_OK, S_OK}, setFrame<kLegacy, Pair>},
-    {"LegacyPaint", {}, paint<kLegacy, Pair>},
+    {"LegacySetFrame", {kNone, S_OK, S_OK}, use<kLegacy, CurrentPair, SetFrame>},
+    {"LegacyPaint", {}, use<kLegacy, CurrentPair, Paint>},
     // The shared counts, in the paint.
-    {"OpenGL3SetFrame", {}, setFrame<kGL3, Pair>},
-    {"OpenGL3Paint", {S_OK, S_OK}, paint<kGL3, Pair>},
-    // What is in the driver's log of a failed build is not worth a failure.
+    {"OpenGL3SetFrame", {}, use<kGL3, CurrentPair, SetFrame>},
+    {"OpenGL3Paint", {S_OK, S_OK}, use<kGL3, CurrentPair, Paint>},
+    // The allocation is for the driver's log, which is not worth a failure.
     {"OpenGL3Initialize", {S_OK}, initializeWithoutShaders},
-    // The frame's wrapper, without which there is no frame; its extensions' and the right eye's,
-    // without which there is one eye.
-    {"OldLegacySetFrame", {S_OK, S_OK, S_OK, kNone, S_OK, S_OK}, setFrame<kOldLegacy, OldPair>},
-    {"OldOpenGL3SetFrame", {S_OK}, setFrame<kOldGL3, OldPair>},
-    {"OldOpenGL3Paint", {S_OK, S_OK, S_OK, S_OK}, paint<kOldGL3, OldPair>},
+    // The wrappers of the frame, its extensions and its right eye. Without the first there is no
+    // frame, without the others there is one eye. Then as above.
+    {"OldLegacySetFrame",
+     {S_OK, S_OK, S_OK, kNone, S_OK, S_OK},
+     use<kOldLegacy, OldPair, SetFrame>},
+    {"OldOpenGL3SetFrame", {S_OK}, use<kOldGL3, OldPair, SetFrame>},
+    {"OldOpenGL3Paint", {S_OK, S_OK, S_OK, S_OK}, use<kOldGL3, OldPair, Paint>},
 
-    // The provider, the frame's list of registrations, which grows, and the adapter.
-    {"PlainAdapter",
-     {kNone, kNone, kNone},
-     attachToMutable<CKestrixVideoFrame_v14_2_1, IKestrixVideoFrame, IKestrixVideoFrame_v14_2_1>},
+    // The provider, the growth of the frame's list of registrations, and the adapter.
+    {"PlainAdapter", {kNone, kNone, kNone}, attachTo<CKestrixVideoFrame_v14_2_1, MutableTestFrame>},
     {"MutableAdapter",
      {kNone, kNone, kNone, kNone},
-     attachToMutable<CKestrixMutableVideoFrame_v14_2_1, IKestrixMutableVideoFrame,
-                     IKestrixMutableVideoFrame_v14_2_1>},
-    {"InputAdapter", {kNone, kNone, kNone, kNone, kNone}, attachToInput},
-    {"OldFrameWrapper", {kNone}, wrapOldFrame},
+     attachTo<CKestrixMutableVideoFrame_v14_2_1, MutableTestFrame>},
+    {"InputAdapter",
+     {kNone, kNone, kNone, kNone, kNone},
+     attachTo<CKestrixVideoInputFrame_v14_2_1, TestFrame>},
+    {"OldFrameWrapper",
+     {kNone},
+     [](const ShortOfMemory& shortOfMemory) {
+         const OldPair pair;
+         return shortOfMemory(
+             [&] { return made(CKestrixVideoFrame_From_v14_2_1::create(pair.left.get())); });
+     }},
     {"OldRightEye", {kNone, kNone}, findOldRightEye},
     {"AdaptedRightEye", {kNone, kNone, kNone, kNone, kNone, kNone}, findAdaptedRightEye},
 };
@@ -242,7 +183,7 @@ class FailingAllocation : public testing::TestWithParam<Operation> {};
 
 TEST_P(FailingAllocation, IsToldAndLeavesNothingBehind)
 {
-    // What a process keeps for good, such as colour tables, is made first.
+    // First make what a process keeps, such as colour tables.
     ScreenPreviewLut::Generate(LutFormat_RGBA32F);
     const auto& answers = GetParam().answers;
     for (std::size_t number = 0; number <= answers.size(); ++number) {
@@ -260,14 +201,14 @@ TEST_P(FailingAllocation, IsToldAndLeavesNothingBehind)
         EXPECT_EQ(GetParam().run(shortOfMemory), last ? S_OK : answers[number]);
         EXPECT_EQ(failed, last ? 0 : 1);
         GLRecorder::get().useFake();
-        // The first round of all may have left what is made once for the process.
+        // The first round may make other things that the process keeps.
         EXPECT_TRUE(number == 0 || liveAllocations() == before);
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(Api, FailingAllocation, testing::ValuesIn(kOperations), caseName);
 
-// Nothing is stored where there is no place for it.
+// A null pointer and the probe are no places to store an answer.
 TEST(OutOfMemory, IsToldByProvidersWithoutAPlaceForTheAnswer)
 {
     const auto frame = TestFrame::create({.width = 16, .height = 8, .format = 32});
@@ -280,7 +221,7 @@ TEST(OutOfMemory, IsToldByProvidersWithoutAPlaceForTheAnswer)
     }
 }
 
-// A table for which there is no memory is missing until the next helper is made.
+// If allocation of a table fails, the table is missing until the next helper is made.
 TEST(OutOfMemoryDeathTest, LeavesTablesOutOfAFreshProcess)
 {
     constexpr int kOfHelper = 2;
@@ -305,7 +246,7 @@ TEST(OutOfMemoryDeathTest, LeavesTablesOutOfAFreshProcess)
         EXPECT_EQ(missing(), number < kOfHelper ? kTables : tableFails);
         GLRecorder::get().useFake();
         if (helper) {
-            const Pair pair;
+            const CurrentPair pair;
             EXPECT_EQ(helper->InitializeGL(), S_OK);
             EXPECT_EQ(helper->SetFrame(pair.left.get()), S_OK);
             EXPECT_EQ(helper->PaintGL(), S_OK);
