@@ -1,15 +1,27 @@
-/// What every fuzz target defines, and what reads its input.
+/// The function that every fuzz target defines, the reader of its input, and its checks.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
 
-/// Runs one input. A fault is whatever ends the process; the result is always 0.
+/// Runs one input. A fault ends the process; the result is always 0.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace kestrix::test {
 
-/// Takes an input apart. Behind its end there are zeros.
+/// Ends the process with a line if `condition` is false.
+inline void check(bool condition, const std::string& fault)
+{
+    if (condition)
+        return;
+    std::fprintf(stderr, "%s\n", fault.c_str());
+    std::abort();
+}
+
+/// Reads values from an input. After its end all values are 0.
 class FuzzInput {
 public:
     FuzzInput(const std::uint8_t* data, std::size_t size) : m_data(data), m_end(data + size) {}
@@ -26,7 +38,7 @@ public:
         return low | word() << 16;
     }
 
-    /// Fills `bytes` with all that is left, over and over.
+    /// Fills `bytes` with the rest of the input, again and again.
     template<class BYTES>
     void fill(BYTES&& bytes) const
     {

@@ -1,13 +1,13 @@
-/// Fuzzes the engine: an input is a conversion, a picture's shape and its bytes. Buffers have
-/// exactly the bytes that the conversion can touch, and the scalar reference says what has to come
-/// out.
+/// Fuzzes the engine: an input is a conversion, the shapes of two pictures and the bytes of one.
+/// The scalar reference gives the expected rows, and bytes outside the rows must stay.
 #include "tests/common/AllConversions.h"
+#include "tests/common/Difference.h"
+#include "tests/common/GuardedPicture.h"
 #include "tests/fuzz/FuzzTarget.h"
 #include "tests/reference/Conversions.h"
 
-#include <cstdio>
-#include <cstdlib>
-#include <memory>
+#include <algorithm>
+#include <string>
 #include <vector>
 
 using namespace kestrix::test;
@@ -15,102 +15,62 @@ using namespace KSX::PixelConversion;
 
 namespace {
 
-#define CHECK(CONDITION, ...)                                                                      \
-    do {                                                                                           \
-        if (!(CONDITION)) {                                                                        \
-            std::fprintf(stderr, __VA_ARGS__);                                                     \
-            std::fprintf(stderr, ": %s\n", #CONDITION);                                            \
-            std::abort();                                                                          \
-        }                                                                                          \
-    } while (false)
-
-constexpr std::uint8_t kUntouched = 0xA5;
-
-/// Rows in a block of memory that has not a byte more behind them.
-struct Picture {
-    Picture(FuzzInput& input, std::size_t row, unsigned rows, bool apart)
-        : rowBytes(row),
-          height(rows)
-    {
-        const unsigned shape = input.byte();
-        offset = shape % 16;
-        const std::size_t padding = apart && rows != kPALHeight ? shape / 16 : 0;
-        bottomUp = apart && input.byte() % 2 == 1;
-        // The height of a whole picture asks for one only to choose the primaries: rows lie upon
-        // each other.
-        distance = rows == kPALHeight ? 0 : rowBytes + padding;
-        size = offset + (rows - 1) * distance + rowBytes;
-        bytes = std::make_unique<std::uint8_t[]>(size);
-    }
-
-    static constexpr unsigned kPALHeight = 576;
-
-    std::uint8_t* row(unsigned y)
-    {
-        return bytes.get() + offset + (bottomUp ? height - 1 - y : y) * distance;
-    }
-    unsigned step() const
-    {
-        const auto step = static_cast<unsigned>(distance);
-        return bottomUp ? 0 - step : step;
-    }
-    std::span<std::uint8_t> all() { return {bytes.get(), size}; }
-
-    std::size_t rowBytes;
-    unsigned height;
-    std::size_t offset;
-    std::size_t distance;
-    bool bottomUp;
-    std::size_t size;
-    std::unique_ptr<std::uint8_t[]> bytes;
-};
-
 void checkConversion(const Conversion& conversion, FuzzInput& input)
 {
     const auto reference = reference::rowConversion(conversion.entry);
     const unsigned least = std::max(1u, reference.leastWidth);
-    // Narrow rows have all ends that there are, so most are narrow: they are many times faster.
+    // Most rows are narrow: they have every kind of end, and take little time.
     const unsigned code = input.word();
     const bool wide = code % 16 == 0;
     const unsigned width = least + (wide ? code / 16 : code / 16 % 200);
-    const unsigned shape = input.byte();
-    const bool tall = conversion.changes601() && !wide && shape % 16 == 0;
-    const unsigned height = tall ? Picture::kPALHeight : 1 + shape % 3;
-    // A copy takes as many bytes as the rows of the destination lie apart.
-    const bool apart = !conversion.copies() && !tall;
+    const unsigned size = input.byte();
+    const bool tall = conversion.changes601() && !wide && size % 16 == 0;
+    const unsigned height = tall ? 576 : 1 + size % 3;
 
-    Picture src(input, reference.bytesRead(width), height, apart);
-    Picture dst(input, rowBytes(conversion.dst(), width), height, apart);
-    input.fill(src.all());
-    for (unsigned y = 0; y < std::min(height, 4u); ++y)
-        conversion.limit({src.row(y), src.rowBytes});
-    std::ranges::fill(dst.all(), kUntouched);
-    // The reference can look at a sample that counts for nothing.
-    std::vector<std::uint8_t> srcCopy(src.all().begin(), src.all().end());
-    srcCopy.resize(src.size + 64);
-
-    conversion.entry.function(width, height, dst.row(0), dst.step(), src.row(0), src.step());
-
-    std::vector<bool> written(dst.size);
-    for (unsigned y = 0; y < std::min(height, 4u); ++y) {
-        const auto expected = reference.convert(srcCopy.data() + (src.row(y) - src.bytes.get()),
-                                                width, conversion.heightForPrimaries(height));
-        for (std::size_t i = 0; i < dst.rowBytes; ++i) {
-            const unsigned defined = 0xFFu & ~expected.undefined[i];
-            CHECK((dst.row(y)[i] & defined) == (expected.bytes[i] & defined),
-                  "%s, width %u, height %u, row %u, byte %zu", conversion.name.c_str(), width,
-                  height, y, i);
-            written[static_cast<std::size_t>(dst.row(y) - dst.bytes.get()) + i] = true;
-        }
+    const auto layout = [&]() -> PictureLayout {
+        const unsigned shape = input.byte();
+        // A copy takes as many bytes as the rows of the destination lie apart.
+        if (conversion.copies())
+            return {};
+        // Every second picture ends at an unreadable page. The others have any alignment.
+        const std::size_t slack = shape % 2 * (shape % 16);
+        return {.padding = shape / 16, .bottomUp = input.byte() % 2 == 1, .slack = slack};
+    };
+    const std::size_t rowRead = reference.bytesRead(width);
+    GuardedPicture src(height, rowRead, layout());
+    GuardedPicture dst(height, rowBytes(conversion.dst(), width), layout());
+    // The reference may look at samples after a row that have no effect.
+    std::vector<std::uint8_t> bytes(height * rowRead + 64);
+    input.fill(bytes);
+    for (unsigned y = 0; y < height; ++y) {
+        const auto row = std::span(bytes).subspan(y * rowRead, rowRead);
+        conversion.limit(row);
+        std::ranges::copy(row, src.row(y).begin());
     }
-    for (std::size_t i = 0; i < dst.size; ++i)
-        CHECK(written[i] || dst.bytes[i] == kUntouched, "%s, width %u, byte %zu outside the rows",
-              conversion.name.c_str(), width, i);
-    CHECK(std::equal(src.all().begin(), src.all().end(), srcCopy.begin()), "%s wrote to its source",
-          conversion.name.c_str());
+
+    conversion.entry.function(width, height, dst.top(), dst.rowStep(), src.top(), src.rowStep());
+
+    const std::string what = conversion.name + ", width " + std::to_string(width) + ", height " +
+                             std::to_string(height) + ": ";
+    for (unsigned y = 0; y < height; ++y) {
+        const std::uint8_t* const read = bytes.data() + y * rowRead;
+        auto expected = reference.convert(read, width, conversion.heightForPrimaries(height));
+        for (std::size_t i = 0; i < expected.bytes.size(); ++i) {
+            expected.bytes[i] &= static_cast<std::uint8_t>(~expected.undefined[i]);
+            expected.undefined[i] =
+                dst.row(y)[i] & static_cast<std::uint8_t>(~expected.undefined[i]);
+        }
+        const auto same = sameLanes<std::uint8_t>(expected.bytes, expected.undefined, 1, y, 0);
+        check(same, what + same.message());
+        check(std::ranges::equal(src.row(y), std::span(read, rowRead)), what + "source written");
+    }
+    for (GuardedPicture* picture : {&src, &dst}) {
+        const auto intact = picture->guardsIntact();
+        check(intact, what + intact.message());
+    }
 }
 
-/// Whatever is asked for, the answer is a row that says so, and none if there is no such row.
+/// Checks that a look-up gives the first row of the table that fits, and null if none does.
 void checkLookup(PixelFormat src, PixelFormat dst, Colorspace from, Colorspace to)
 {
     if (to == ColorspaceUnspecified)
@@ -122,8 +82,8 @@ void checkLookup(PixelFormat src, PixelFormat dst, Colorspace from, Colorspace t
     };
     const auto* const row = std::ranges::find_if(conversions, answers);
     const auto expected = row != std::end(conversions) ? row->function : nullptr;
-    CHECK(GetConversionFunction(src, dst, from, to) == expected, "look-up of %08x %08x %08x %08x",
-          src, dst, from, to);
+    check(GetConversionFunction(src, dst, from, to) == expected,
+          "look-up of row " + std::to_string(row - conversions));
 }
 
 } // namespace
