@@ -5,36 +5,28 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <iterator>
-#include <utility>
+#include <deque>
+#include <map>
 #include <vector>
 
 namespace kestrix::test {
 
-/// What a host is asked of a frame in numbers.
+/// The properties of a frame that are numbers.
 enum class Question { Width, Height, RowBytes, PixelFormat, Flags, Count };
 
-/// A frame that answers as it is told, which need not have to do with its memory.
+/// A frame whose answers need not fit its memory.
 class InventedFrame final : public TestFrame {
 public:
-    struct Answer {
-        /// Given from the first `Get` on.
-        std::int64_t first;
-        /// Given from the second on, after the last `askAgain`.
-        std::int64_t later;
-    };
-
-    /// Frames of the size and the format of `options`, in bytes that have to be given.
     static host::Owned<InventedFrame> create(const host::MemoryFrameOptions& options)
     {
         return host::Owned<InventedFrame>(new InventedFrame(options));
     }
 
-    Answer& answer(Question question) { return m_answers[static_cast<int>(question)]; }
-    void answer(Question question, std::int64_t value) { answer(question) = {value, value}; }
+    /// Answers `value` from the first `Get` on, whatever was set before.
+    void answer(Question question, std::int64_t value) { answers[question] = {value}; }
 
-    /// Questions count as new.
-    void askAgain() { std::fill(std::begin(m_asked), std::end(m_asked), false); }
+    /// The answers in the order of the `Get`s. The last one is repeated. None: the true value.
+    std::map<Question, std::deque<std::int64_t>> answers;
 
     /// Interfaces that `QueryInterface` gives as null, with `S_OK`.
     std::vector<REFIID> givesNull;
@@ -49,14 +41,20 @@ public:
         return TestFrame::QueryInterface(id, out);
     }
 
-    std::int64_t GetWidth() override { return get(Question::Width); }
-    std::int64_t GetHeight() override { return get(Question::Height); }
-    std::int64_t GetRowBytes() override { return get(Question::RowBytes); }
+    std::int64_t GetWidth() override { return get(Question::Width, TestFrame::GetWidth()); }
+    std::int64_t GetHeight() override { return get(Question::Height, TestFrame::GetHeight()); }
+    std::int64_t GetRowBytes() override
+    {
+        return get(Question::RowBytes, TestFrame::GetRowBytes());
+    }
     std::uint32_t GetPixelFormat() override
     {
-        return static_cast<std::uint32_t>(get(Question::PixelFormat));
+        return static_cast<std::uint32_t>(get(Question::PixelFormat, TestFrame::GetPixelFormat()));
     }
-    std::uint32_t GetFlags() override { return static_cast<std::uint32_t>(get(Question::Flags)); }
+    std::uint32_t GetFlags() override
+    {
+        return static_cast<std::uint32_t>(get(Question::Flags, TestFrame::GetFlags()));
+    }
 
     HRESULT GetBytes(void** out) override
     {
@@ -67,24 +65,18 @@ public:
     }
 
 private:
-    explicit InventedFrame(const host::MemoryFrameOptions& options) : TestFrame(options)
-    {
-        answer(Question::Width, TestFrame::GetWidth());
-        answer(Question::Height, TestFrame::GetHeight());
-        answer(Question::RowBytes, TestFrame::GetRowBytes());
-        answer(Question::PixelFormat, TestFrame::GetPixelFormat());
-        answer(Question::Flags, TestFrame::GetFlags());
-    }
+    using TestFrame::TestFrame;
 
-    std::int64_t get(Question question)
+    std::int64_t get(Question question, std::int64_t trueValue)
     {
-        bool& asked = m_asked[static_cast<int>(question)];
-        const Answer& answer = this->answer(question);
-        return std::exchange(asked, true) ? answer.later : answer.first;
+        auto& left = answers[question];
+        if (left.empty())
+            return trueValue;
+        const std::int64_t answer = left.front();
+        if (left.size() > 1)
+            left.pop_front();
+        return answer;
     }
-
-    Answer m_answers[static_cast<int>(Question::Count)] = {};
-    bool m_asked[static_cast<int>(Question::Count)] = {};
 };
 
 } // namespace kestrix::test

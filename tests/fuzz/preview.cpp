@@ -96,8 +96,8 @@ struct Picture {
         frame->answer(Question::PixelFormat, pixelFormat);
         frame->answer(Question::Flags, flags >> 7);
         if (flags & 32)
-            frame->answer(static_cast<Question>(input.byte() % static_cast<int>(Question::Count)))
-                .later = flags & 64 ? number(input) : format(input);
+            frame->answers[static_cast<Question>(input.byte() % static_cast<int>(Question::Count))]
+                .push_back(flags & 64 ? number(input) : format(input));
 
         const unsigned fault = input.byte();
         const REFIID kInterfaces[] = {IID_IKestrixVideoBuffer, IID_IKestrixVideoFrameMetadata,
