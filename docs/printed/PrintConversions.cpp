@@ -15,27 +15,27 @@ namespace {
 
 constexpr char kHead[] = R"(# Conversions
 
-The rows of the table in its order, after them the entries that no row leads to. The page is
-printed by the program `print_conversions` of the tests, from the stages of each conversion.
+This page lists the rows of the table in their order, then the entries that no row uses. The program
+`print_conversions` prints it from the stages of each conversion.
 
-- *Colourspaces*: of source and destination, "any" where the conversion is the same in all of them
+- *Colourspaces*: of source and destination; "any" if the conversion is the same in all colourspaces
   and changes none.
-- *Block*: pixels that are converted at a time. Widths that are a multiple of it need no code for a
-  row's end. "-" has a conversion without stages.
-- *Least width*: of a row, in pixels. Narrower ones are outside the contract and nothing checks for
-  them: the engine may then read and write anywhere. At 0 a row of no pixels is left alone.
-- *Reads after*: bytes after a source row that are read, at the width where that is most. What lies
-  there counts for the chroma of one of the row's last two pixels and for nothing else. No byte
-  outside a destination row is written, and none in front of a source row is read.
+- *Block*: the pixels that are converted at a time. If the width is a multiple of the block, no code for
+  the end of a row runs. "-" means a conversion without stages.
+- *Least width*: of a row, in pixels. Narrower rows are not allowed, and nothing checks for them: the
+  engine may then read and write anywhere. If the least width is 0, a row of no pixels changes nothing.
+- *Reads after*: the most bytes that the engine reads after a source row, over all widths. These bytes
+  affect only the chroma of one of the last two pixels of the row. The engine writes no byte outside a
+  destination row and reads no byte before a source row.
 
-A source row has `ceil(width / pixels) x bytes` of its format's groups (docs/formats.md), but 2 bytes a
-pixel of `2vuy` and `YUY2` and 4 bytes a pixel of `ay10` and `Ay10` where the width ends inside a group.
-Behind that, by the source:
+A source row has `ceil(width / pixels) x bytes` of the groups of its [format](formats.md). If the width ends
+inside a group, it has 2 bytes a pixel of `2vuy` and `YUY2`, and 4 bytes a pixel of `ay10` and `Ay10`. After
+these bytes, the source format decides what the engine reads:
 
-- `2vuy`, `YUY2`: where a row is longer than a whole number of blocks, the 16 bytes after the last
-  whole one are read.
-- `v210`: whole steps of 12 pixels are read, 32 bytes each.
-- `ay10`, `Ay10`: whole groups of 4 pixels are read, 16 bytes each.
+- `2vuy`, `YUY2`: if a row is longer than a whole number of blocks, the engine reads the 16 bytes after
+  the last whole block.
+- `v210`: the engine reads whole steps of 12 pixels, 32 bytes each.
+- `ay10`, `Ay10`: the engine reads whole groups of 4 pixels, 16 bytes each.
 
 | Row | From | To | Colourspaces | Block | Least width | Reads after |
 |---|---|---|---|---|---|---|

@@ -24,11 +24,11 @@ namespace {
 constexpr char kHead[] = R"(# Pixel formats
 
 %zu formats, each a packed layout of whole picture rows. The code is a FourCC with its first character
-in the top byte of a 32-bit value; 8-bit ARGB is the plain number 32. The page is printed by the
-program `print_formats` of the tests, from what the code and its tests go by.
+in the top byte of a 32-bit value; 8-bit ARGB is the plain number 32. The program `print_formats` prints
+this page from the tables of the code and of its tests.
 
-A row of `width` pixels takes whole groups: `ceil(width / pixels) x bytes`, both of a group. Rows may
-lie further apart than that, and need no alignment.
+A row of `width` pixels takes whole groups: `ceil(width / pixels) x bytes`, where pixels and bytes are those
+of one group. The distance between rows may be larger, and rows need no alignment.
 
 Ranges: *full* runs from 0 to the largest code. *Studio* has black at 16 x 2^(n-8) and white at
 235 x 2^(n-8), Cb and Cr centred on 128 x 2^(n-8) with extremes at 16 and 240 x 2^(n-8)
@@ -40,14 +40,14 @@ Ranges: *full* runs from 0 to the largest code. *Studio* has black at 16 x 2^(n-
 
 constexpr char kLimits[] = R"(
 `l64a` holds 10-bit values in the top of its 16 bits, `v212` 12-bit ones. `S12L`, `L64A` and `l64a` are
-only written. Alpha that a source doesn't have becomes opaque.
+only written. If a source has no alpha, the result is opaque.
 
-## What conversions ask of rows
+## What conversions require of rows
 
-*From* and *to* are the rows of the [table](conversions.md) that begin and end with the format. Under
-*Least width* is the narrowest row in pixels that all of these take, and under *Reads after* the most
-bytes that any of them reads after a source row; a host that leaves 64 bytes after its last line has
-nothing to look up. Behind a destination row nothing is written.
+*From* and *To* count the rows of the [table](conversions.md) with the format as source and as destination.
+*Least width* is the narrowest row, in pixels, that all of these conversions accept. *Reads after* is the
+most bytes that any of them reads after a source row. If you leave 64 bytes after your last line, you need
+not look it up. No conversion writes after a destination row.
 
 | Format | From | Least width | Reads after | To | Least width |
 |---|---|---|---|---|---|
@@ -57,11 +57,12 @@ constexpr char kHelpers[] = R"(
 ## Which helper paints them
 
 *Fixed function*: the colourspaces in which the helper takes the format, and the least width; it
-answers `E_INVALIDARG` to all else. *OpenGL 3*: what the helper takes the samples for; formats that its
-shader doesn't know, marked -, are shown as opaque black, and `SetFrame` answers `S_OK`. A captured frame
-in 32 or `BGRA` is studio range to the fixed-function helper; the OpenGL 3 helper goes by the code alone.
-Alpha is shown by neither, but the OpenGL 3 helper writes that of `Ay10` to the framebuffer, for the
-host's blending, and 1 for all others. It is straight alpha: the colours are not multiplied by it.
+returns `E_INVALIDARG` for all others. *OpenGL 3*: the kind of samples that the helper expects. It shows
+formats that its shader does not know, marked -, as opaque black, and `SetFrame` returns `S_OK`. The
+fixed-function helper takes a captured frame in 32 or `BGRA` as studio range; the OpenGL 3 helper uses only
+the format code. Neither helper shows alpha, but the OpenGL 3 helper writes the alpha of `Ay10` to the
+framebuffer, for the host's blending, and 1 for all other formats. It is straight alpha: the colours are not
+multiplied by it.
 
 | Format | Fixed function | Least width | OpenGL 3 |
 |---|---|---|---|
@@ -72,8 +73,8 @@ constexpr char kBytes[] = R"(
 
 Four bytes a line, addresses rising from left to right, and in each byte the highest bit first. `Y1[5:0]`
 are the bits 5 to 0 of the Y of pixel 1; a name alone is a byte that holds the whole of a sample. Spare
-bits, marked -, are 0 when written, but 1 in `R10A`, and ignored when read, but in `A04l` and `A04L`,
-where they have to be 0.
+bits, marked -, are written as 0, except in `R10A`, where they are written as 1. They are ignored when read,
+except in `A04l` and `A04L`, where they must be 0.
 
 4:2:2 chroma is sited on the even pixel: Cb0 and Cr0 belong to the pixels 0 and 1.
 )";
@@ -81,9 +82,9 @@ where they have to be 0.
 constexpr char kMatrix[] = R"(
 ## Which formats convert to which
 
-Read a line from its source, then up to the destination. `a` is a conversion that is the same in all
+A line is a source format, a column a destination format. `a` is a conversion that is the same in all
 colourspaces, `c` has one for each of some colourspaces, and `p` has changes of primaries too. Pairs
-without a letter have no conversion. The %u rows stand in [conversions](conversions.md).
+without a letter have no conversion. See [conversions](conversions.md) for the %u rows.
 
 ```text
 )";

@@ -23,17 +23,18 @@ namespace {
 
 constexpr char kHead[] = R"(# Pipelines
 
-What each conversion means, and what runs. The page is printed by the program `print_pipelines` from the
-code; rows of the table that share an entry share a section.
+This page lists the stages that define each conversion, and the stages that run. The program
+`print_pipelines` prints it from the code. Rows of the table that share an entry share a section.
 
-- *listed*: the stages of the entry, which are what the conversion means.
-- *inside*: the stages that run for the blocks of a row, after the rules of `conversion/fast/Rules.h`.
-- *end*: the stages that run for what is left of a row after those blocks, and for its partial block.
+- *listed*: the stages of the entry, which define the conversion.
+- *inside*: the stages that run for the blocks of a row, after the rules of `conversion/fast/Rules.h`
+  replaced some of them.
+- *end*: the stages that run for the rest of a row after those blocks, and for its partial block.
 - *block*: the pixels that go through the stages at a time.
-- *instructions*: a pixel, at 1920 pixels a row, as g++ 12 compiles them.
+- *instructions*: instructions for each pixel, at 1920 pixels a row, compiled by g++ 12.
 
-A conversion to or from Rec. 601 has two pipelines, which differ in the matrix of primaries alone; the one
-for 625 lines is shown. Stages in `fast::` and `details::` are no entry's own. The test `FastForms` runs
+A conversion to or from Rec. 601 has two pipelines, which differ only in the matrix of primaries; this page
+shows the one for 625 lines. No entry lists stages in `fast::` and `details::`. The test `FastForms` runs
 every row both ways and compares the bytes.
 )";
 
