@@ -92,7 +92,7 @@ private:
     static constexpr FloatVector column(int c)
     {
         const float* m = MATRIX::get();
-        return FloatVector{m[6 + c], m[3 + c], m[c], 0};
+        return v4f(m[6 + c], m[3 + c], m[c], 0);
     }
 
     KSX_INLINE static FloatVector convert(FloatVector bgra)

@@ -92,49 +92,10 @@ private:
         const FloatVector scaled = mul(linear, last);
         const FloatVector f = max(min(scaled, last), v4f(0));
         const Vector i0 = truncate32(f);
-        const Indices i(i0);
-        const FloatVector first = twoRises(i.a, i.b);
-        const FloatVector second = LANES == 3 ? oneRise(i.c) : twoRises(i.c, i.d);
-        const FloatVector from = shuffle32<0, 2, 0, 2>(first, second);
-        const Vector code = bitsOf(shuffle32<1, 3, 1, 3>(first, second));
+        const Entries64 rises = lookUp64<LANES>(kRec709OETFRises8, i0);
+        const FloatVector from = shuffle32<0, 2, 0, 2>(rises.low, rises.high);
+        const Vector code = bitsOf(shuffle32<1, 3, 1, 3>(rises.low, rises.high));
         return sub32(code, bitsOf(lessOrEqual(from, f)));
-    }
-
-    /// Four lanes that are at least 0, as indices. Two lanes go from the vector to a general
-    /// register at once, because the processor can do few such moves at a time.
-    struct Indices {
-        KSX_INLINE explicit Indices(Vector lanes)
-        {
-            const auto low = low64(lanes);
-            const auto high = low64(interleaveHigh64(lanes, lanes));
-            a = static_cast<std::uint32_t>(low);
-            b = low >> 32;
-            c = static_cast<std::uint32_t>(high);
-            d = high >> 32;
-        }
-        std::uint64_t a, b, c, d;
-    };
-
-    KSX_INLINE static FloatVector oneRise(std::uint64_t i)
-    {
-        return loadLow64(kRec709OETFRises8 + i);
-    }
-    KSX_INLINE static FloatVector twoRises(std::uint64_t i, std::uint64_t j)
-    {
-        return loadHigh64(oneRise(i), kRec709OETFRises8 + j);
-    }
-
-    template<int LANES>
-    KSX_INLINE static FloatVector lookUp(const float* table, Vector index)
-    {
-        const Indices i(index);
-        const FloatVector a = loadLane32(table + i.a);
-        const FloatVector b = loadLane32(table + i.b);
-        const FloatVector c = loadLane32(table + i.c);
-        if constexpr (LANES == 3)
-            return interleaveLow64(interleaveLow32(a, b), c);
-        const FloatVector d = loadLane32(table + i.d);
-        return interleaveLow64(interleaveLow32(a, b), interleaveLow32(c, d));
     }
 };
 
@@ -156,9 +117,9 @@ public:
         Pairs<N> signal;
         unrolled<0, N>([&]<unsigned I>() KSX_INLINE_LAMBDA {
             const DoubleVector scale = v2d(0.0009775171065493646); // 1/1023
-            const Vector upper = shuffle32<2, 3, 2, 3>(codes.v[I]);
-            signal.v[2 * I] = mul(lowToDoubles(codes.v[I]), scale);
-            signal.v[2 * I + 1] = mul(lowToDoubles(upper), scale);
+            const Doubles code = toDoubles(codes.v[I]);
+            signal.v[2 * I] = mul(code.first, scale);
+            signal.v[2 * I + 1] = mul(code.second, scale);
         });
         Pairs<N> light = evaluate<N>(kPolynomial, signal);
         for (std::size_t i = 0; i < 2 * N; ++i) {
@@ -168,7 +129,7 @@ public:
         }
         Light<N> result;
         for (std::size_t i = 0; i < N; ++i)
-            result.v[i] = interleaveLow64(toFloats(light.v[2 * i]), toFloats(light.v[2 * i + 1]));
+            result.v[i] = toFloats(light.v[2 * i], light.v[2 * i + 1]);
         return result;
     }
 
@@ -186,14 +147,15 @@ public:
             -1860229944.5869374, 679796309.953305,  -152180100.8505276,  15730929.805408714};
         Pairs<N> l;
         for (std::size_t i = 0; i < N; ++i) {
-            l.v[2 * i] = lowToDoubles(light.v[i]);
-            l.v[2 * i + 1] = lowToDoubles(upperHalf(light.v[i]));
+            const Doubles linear = toDoubles(light.v[i]);
+            l.v[2 * i] = linear.first;
+            l.v[2 * i + 1] = linear.second;
         }
         const Pairs<N> power = evaluate<N>(kPolynomial, l);
         Codes<N> codes;
         for (std::size_t i = 0; i < N; ++i)
-            codes.v[i] = interleaveLow64(encode(l.v[2 * i], power.v[2 * i]),
-                                         encode(l.v[2 * i + 1], power.v[2 * i + 1]));
+            codes.v[i] = toNearest32(encode(l.v[2 * i], power.v[2 * i]),
+                                     encode(l.v[2 * i + 1], power.v[2 * i + 1]));
         return codes;
     }
 
@@ -218,29 +180,18 @@ private:
             unrolled<0, 2 * N>([&]<unsigned I>() KSX_INLINE_LAMBDA {
                 sums.v[I] = add(mul(sums.v[I], x.v[I]), v2d(polynomial[TERMS - FROM_END]));
             });
-            keepTogether(sums.v);
+            keepTogether(sums.v); // no later step before all sums of this one
         });
         return sums;
     }
 
-    /// Keeps the compiler from starting a later step before all sums of this one are done. It adds
-    /// no instruction.
-    KSX_INLINE static void keepTogether(DoubleVector (&v)[4])
-    {
-        asm("" : "+x"(v[0]), "+x"(v[1]), "+x"(v[2]), "+x"(v[3]));
-    }
-    KSX_INLINE static void keepTogether(DoubleVector (&v)[6])
-    {
-        asm("" : "+x"(v[0]), "+x"(v[1]), "+x"(v[2]), "+x"(v[3]), "+x"(v[4]), "+x"(v[5]));
-    }
-
-    KSX_INLINE static Vector encode(DoubleVector l, DoubleVector power)
+    KSX_INLINE static DoubleVector encode(DoubleVector l, DoubleVector power)
     {
         const DoubleVector line = mul(l, v2d(4.5));
         const DoubleVector curve =
             sub(mul(power, v2d(1.099296826809442)), v2d(0.09929682680944207));
         const DoubleVector isLine = lessThan(l, v2d(0.018053968510807)); // beta
-        return toNearest32(mul(select(isLine, line, curve), v2d(1023)));
+        return mul(select(isLine, line, curve), v2d(1023));
     }
 
     KSX_INLINE static DoubleVector select(DoubleVector mask, DoubleVector a, DoubleVector b)

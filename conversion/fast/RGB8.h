@@ -138,7 +138,7 @@ private:
         return alpha;
     }
 
-    KSX_INLINE static Vector vector(const Bytes& bytes) { return load(bytes.at); }
+    KSX_INLINE static Vector vector(const Bytes& bytes) { return repeat(loadUnit(bytes.at)); }
 
     alignas(16) static constexpr Bytes kOrder = order();
     alignas(16) static constexpr Bytes kOpaque = opaque();

@@ -49,10 +49,11 @@ public:
         std::apply([&](auto&... stage) { (stage.setUserContext(context), ...); }, m_stages);
     }
 
-    /// Reads a block at `src`, runs it through all stages and stores it at `dst`. `FIRST` and `END`
-    /// say whether the block begins or ends its row, for stages that look back or ahead; see `Nx`.
-    template<bool FIRST, unsigned END>
-    KSX_INLINE void block(const std::byte* src, std::byte* dst)
+    /// Reads a block for each unit of a vector at `src`, runs them through all stages and stores
+    /// them at `dst`. `FIRST` and `END` say whether the blocks begin or end their row, for stages
+    /// that look back or ahead; see `Nx`.
+    template<bool FIRST, unsigned END, class SOURCE, class DESTINATION>
+    KSX_INLINE void block(const SOURCE& src, const DESTINATION& dst)
     {
         Between between;
         unrolled<0, BLOCK / StageAt<kCount - 1>::kPart>([&]<unsigned GROUP>() KSX_INLINE_LAMBDA {
@@ -70,13 +71,13 @@ private:
         return (pixels + step - 1) / step;
     }
 
-    template<unsigned I, unsigned GROUP, bool FIRST, unsigned END>
-    KSX_INLINE void run(const std::byte* src, std::byte* dst, Between& between)
+    template<unsigned I, unsigned GROUP, bool FIRST, unsigned END, class SOURCE, class DESTINATION>
+    KSX_INLINE void run(const SOURCE& src, const DESTINATION& dst, Between& between)
     {
         using Current = StageAt<I>;
         using In = InputOf<Current>;
         using Out = OutputOf<Current>;
-        const std::byte* const groupSrc = src + GROUP * In::kBytes;
+        const SOURCE groupSrc = src + GROUP * In::kBytes;
 
         In in;
         if constexpr (I == 0) {

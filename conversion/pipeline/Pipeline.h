@@ -5,6 +5,7 @@
 /// the least common multiple of the pixels that the stages take a step.
 #pragma once
 
+#include "conversion/pipeline/Addresses.h"
 #include "conversion/pipeline/Kernel.h"
 
 #include <cstddef>
@@ -57,9 +58,9 @@ public:
     /// Runs group number `GROUP` of a block of `N`. `FIRST` says whether the block is the first of
     /// its row. `END` is 0 for every block but the row's last. For the last block it is the number
     /// of its pixels that belong to the row, or the whole block if that number is not known. `src`
-    /// points at the group in memory; a stage that looks ahead reads the bytes after the group.
-    template<unsigned GROUP, bool FIRST, unsigned END>
-    KSX_INLINE OutputOf<KERNEL> group(const InputOf<KERNEL>& in, const std::byte* src)
+    /// is where the group lies in memory; a stage that looks ahead reads the bytes after the group.
+    template<unsigned GROUP, bool FIRST, unsigned END, class SOURCE>
+    KSX_INLINE OutputOf<KERNEL> group(const InputOf<KERNEL>& in, const SOURCE& src)
     {
         constexpr unsigned kBegin = GROUP * KERNEL::kPart;
         if constexpr (LooksAhead<KERNEL>) {

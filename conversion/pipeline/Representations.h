@@ -1,4 +1,5 @@
-/// How pixels lie in 16-byte vectors: between stages, and in memory.
+/// How pixels lie in vectors: between stages, and in memory. All numbers are for one unit of a
+/// vector, 16 bytes.
 ///
 /// Between stages a lane holds one code value, unsigned and not normalised, at the depth that the
 /// stages before and after it name. Lane 0 is at the low end of a vector, which has the lowest
@@ -60,14 +61,14 @@ template<class REPRESENTATION, unsigned PIXELS>
 struct Pixels {
     static_assert(PIXELS % REPRESENTATION::kPixels == 0, "a group of pixels is split");
     static constexpr unsigned kBytes = PIXELS / REPRESENTATION::kPixels * REPRESENTATION::kBytes;
-    static_assert(kBytes >= sizeof(Vector), "a vector is not filled");
-    static constexpr unsigned kVectors = (kBytes + sizeof(Vector) - 1) / sizeof(Vector);
+    static_assert(kBytes >= kUnitBytes, "a unit is not filled");
+    static constexpr unsigned kVectors = (kBytes + kUnitBytes - 1) / kUnitBytes;
 
     /// Where vector `V` begins in memory.
     template<unsigned V>
     static constexpr unsigned offset()
     {
-        return V * 16 + 16 <= kBytes ? V * 16 : kBytes - 16;
+        return (V + 1) * kUnitBytes <= kBytes ? V * kUnitBytes : kBytes - kUnitBytes;
     }
 
     Vector v[kVectors];

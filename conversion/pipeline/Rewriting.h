@@ -170,4 +170,25 @@ constexpr unsigned wideBlock()
     }
 }
 
+/// The block that a unit of a vector runs if units are neighbouring blocks: the shortest in which
+/// the same stages run as in `wideBlock`. Longer ones spread the units of a vector further in
+/// memory.
+template<class PIPELINE>
+constexpr unsigned unitBlock()
+{
+    using P = AsPipeline<PIPELINE>;
+    constexpr unsigned kWide = wideBlock<P>();
+    constexpr auto runsAsInWide = []<unsigned BLOCK>() {
+        return kWide % BLOCK == 0 && std::same_as<typename RewrittenIn<P, BLOCK>::Stages,
+                                                  typename RewrittenIn<P, kWide>::Stages>;
+    };
+    constexpr unsigned kEights = std::lcm(P::kBlock, 8u);
+    if constexpr (runsAsInWide.template operator()<P::kBlock>())
+        return P::kBlock;
+    else if constexpr (runsAsInWide.template operator()<kEights>())
+        return kEights;
+    else
+        return kWide;
+}
+
 } // namespace KSX::PixelConversion

@@ -41,7 +41,7 @@ struct RowLimits<Pipeline<BLOCK, StageList<STAGES...>, LINE, RULES>> {
         const std::size_t row = Input::rowBytes(width);
         const unsigned blocks = width / BLOCK;
         const bool looksBehind = P::kLooksAhead && blocks != 0 && width % BLOCK != 0;
-        return looksBehind ? std::max(row, blocks * kBlockBytes + sizeof(Vector)) : row;
+        return looksBehind ? std::max(row, blocks * kBlockBytes + kUnitBytes) : row;
     }
 };
 

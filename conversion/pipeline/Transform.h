@@ -2,7 +2,9 @@
 #pragma once
 
 #include "conversion/pipeline/Composition.h"
+#include "conversion/pipeline/Overlap.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 
@@ -23,12 +25,13 @@ constexpr unsigned kPrefetchBlocks = 8;
 /// The scratch is not cleared. Its bytes after the row's pixels are left over from earlier rows or
 /// were never set. Pixels made from them are dropped. They can only affect a row's last odd pixel,
 /// which averages its chroma with the next pair; its value is not defined then.
-template<class COMPOSITION>
+template<class COMPOSITION, unsigned ROWS>
 struct Tail {
     unsigned inBytes;  ///< to copy from the row first; 0 if a whole block can be read in place
     unsigned outBytes; ///< to copy into the row last; 0 if a whole block can be stored in place
-    alignas(16) std::byte in[COMPOSITION::kInBytes];
-    alignas(16) std::byte out[COMPOSITION::kOutBytes];
+    // One block each for every row that runs at a time.
+    alignas(kUnitBytes) std::byte in[ROWS * COMPOSITION::kInBytes];
+    alignas(kUnitBytes) std::byte out[ROWS * COMPOSITION::kOutBytes];
 
     /// For rows of `width` pixels that begin with `blocks` whole blocks.
     Tail(unsigned width, unsigned blocks)
@@ -44,23 +47,26 @@ private:
     }
 };
 
-/// Runs `count` consecutive blocks, at least one. `FIRST` and `END` are as in `Composition`.
+using Source = Separate<const std::byte>;
+using Destination = Separate<std::byte>;
+
+/// Runs consecutive blocks: `count` steps, at least one. `FIRST` and `END` are as in `Composition`.
 /// `PREFETCH` is in blocks.
 ///
 /// This is a separate function, so that all forms of `Transform` for a pipeline share one loop:
 /// with tails, without tails and for rows of one width. It works on a copy of the stages, because
 /// the compiler can keep a local object in registers.
-template<bool FIRST, unsigned END, unsigned PREFETCH, class COMPOSITION>
-[[gnu::noinline]] void runBlocks(COMPOSITION& stages, const std::byte* src, std::byte* dst,
-                                 unsigned count)
+template<bool FIRST, unsigned END, unsigned PREFETCH, class COMPOSITION, class SOURCE,
+         class DESTINATION>
+[[gnu::noinline]] void runBlocks(COMPOSITION& stages, SOURCE src, DESTINATION dst, unsigned count)
 {
     COMPOSITION copy = stages;
     do {
         // Also issued past the end of the row: a prefetch is a hint and cannot fault.
-        prefetchNonTemporal(src + PREFETCH * COMPOSITION::kInBytes);
+        src.prefetch(PREFETCH * COMPOSITION::kInBytes);
         copy.template block<FIRST, END>(src, dst);
-        src += COMPOSITION::kInBytes;
-        dst += COMPOSITION::kOutBytes;
+        src += SOURCE::kBlocks * COMPOSITION::kInBytes;
+        dst += DESTINATION::kBlocks * COMPOSITION::kOutBytes;
     } while (--count != 0);
     if constexpr (COMPOSITION::kLooksBack)
         stages = copy;
@@ -72,7 +78,7 @@ template<bool FIRST, unsigned END, unsigned PREFETCH, class COMPOSITION>
 template<class COMPOSITION>
 struct FewBlocks {
     template<unsigned END, unsigned PREFETCH>
-    static void run(COMPOSITION& stages, const std::byte* src, std::byte* dst, unsigned count)
+    static void run(COMPOSITION& stages, Source src, Destination dst, unsigned count)
     {
         if (count != 0)
             runBlocks<false, END, PREFETCH>(stages, src, dst, count);
@@ -83,16 +89,17 @@ template<unsigned BLOCK, class FIRST, class... REST>
 requires(LooksAhead<FIRST> && sizeof...(REST) != 0 &&
          !(LooksBack<REST> ||
            ...)) struct FewBlocks<Composition<BLOCK, StageList<FIRST, REST...>>> {
+    /// No stage looks back, so all units run the same block.
     template<unsigned END, unsigned PREFETCH>
-    static void run(Composition<BLOCK, StageList<FIRST, REST...>>& /*stages*/, const std::byte* src,
-                    std::byte* dst, unsigned count)
+    static void run(Composition<BLOCK, StageList<FIRST, REST...>>& /*stages*/, Source src,
+                    Destination dst, unsigned count)
     {
         Composition<BLOCK, StageList<FIRST>> first;
         Composition<BLOCK, StageList<REST...>> rest;
         for (; count != 0; --count) {
-            alignas(16) std::byte between[first.kOutBytes];
-            runBlocks<false, END, PREFETCH>(first, src, between, 1);
-            runBlocks<false, 0, PREFETCH>(rest, between, dst, 1);
+            alignas(kUnitBytes) std::byte between[first.kOutBytes];
+            runBlocks<false, END, PREFETCH>(first, src, Destination(between), 1);
+            runBlocks<false, 0, PREFETCH>(rest, Source(between), dst, 1);
             src += first.kInBytes;
             dst += rest.kOutBytes;
         }
@@ -113,12 +120,20 @@ requires(LooksAhead<FIRST> && sizeof...(REST) != 0 &&
 /// If the row ends in a partial block, this is its last block. A row needs at least one whole block
 /// if the pipeline looks back, a second block, whole or partial, if it also looks ahead, and one
 /// pixel if it only looks ahead. Nothing checks this.
+///
+/// The units of a vector hold neighbouring blocks of a row, or the same block of neighbouring rows
+/// if a stage looks back. The blocks or rows that remain run with several units on one block, which
+/// all give the same bytes. If a unit could write what another still has to read, as in some
+/// conversions in place, one block or row runs at a time.
 template<class PIPELINE, unsigned FLAGS, unsigned PREFETCH>
 class Transform {
     using P = AsPipeline<PIPELINE>;
     using Stages = CompositionOf<P>;
     static_assert(FLAGS == kWholeBlocks || FLAGS == kAnyWidth);
     static_assert(P::kLine == 0 || FLAGS == kAnyWidth);
+
+    static constexpr unsigned kRowsAtOnce = P::kLooksBack ? kUnits : 1;
+    using RowTail = Tail<Stages, kRowsAtOnce>;
 
     static constexpr unsigned kWideBlock = wideBlock<P>();
     static constexpr unsigned kBlocksInWide = kWideBlock / P::kBlock;
@@ -138,20 +153,27 @@ public:
 
         const unsigned blocks = width / P::kBlock;
         const bool partial = FLAGS == kAnyWidth && width % P::kBlock != 0;
-        Tail<Stages> tail(width, blocks);
+        RowTail tail(width, blocks);
+
+        const bool sideBySide =
+            kUnits != 1 && canRunSideBySide<P>({src, srcRowBytes}, {dst, dstRowBytes}, width,
+                                               static_cast<int>(height));
+        const int rows = sideBySide ? kRowsAtOnce : 1;
 
         const auto* srcRow = static_cast<const std::byte*>(src);
         auto* dstRow = static_cast<std::byte*>(dst);
-        for (int row = 0; row < static_cast<int>(height); ++row) {
-            walkRow(stages, tail, srcRow, dstRow, blocks, partial);
-            srcRow += srcRowBytes;
-            dstRow += dstRowBytes;
+        for (int left = static_cast<int>(height); left > 0; left -= rows) {
+            const auto used = static_cast<unsigned>(std::min(left, rows));
+            walkRow(stages, tail, Source(srcRow, srcRowBytes, used),
+                    Destination(dstRow, dstRowBytes, used), blocks, partial, sideBySide);
+            srcRow += std::ptrdiff_t{srcRowBytes} * rows;
+            dstRow += std::ptrdiff_t{dstRowBytes} * rows;
         }
     }
 
 private:
-    static void walkRow(Stages& stages, Tail<Stages>& tail, const std::byte* src, std::byte* dst,
-                        unsigned blocks, bool partial)
+    static void walkRow(Stages& stages, RowTail& tail, Source src, Destination dst, unsigned blocks,
+                        bool partial, [[maybe_unused]] bool sideBySide)
     {
         // If a stage looks ahead, a row's last block runs separately; otherwise only a partial
         // block does.
@@ -162,6 +184,9 @@ private:
             src += Stages::kInBytes;
             dst += Stages::kOutBytes;
             --steps;
+        } else if constexpr (kUnits != 1) {
+            if (sideBySide)
+                runNeighbours(src, dst, steps);
         }
         if constexpr (kBlocksInWide > 1) {
             if (const unsigned wideSteps = steps / kBlocksInWide; wideSteps != 0) {
@@ -183,17 +208,46 @@ private:
             FewBlocks<Stages>::template run<kEnd, PREFETCH>(stages, src, dst, 1);
     }
 
-    static void tailBlock(Stages& stages, Tail<Stages>& tail, const std::byte* src, std::byte* dst)
+    /// Runs a block in each unit as long as there are enough, then the ones that remain. Advances
+    /// the addresses and takes the blocks off `steps`.
+    static void runNeighbours(Source& src, Destination& dst, unsigned& steps)
     {
-        const std::byte* in = src;
-        if (tail.inBytes != 0) {
-            std::memcpy(tail.in, src, tail.inBytes);
-            in = tail.in;
+        constexpr unsigned kBlock = unitBlock<P>();
+        constexpr unsigned kBlocks = kBlock / P::kBlock;
+        using Units = CompositionOf<P, kBlock>;
+        Units units;
+
+        const unsigned all = steps / kBlocks;
+        steps -= all * kBlocks;
+        if (const unsigned groups = all / kUnits; groups != 0) {
+            runBlocks<false, 0, PREFETCH>(
+                units, Neighbours<const std::byte, Units::kInBytes>{src.unit(0)},
+                Neighbours<std::byte, Units::kOutBytes>{dst.unit(0)}, groups);
+            src += std::size_t{groups} * kUnits * Units::kInBytes;
+            dst += std::size_t{groups} * kUnits * Units::kOutBytes;
         }
-        std::byte* const out = tail.outBytes != 0 ? tail.out : dst;
+        if (const unsigned used = all % kUnits; used != 0) {
+            runBlocks<false, 0, PREFETCH>(units, Source(src.unit(0), Units::kInBytes, used),
+                                          Destination(dst.unit(0), Units::kOutBytes, used), 1);
+            src += std::size_t{used} * Units::kInBytes;
+            dst += std::size_t{used} * Units::kOutBytes;
+        }
+    }
+
+    static void tailBlock(Stages& stages, RowTail& tail, Source src, Destination dst)
+    {
+        Source in = src;
+        if (tail.inBytes != 0) {
+            in = Source(tail.in, Stages::kInBytes, kRowsAtOnce);
+            for (unsigned row = 0; row < kRowsAtOnce; ++row)
+                std::memcpy(tail.in + row * Stages::kInBytes, src.unit(row), tail.inBytes);
+        }
+        const Destination out =
+            tail.outBytes != 0 ? Destination(tail.out, Stages::kOutBytes, kRowsAtOnce) : dst;
         FewBlocks<Stages>::template run<P::kLooksAhead ? kEnd : 0, PREFETCH>(stages, in, out, 1);
         if (tail.outBytes != 0)
-            std::memcpy(dst, tail.out, tail.outBytes);
+            for (unsigned row = 0; row < kRowsAtOnce; ++row)
+                std::memcpy(dst.unit(row), tail.out + row * Stages::kOutBytes, tail.outBytes);
     }
 };
 

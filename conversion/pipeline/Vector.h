@@ -1,40 +1,64 @@
-/// Vectors of 16 bytes and the operations on them, up to SSSE3. The only file of the engine that
-/// includes intrinsics.
+/// Vectors and the operations on them. This header and those that it includes are the only files of
+/// the engine with intrinsics.
 ///
-/// A name ends in the bits of the lanes that it works on: `add16` adds 8 lanes of 16 bits. Lanes
-/// are signed, or their sign does not matter; `U` marks unsigned lanes. Lane 0 is at the low end,
-/// which has the lowest address in memory. The arguments of shuffles are in the same order, lane 0
-/// first. Every operation is one instruction, inlined in every build.
+/// A vector is one, two or four units of 16 bytes. The constant `KSX_VECTOR_BYTES` chooses the size
+/// when the engine is compiled: 16 (SSSE3) if nothing is said, 32 (AVX2) or 64 (AVX-512BW and
+/// AVX-512DQ). Each operation works in each unit by itself, as it does in a vector of one unit. So
+/// a stage is written as if there were one unit. The units hold different blocks of a picture, and
+/// a constant is the same in all of them.
+///
+/// A name ends in the bits of the lanes that it works on: `add16` adds lanes of 16 bits, 8 in each
+/// unit. Lanes are signed, or their sign does not matter; `U` marks unsigned lanes. Lane 0 is at
+/// the low end, which has the lowest address in memory. The arguments of shuffles are in the same
+/// order, lane 0 first. Nearly every operation is one instruction, inlined in every build.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
-#include <tmmintrin.h>
+#include <emmintrin.h>
+
+#ifndef KSX_VECTOR_BYTES
+#define KSX_VECTOR_BYTES 16
+#endif
 
 #define KSX_VECTOR_OP [[gnu::always_inline]] inline
 
 namespace KSX::PixelConversion {
 
-using Vector = __m128i;       ///< lanes of integers
-using FloatVector = __m128;   ///< 4 lanes
-using DoubleVector = __m128d; ///< 2 lanes
+constexpr unsigned kUnitBytes = 16;
+using Unit = __m128i;     ///< lanes of integers
+using FloatUnit = __m128; ///< 4 lanes
+
+} // namespace KSX::PixelConversion
+
+// These define `kUnits`, `Vector`, `FloatVector` and `DoubleVector`, how units form a vector, and
+// what is not alike at all sizes. KSX_MM and KSX_MM_BITS name the intrinsics that are.
+#if KSX_VECTOR_BYTES == 16
+#include "conversion/pipeline/Vector16.h"
+#elif KSX_VECTOR_BYTES == 32
+#include "conversion/pipeline/Vector32.h"
+#else
+#include "conversion/pipeline/Vector64.h"
+#endif
+
+namespace KSX::PixelConversion {
 
 // --- Constants -----------------------------------------------------------------------------------
 
-/// `lane` in each of 4 lanes of 32 bits.
+/// `lane` in each lane of 32 bits.
 constexpr Vector v4i(std::uint32_t lane)
 {
     const auto pair = static_cast<long long>(std::uint64_t{lane} << 32 | lane);
-    return Vector{pair, pair};
+    return repeat(pair, pair);
 }
 
-/// `lane` in each of 8 lanes of 16 bits.
+/// `lane` in each lane of 16 bits.
 constexpr Vector v8i(std::uint16_t lane)
 {
     return v4i(std::uint32_t{lane} << 16 | lane);
 }
 
-/// A vector of these lanes of 16 bits, lane 0 first.
+/// A vector of these lanes of 16 bits in each unit, lane 0 first.
 constexpr Vector v8i(std::int16_t a, std::int16_t b, std::int16_t c, std::int16_t d, std::int16_t e,
                      std::int16_t f, std::int16_t g, std::int16_t h)
 {
@@ -42,59 +66,54 @@ constexpr Vector v8i(std::int16_t a, std::int16_t b, std::int16_t c, std::int16_
         return static_cast<long long>(std::uint64_t{s} << 48 | std::uint64_t{r} << 32 |
                                       std::uint64_t{q} << 16 | p);
     };
-    return Vector{half(a, b, c, d), half(e, f, g, h)};
+    return repeat(half(a, b, c, d), half(e, f, g, h));
 }
 
-/// A vector of these bytes, lane 0 first. Most often they are the indices of `shuffleBytes`.
+/// A vector of these bytes in each unit, lane 0 first. Most often they are the indices of
+/// `shuffleBytes`.
 KSX_VECTOR_OP Vector v16i(char b0, char b1, char b2, char b3, char b4, char b5, char b6, char b7,
                           char b8, char b9, char b10, char b11, char b12, char b13, char b14,
                           char b15)
 {
-    return _mm_setr_epi8(b0, b1, b2, b3, b4, b5, b6, b7, b8, b9, b10, b11, b12, b13, b14, b15);
+    return repeat(
+        _mm_setr_epi8(b0, b1, b2, b3, b4, b5, b6, b7, b8, b9, b10, b11, b12, b13, b14, b15));
 }
 
 /// `lane` in each lane.
 KSX_VECTOR_OP FloatVector v4f(float lane)
 {
-    return _mm_set1_ps(lane);
+    return KSX_MM(set1_ps)(lane);
 }
 KSX_VECTOR_OP DoubleVector v2d(double lane)
 {
-    return _mm_set1_pd(lane);
+    return KSX_MM(set1_pd)(lane);
+}
+/// A vector of these lanes in each unit, lane 0 first.
+constexpr FloatVector v4f(float a, float b, float c, float d)
+{
+    return repeat(a, b, c, d);
 }
 
 // --- Memory --------------------------------------------------------------------------------------
 
 // Addresses need no alignment.
-KSX_VECTOR_OP Vector load(const void* at)
+KSX_VECTOR_OP Unit loadUnit(const void* at)
 {
-    return _mm_loadu_si128(static_cast<const __m128i*>(at));
+    return _mm_loadu_si128(static_cast<const Unit*>(at));
 }
-KSX_VECTOR_OP void store(void* at, Vector v)
+KSX_VECTOR_OP void storeUnit(void* at, Unit unit)
 {
-    _mm_storeu_si128(static_cast<__m128i*>(at), v);
-}
-
-/// One float in lane 0, zeros in the others.
-KSX_VECTOR_OP FloatVector loadLane32(const float* at)
-{
-    return _mm_load_ss(at);
-}
-/// 8 bytes in the lower half, zeros in the upper one.
-KSX_VECTOR_OP FloatVector loadLow64(const void* at)
-{
-    return _mm_castsi128_ps(_mm_loadl_epi64(static_cast<const __m128i*>(at)));
-}
-/// The lower half of `v`, and 8 bytes in the upper one.
-KSX_VECTOR_OP FloatVector loadHigh64(FloatVector v, const void* at)
-{
-    return _mm_loadh_pi(v, static_cast<const __m64*>(at));
+    _mm_storeu_si128(static_cast<Unit*>(at), unit);
 }
 
-/// The lower half of `v`.
-KSX_VECTOR_OP std::uint64_t low64(Vector v)
+/// Units that follow each other in memory.
+KSX_VECTOR_OP Vector loadUnits(const void* at)
 {
-    return static_cast<std::uint64_t>(_mm_cvtsi128_si64(v));
+    return KSX_MM_BITS(loadu)(static_cast<const Vector*>(at));
+}
+KSX_VECTOR_OP void storeUnits(void* at, Vector v)
+{
+    KSX_MM_BITS(storeu)(static_cast<Vector*>(at), v);
 }
 
 /// Prefetches the cache line at an address, past the outer caches. It is a hint: no address can
@@ -104,146 +123,216 @@ KSX_VECTOR_OP void prefetchNonTemporal(const void* at)
     _mm_prefetch(static_cast<const char*>(at), _MM_HINT_NTA);
 }
 
+// --- Tables --------------------------------------------------------------------------------------
+
+// Plain loads are faster than the gathers of wide vectors.
+
+namespace details {
+
+/// Four lanes that are at least 0, as indices. Two lanes go from the vector to a general register
+/// at once, because the processor can do few such moves at a time.
+struct Indices {
+    KSX_VECTOR_OP explicit Indices(Unit lanes)
+    {
+        const auto low = static_cast<std::uint64_t>(_mm_cvtsi128_si64(lanes));
+        const auto high =
+            static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(lanes, lanes)));
+        a = static_cast<std::uint32_t>(low);
+        b = low >> 32;
+        c = static_cast<std::uint32_t>(high);
+        d = high >> 32;
+    }
+    std::uint64_t a, b, c, d;
+};
+
+} // namespace details
+
+/// `table[index]` for each of the first `LANES` lanes of each unit, 3 or 4. Indices are at least 0.
+/// If `LANES` is 3, the fourth lane of the result has no meaning.
+template<int LANES>
+KSX_VECTOR_OP FloatVector lookUp(const float* table, Vector index)
+{
+    return joinFloatUnits([&]<unsigned U>() __attribute__((always_inline)) {
+        const details::Indices i(unitOf<U>(index));
+        const FloatUnit a = _mm_load_ss(table + i.a);
+        const FloatUnit b = _mm_load_ss(table + i.b);
+        const FloatUnit c = _mm_load_ss(table + i.c);
+        if constexpr (LANES == 3)
+            return _mm_movelh_ps(_mm_unpacklo_ps(a, b), c);
+        const FloatUnit d = _mm_load_ss(table + i.d);
+        return _mm_movelh_ps(_mm_unpacklo_ps(a, b), _mm_unpacklo_ps(c, d));
+    });
+}
+
+/// As `lookUp`, for entries of 8 bytes: the first two lanes of each unit in `low`, the others in
+/// `high`.
+struct Entries64 {
+    FloatVector low, high;
+};
+template<int LANES, class ENTRY>
+KSX_VECTOR_OP Entries64 lookUp64(const ENTRY* table, Vector index)
+{
+    static_assert(sizeof(ENTRY) == 8);
+    const auto one = [&](std::uint64_t i) __attribute__((always_inline))
+    {
+        return _mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const Unit*>(table + i)));
+    };
+    const auto two = [&](std::uint64_t i, std::uint64_t j) __attribute__((always_inline))
+    {
+        return _mm_loadh_pi(one(i), reinterpret_cast<const __m64*>(table + j));
+    };
+    Entries64 entries;
+    entries.low = joinFloatUnits([&]<unsigned U>() __attribute__((always_inline)) {
+        const details::Indices i(unitOf<U>(index));
+        return two(i.a, i.b);
+    });
+    entries.high = joinFloatUnits([&]<unsigned U>() __attribute__((always_inline)) {
+        const details::Indices i(unitOf<U>(index));
+        return LANES == 3 ? one(i.c) : two(i.c, i.d);
+    });
+    return entries;
+}
+
 // --- Bits ----------------------------------------------------------------------------------------
 
 KSX_VECTOR_OP Vector bitAnd(Vector a, Vector b)
 {
-    return _mm_and_si128(a, b);
+    return KSX_MM_BITS(and)(a, b);
 }
 KSX_VECTOR_OP Vector bitOr(Vector a, Vector b)
 {
-    return _mm_or_si128(a, b);
+    return KSX_MM_BITS(or)(a, b);
 }
 /// The bits of `b` at which `a` has a 0.
 KSX_VECTOR_OP Vector bitAndNot(Vector a, Vector b)
 {
-    return _mm_andnot_si128(a, b);
+    return KSX_MM_BITS(andnot)(a, b);
 }
 KSX_VECTOR_OP DoubleVector bitAnd(DoubleVector a, DoubleVector b)
 {
-    return _mm_and_pd(a, b);
+    return KSX_MM(and_pd)(a, b);
 }
 KSX_VECTOR_OP DoubleVector bitOr(DoubleVector a, DoubleVector b)
 {
-    return _mm_or_pd(a, b);
+    return KSX_MM(or_pd)(a, b);
 }
 KSX_VECTOR_OP DoubleVector bitAndNot(DoubleVector a, DoubleVector b)
 {
-    return _mm_andnot_pd(a, b);
+    return KSX_MM(andnot_pd)(a, b);
 }
 
 KSX_VECTOR_OP Vector shiftLeft16(Vector v, int bits)
 {
-    return _mm_slli_epi16(v, bits);
+    return KSX_MM(slli_epi16)(v, bits);
 }
 KSX_VECTOR_OP Vector shiftLeft32(Vector v, int bits)
 {
-    return _mm_slli_epi32(v, bits);
+    return KSX_MM(slli_epi32)(v, bits);
 }
 /// Arithmetic shift: the new bits are copies of the sign.
 KSX_VECTOR_OP Vector shiftRight16(Vector v, int bits)
 {
-    return _mm_srai_epi16(v, bits);
+    return KSX_MM(srai_epi16)(v, bits);
 }
 KSX_VECTOR_OP Vector shiftRight32(Vector v, int bits)
 {
-    return _mm_srai_epi32(v, bits);
+    return KSX_MM(srai_epi32)(v, bits);
 }
 /// Logical shift: the new bits are zeros.
 KSX_VECTOR_OP Vector shiftRightU16(Vector v, int bits)
 {
-    return _mm_srli_epi16(v, bits);
+    return KSX_MM(srli_epi16)(v, bits);
 }
 KSX_VECTOR_OP Vector shiftRightU32(Vector v, int bits)
 {
-    return _mm_srli_epi32(v, bits);
+    return KSX_MM(srli_epi32)(v, bits);
 }
 
 // --- Integers ------------------------------------------------------------------------------------
 
 KSX_VECTOR_OP Vector add16(Vector a, Vector b)
 {
-    return _mm_add_epi16(a, b);
+    return KSX_MM(add_epi16)(a, b);
 }
 KSX_VECTOR_OP Vector add32(Vector a, Vector b)
 {
-    return _mm_add_epi32(a, b);
+    return KSX_MM(add_epi32)(a, b);
 }
 KSX_VECTOR_OP Vector sub16(Vector a, Vector b)
 {
-    return _mm_sub_epi16(a, b);
+    return KSX_MM(sub_epi16)(a, b);
 }
 KSX_VECTOR_OP Vector sub32(Vector a, Vector b)
 {
-    return _mm_sub_epi32(a, b);
+    return KSX_MM(sub_epi32)(a, b);
 }
 KSX_VECTOR_OP Vector addSaturate16(Vector a, Vector b)
 {
-    return _mm_adds_epi16(a, b);
+    return KSX_MM(adds_epi16)(a, b);
 }
 KSX_VECTOR_OP Vector addSaturateU16(Vector a, Vector b)
 {
-    return _mm_adds_epu16(a, b);
+    return KSX_MM(adds_epu16)(a, b);
 }
 KSX_VECTOR_OP Vector subSaturateU16(Vector a, Vector b)
 {
-    return _mm_subs_epu16(a, b);
+    return KSX_MM(subs_epu16)(a, b);
 }
 
 KSX_VECTOR_OP Vector min16(Vector a, Vector b)
 {
-    return _mm_min_epi16(a, b);
+    return KSX_MM(min_epi16)(a, b);
 }
 KSX_VECTOR_OP Vector max16(Vector a, Vector b)
 {
-    return _mm_max_epi16(a, b);
+    return KSX_MM(max_epi16)(a, b);
 }
 KSX_VECTOR_OP Vector minU8(Vector a, Vector b)
 {
-    return _mm_min_epu8(a, b);
+    return KSX_MM(min_epu8)(a, b);
 }
 KSX_VECTOR_OP Vector maxU8(Vector a, Vector b)
 {
-    return _mm_max_epu8(a, b);
+    return KSX_MM(max_epu8)(a, b);
 }
 
 /// (a + b + 1) >> 1.
 KSX_VECTOR_OP Vector averageU8(Vector a, Vector b)
 {
-    return _mm_avg_epu8(a, b);
+    return KSX_MM(avg_epu8)(a, b);
 }
 KSX_VECTOR_OP Vector averageU16(Vector a, Vector b)
 {
-    return _mm_avg_epu16(a, b);
+    return KSX_MM(avg_epu16)(a, b);
 }
 
 /// The low 16 bits of each product (`mulLow16`), or the high 16 bits (`mulHigh16`, `mulHighU16`).
 KSX_VECTOR_OP Vector mulLow16(Vector a, Vector b)
 {
-    return _mm_mullo_epi16(a, b);
+    return KSX_MM(mullo_epi16)(a, b);
 }
 KSX_VECTOR_OP Vector mulHigh16(Vector a, Vector b)
 {
-    return _mm_mulhi_epi16(a, b);
+    return KSX_MM(mulhi_epi16)(a, b);
 }
 KSX_VECTOR_OP Vector mulHighU16(Vector a, Vector b)
 {
-    return _mm_mulhi_epu16(a, b);
+    return KSX_MM(mulhi_epu16)(a, b);
 }
 /// (a b + 16384) >> 15.
 KSX_VECTOR_OP Vector mulRound16(Vector a, Vector b)
 {
-    return _mm_mulhrs_epi16(a, b);
+    return KSX_MM(mulhrs_epi16)(a, b);
 }
 /// Products of lanes of 16 bits. Each two neighbours are added into a lane of 32 bits.
 KSX_VECTOR_OP Vector mulAddPairs16(Vector a, Vector b)
 {
-    return _mm_madd_epi16(a, b);
+    return KSX_MM(madd_epi16)(a, b);
 }
 /// Sums of neighbouring lanes: two sums from `a`, then two from `b`.
 KSX_VECTOR_OP Vector addPairs32(Vector a, Vector b)
 {
-    return _mm_hadd_epi32(a, b);
+    return intrinsics::addPairs32(a, b);
 }
 
 // --- Moves between lanes -------------------------------------------------------------------------
@@ -251,91 +340,91 @@ KSX_VECTOR_OP Vector addPairs32(Vector a, Vector b)
 /// Byte i is byte `indices[i]` of `v`, or 0 if that index is negative.
 KSX_VECTOR_OP Vector shuffleBytes(Vector v, Vector indices)
 {
-    return _mm_shuffle_epi8(v, indices);
+    return KSX_MM(shuffle_epi8)(v, indices);
 }
 /// Lane i is the lane of `v` that argument i names.
 template<int A, int B, int C, int D>
 KSX_VECTOR_OP Vector shuffle32(Vector v)
 {
-    return _mm_shuffle_epi32(v, _MM_SHUFFLE(D, C, B, A));
+    return intrinsics::shuffle32<_MM_SHUFFLE(D, C, B, A)>(v);
 }
 /// Shuffles the four lanes of 16 bits of the lower half, or of the upper half. The other half
 /// stays.
 template<int A, int B, int C, int D>
 KSX_VECTOR_OP Vector shuffleLow16(Vector v)
 {
-    return _mm_shufflelo_epi16(v, _MM_SHUFFLE(D, C, B, A));
+    return KSX_MM(shufflelo_epi16)(v, _MM_SHUFFLE(D, C, B, A));
 }
 template<int A, int B, int C, int D>
 KSX_VECTOR_OP Vector shuffleHigh16(Vector v)
 {
-    return _mm_shufflehi_epi16(v, _MM_SHUFFLE(D, C, B, A));
+    return KSX_MM(shufflehi_epi16)(v, _MM_SHUFFLE(D, C, B, A));
 }
 /// Lanes `A` and `B` of `low`, then lanes `C` and `D` of `high`.
 template<int A, int B, int C, int D>
 KSX_VECTOR_OP FloatVector shuffle32(FloatVector low, FloatVector high)
 {
-    return _mm_shuffle_ps(low, high, _MM_SHUFFLE(D, C, B, A));
+    return KSX_MM(shuffle_ps)(low, high, _MM_SHUFFLE(D, C, B, A));
 }
 
 /// Lanes of the lower halves of `a` and `b`, alternating, `a` first.
 KSX_VECTOR_OP Vector interleaveLow8(Vector a, Vector b)
 {
-    return _mm_unpacklo_epi8(a, b);
+    return KSX_MM(unpacklo_epi8)(a, b);
 }
 KSX_VECTOR_OP Vector interleaveLow16(Vector a, Vector b)
 {
-    return _mm_unpacklo_epi16(a, b);
+    return KSX_MM(unpacklo_epi16)(a, b);
 }
 KSX_VECTOR_OP Vector interleaveLow32(Vector a, Vector b)
 {
-    return _mm_unpacklo_epi32(a, b);
+    return KSX_MM(unpacklo_epi32)(a, b);
 }
 KSX_VECTOR_OP FloatVector interleaveLow32(FloatVector a, FloatVector b)
 {
-    return _mm_unpacklo_ps(a, b);
+    return KSX_MM(unpacklo_ps)(a, b);
 }
 KSX_VECTOR_OP Vector interleaveLow64(Vector a, Vector b)
 {
-    return _mm_unpacklo_epi64(a, b);
+    return KSX_MM(unpacklo_epi64)(a, b);
 }
 KSX_VECTOR_OP FloatVector interleaveLow64(FloatVector a, FloatVector b)
 {
-    return _mm_movelh_ps(a, b);
+    return intrinsics::interleaveLow64(a, b);
 }
 /// Lanes of the upper halves of `a` and `b`, alternating, `a` first.
 KSX_VECTOR_OP Vector interleaveHigh8(Vector a, Vector b)
 {
-    return _mm_unpackhi_epi8(a, b);
+    return KSX_MM(unpackhi_epi8)(a, b);
 }
 KSX_VECTOR_OP Vector interleaveHigh16(Vector a, Vector b)
 {
-    return _mm_unpackhi_epi16(a, b);
+    return KSX_MM(unpackhi_epi16)(a, b);
 }
 KSX_VECTOR_OP Vector interleaveHigh32(Vector a, Vector b)
 {
-    return _mm_unpackhi_epi32(a, b);
+    return KSX_MM(unpackhi_epi32)(a, b);
 }
 KSX_VECTOR_OP FloatVector interleaveHigh32(FloatVector a, FloatVector b)
 {
-    return _mm_unpackhi_ps(a, b);
+    return KSX_MM(unpackhi_ps)(a, b);
 }
 KSX_VECTOR_OP Vector interleaveHigh64(Vector a, Vector b)
 {
-    return _mm_unpackhi_epi64(a, b);
+    return KSX_MM(unpackhi_epi64)(a, b);
 }
 
 /// 16 bytes of `low` followed by `high`, from byte `BYTES` on.
 template<int BYTES>
 KSX_VECTOR_OP Vector combineShiftRightBytes(Vector high, Vector low)
 {
-    return _mm_alignr_epi8(high, low, BYTES);
+    return KSX_MM(alignr_epi8)(high, low, BYTES);
 }
 /// 16 bytes of `v` followed by zeros, from byte `BYTES` on.
 template<int BYTES>
 KSX_VECTOR_OP Vector shiftRightBytes(Vector v)
 {
-    return _mm_srli_si128(v, BYTES);
+    return intrinsics::shiftRightBytes<BYTES>(v);
 }
 /// Reverses the bytes of every lane of 32 bits: little-endian words to big-endian ones and back.
 KSX_VECTOR_OP Vector reverseBytes32(Vector v)
@@ -349,102 +438,119 @@ KSX_VECTOR_OP Vector reverseBytes32(Vector v)
 /// the limit of that range.
 KSX_VECTOR_OP Vector packSaturate32To16(Vector a, Vector b)
 {
-    return _mm_packs_epi32(a, b);
+    return KSX_MM(packs_epi32)(a, b);
 }
 KSX_VECTOR_OP Vector packSaturate16ToU8(Vector a, Vector b)
 {
-    return _mm_packus_epi16(a, b);
+    return KSX_MM(packus_epi16)(a, b);
 }
 
 /// The same bits, read as another kind of lane.
 KSX_VECTOR_OP Vector bitsOf(FloatVector v)
 {
-    return _mm_castps_si128(v);
+    return KSX_MM_BITS(castps)(v);
 }
 KSX_VECTOR_OP FloatVector floatsOfBits(Vector v)
 {
-    return _mm_castsi128_ps(v);
+    return intrinsics::floatsOfBits(v);
 }
 
 /// Conversions between integers of 32 bits and floats. To integers, they round to nearest, ties to
 /// even.
 KSX_VECTOR_OP FloatVector toFloats(Vector v)
 {
-    return _mm_cvtepi32_ps(v);
+    return KSX_MM(cvtepi32_ps)(v);
 }
 KSX_VECTOR_OP Vector toNearest32(FloatVector v)
 {
-    return _mm_cvtps_epi32(v);
+    return KSX_MM(cvtps_epi32)(v);
 }
 /// Rounds towards zero.
 KSX_VECTOR_OP Vector truncate32(FloatVector v)
 {
-    return _mm_cvttps_epi32(v);
+    return KSX_MM(cvttps_epi32)(v);
 }
-/// Conversions between two doubles and the lower half of a vector. The upper half of a result that
-/// is not doubles is 0.
-KSX_VECTOR_OP DoubleVector lowToDoubles(Vector v)
+/// Lanes of 32 bits as doubles, which take two vectors. Which lanes are in `first` depends on the
+/// size of vectors; `toNearest32` and `toFloats` put them back in order.
+struct Doubles {
+    DoubleVector first, second;
+};
+KSX_VECTOR_OP Doubles toDoubles(Vector v)
 {
-    return _mm_cvtepi32_pd(v);
+    return {intrinsics::firstDoubles(v), intrinsics::secondDoubles(v)};
 }
-KSX_VECTOR_OP DoubleVector lowToDoubles(FloatVector v)
+KSX_VECTOR_OP Doubles toDoubles(FloatVector v)
 {
-    return _mm_cvtps_pd(v);
+    return {intrinsics::firstDoubles(v), intrinsics::secondDoubles(v)};
 }
-KSX_VECTOR_OP Vector toNearest32(DoubleVector v)
+KSX_VECTOR_OP Vector toNearest32(DoubleVector first, DoubleVector second)
 {
-    return _mm_cvtpd_epi32(v);
+    return intrinsics::toNearest32(first, second);
 }
-KSX_VECTOR_OP FloatVector toFloats(DoubleVector v)
+KSX_VECTOR_OP FloatVector toFloats(DoubleVector first, DoubleVector second)
 {
-    return _mm_cvtpd_ps(v);
-}
-/// The upper half of `v` in both halves.
-KSX_VECTOR_OP FloatVector upperHalf(FloatVector v)
-{
-    return _mm_movehl_ps(v, v);
+    return intrinsics::toFloats(first, second);
 }
 
 // --- Floating point ------------------------------------------------------------------------------
 
 KSX_VECTOR_OP FloatVector add(FloatVector a, FloatVector b)
 {
-    return _mm_add_ps(a, b);
+    return KSX_MM(add_ps)(a, b);
 }
 KSX_VECTOR_OP FloatVector mul(FloatVector a, FloatVector b)
 {
-    return _mm_mul_ps(a, b);
+    return KSX_MM(mul_ps)(a, b);
 }
 KSX_VECTOR_OP FloatVector min(FloatVector a, FloatVector b)
 {
-    return _mm_min_ps(a, b);
+    return KSX_MM(min_ps)(a, b);
 }
 KSX_VECTOR_OP FloatVector max(FloatVector a, FloatVector b)
 {
-    return _mm_max_ps(a, b);
+    return KSX_MM(max_ps)(a, b);
 }
 /// Sets all bits of a lane if the comparison holds, and clears them if it does not.
 KSX_VECTOR_OP FloatVector lessOrEqual(FloatVector a, FloatVector b)
 {
-    return _mm_cmple_ps(a, b);
+    return intrinsics::lessOrEqual(a, b);
 }
 KSX_VECTOR_OP DoubleVector add(DoubleVector a, DoubleVector b)
 {
-    return _mm_add_pd(a, b);
+    return KSX_MM(add_pd)(a, b);
 }
 KSX_VECTOR_OP DoubleVector sub(DoubleVector a, DoubleVector b)
 {
-    return _mm_sub_pd(a, b);
+    return KSX_MM(sub_pd)(a, b);
 }
 KSX_VECTOR_OP DoubleVector mul(DoubleVector a, DoubleVector b)
 {
-    return _mm_mul_pd(a, b);
+    return KSX_MM(mul_pd)(a, b);
 }
 KSX_VECTOR_OP DoubleVector lessThan(DoubleVector a, DoubleVector b)
 {
-    return _mm_cmplt_pd(a, b);
+    return intrinsics::lessThan(a, b);
+}
+
+/// Keeps the compiler from starting later operations before all of these values are there. It adds
+/// no instruction.
+KSX_VECTOR_OP void keepTogether(DoubleVector (&v)[4])
+{
+    asm(""
+        : "+" KSX_VECTOR_REGISTERS(v[0]), "+" KSX_VECTOR_REGISTERS(v[1]),
+          "+" KSX_VECTOR_REGISTERS(v[2]), "+" KSX_VECTOR_REGISTERS(v[3]));
+}
+KSX_VECTOR_OP void keepTogether(DoubleVector (&v)[6])
+{
+    asm(""
+        : "+" KSX_VECTOR_REGISTERS(v[0]), "+" KSX_VECTOR_REGISTERS(v[1]),
+          "+" KSX_VECTOR_REGISTERS(v[2]), "+" KSX_VECTOR_REGISTERS(v[3]),
+          "+" KSX_VECTOR_REGISTERS(v[4]), "+" KSX_VECTOR_REGISTERS(v[5]));
 }
 
 } // namespace KSX::PixelConversion
 
+#undef KSX_MM
+#undef KSX_MM_BITS
 #undef KSX_VECTOR_OP
+#undef KSX_VECTOR_REGISTERS

@@ -25,8 +25,7 @@ inline constexpr Vector v8i_0x3ff = v8i(0x3ff);
 inline constexpr Vector v8i_0xfff = v8i(0xfff);
 
 /// The alpha lanes of `BGRAv8`, and its colour lanes.
-inline constexpr Vector v8i_mask_7xxx3xxx =
-    Vector{static_cast<long long>(0xffff000000000000), static_cast<long long>(0xffff000000000000)};
-inline constexpr Vector v8i_mask_x654x210 = Vector{0x0000ffffffffffff, 0x0000ffffffffffff};
+inline constexpr Vector v8i_mask_7xxx3xxx = v8i(0, 0, 0, -1, 0, 0, 0, -1);
+inline constexpr Vector v8i_mask_x654x210 = v8i(-1, -1, -1, 0, -1, -1, -1, 0);
 
 } // namespace KSX::PixelConversion
