@@ -2,7 +2,7 @@
 # count of conversions, and $figures, a line for each point: place, conversion, library, its time divided
 # by ours.
 set terminal svg size 860,620 font "sans-serif,12" background "white"
-set title "Time of others over the time of this library, 1920x1080, one core, cold"
+set title "Time of other libraries, divided by the time of this library: 1920x1080, one core, cold"
 set logscale x 2
 set xrange [0.1:64]
 set xtics ("1/8" 0.125, "1/4" 0.25, "half" 0.5, "same" 1, "2" 2, "4" 4, "8" 8, "16" 16, "32" 32, "64 times" 64)

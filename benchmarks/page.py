@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Prints the measured part of docs/performance.md from the figures in benchmarks/figures/.
 
---write puts it into the page and draws the chart; --check compares it with what the page has.
+--write puts it into the page and draws the chart; --check compares it with the page.
 """
 
 import argparse
@@ -36,7 +36,7 @@ CLASSES = ["YUV to YUV", "RGB to RGB", "YUV to RGB", "RGB to YUV", "to another s
 
 
 def class_of(conversion):
-    """The one of CLASSES that has a conversion, such as "2vuy:709/BGRA:709"."""
+    """The one of CLASSES that contains a conversion, such as "2vuy:709/BGRA:709"."""
     (source, before), (target, after) = (end.partition(":")[::2] for end in conversion.split("/"))
     if before != after:
         return CLASSES[5 if source in ("A04l", "A04L") else 4]
@@ -92,7 +92,7 @@ def chief_table(own, peers):
                  if fastest else [""] * 4)
         lines.append([f"`{record['conversion']}`", record["hot_ns"], record["cold_ns"],
                       percent(record["cold_of_memcpy"]), *cells])
-    return table(["conversion", "ns hot", "ns cold", "of memcpy", "fastest peer", "with SSSE3", "free",
+    return table(["conversion", "ns hot", "ns cold", "of memcpy", "fastest peer", "with SSSE3", "no limit",
                   "what the peer does differently"], lines)
 
 
@@ -103,7 +103,7 @@ def peer_table(peers):
         faster = [f"`{p['conversion']}`" for p in beside if float(p["cold_free"] or "inf") < 0.95]
         lines.append([library, str(len(beside)), spread(beside, "cold_ssse3", "{:.1f}".format),
                       spread(beside, "cold_free", "{:.1f}".format), ", ".join(faster) or "none"])
-    return table(["library", "rows", "with SSSE3", "free", "where it is over 5 % faster than ours"], lines)
+    return table(["library", "rows", "with SSSE3", "no limit", "conversions over 5 % faster than ours"], lines)
 
 
 def helper_table(helpers):
@@ -128,13 +128,13 @@ def text():
     sections = [textwrap.fill(machine[0].upper() + machine[1:], 105),
                 f"### All conversions by class, {size}", class_table(own),
                 f"### What hosts use most, {size}", chief_table(own, peers),
-                f"### Other libraries, {size}, cold: their time over ours", peer_table(peers),
+                f"### Other libraries, {size}, cold: their time divided by ours", peer_table(peers),
                 "### The helpers", helper_table(read("helpers"))]
     return "\n" + "\n\n".join(sections) + "\n\n"
 
 
 def chart():
-    """Draws the time of others divided by ours: cold, with all instructions of the processor."""
+    """Draws the time of other libraries divided by ours: cold, with all instructions of the processor."""
     size = SIZES[0]
     others = [(p["conversion"], p["library"], p["cold_free"]) for p in read("peers") if p["size"] == size]
     others += [(r["conversion"], "memcpy", r["cold_of_memcpy"]) for r in read("conversions")
@@ -158,13 +158,13 @@ def check():
     sys.stdout.writelines(difflib.unified_diff(kept.splitlines(True), text().splitlines(True),
                                                "docs/performance.md", "benchmarks/figures"))
     if kept != text():
-        sys.exit("page: the page is not what its figures give; benchmarks/page.py --write prints it")
+        sys.exit("page: the page differs from its figures; benchmarks/page.py --write writes it again")
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     choice = parser.add_mutually_exclusive_group()
-    choice.add_argument("--write", action="store_true", help="into the page, and draw the chart")
+    choice.add_argument("--write", action="store_true", help="write the page, and draw the chart")
     choice.add_argument("--check", action="store_true", help="compare with the page")
     options = parser.parse_args()
     if options.write:

@@ -92,11 +92,11 @@ std::vector<Peer> libyuvPeers()
         packed("RGB3/RGBA", RGB24ToARGB, 3, 4),
         packed("RGB3/BGRA", RAWToARGB, 3, 4),
         packed("RGBA/RGB3", ARGBToRGB24, 4, 3),
-        packed("R10L/BGRA", AR30ToARGB, 4, 4, "bits in other places, cuts and does not round"),
-        packed("BGRA/R10L", ARGBToAR30, 4, 4, "bits in other places, 255 becomes 1023"),
-        packed("R210/BGRA", AR30ToARGB, 4, 4, "little-endian, cuts and does not round"),
+        packed("R10L/BGRA", AR30ToARGB, 4, 4, "bits at other positions, truncates"),
+        packed("BGRA/R10L", ARGBToAR30, 4, 4, "bits at other positions, 255 becomes 1023"),
+        packed("R210/BGRA", AR30ToARGB, 4, 4, "little-endian, truncates"),
         packed("BGRA/R210", ARGBToAR30, 4, 4, "little-endian, 255 becomes 1023"),
-        packed("b64a/BGRA", fromWords, 8, 4, "little-endian, cuts and does not round"),
+        packed("b64a/BGRA", fromWords, 8, 4, "little-endian, truncates"),
     };
 }
 
