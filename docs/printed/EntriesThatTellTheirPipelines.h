@@ -1,6 +1,6 @@
-/// Included in front of the engine's sources, makes every entry tell what its pipeline asks of rows
-/// and which stages run, in the place of converting. Entries without a pipeline say nothing, for
-/// they are called with no rows.
+/// Included before the engine's sources, it makes every entry report the rows that its pipeline
+/// requires and the stages that run, instead of converting. Entries without a pipeline report
+/// nothing, because they are called with no rows.
 #pragma once
 
 #include "conversion/pipeline/Convert.h"
@@ -20,7 +20,7 @@ struct ToldStages {
     Types rules;
 };
 
-/// What an entry puts where `dst` points.
+/// What an entry stores at `dst`.
 struct ToldPipeline {
     const char* entry = nullptr;
     unsigned block = 0;
@@ -36,7 +36,7 @@ Types typesOf(StageList<TYPES...>)
     return Types(types, sizeof...(TYPES));
 }
 
-/// The rule that was taken; after `OnPlanes` those for the single stages.
+/// The rule that was applied; after `OnPlanes` those for the single stages.
 template<class STEP>
 struct RulesOf;
 

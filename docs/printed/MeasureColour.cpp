@@ -1,5 +1,5 @@
-/// Prints the tables of docs/colour.md: how far what is computed lies from the formulas of the
-/// standards, worked out in double precision from the codes of the source.
+/// Prints the tables of docs/colour.md: the errors of the conversions and of the shader, compared
+/// with the formulas of the standards in double precision, from the code values of the source.
 #include "tests/preview/ShaderModel.h"
 #include "tests/reference/Curves.h"
 #include "tests/reference/Layouts.h"
@@ -29,9 +29,9 @@ using Nine = std::array<Three, 3>;
 
 /// A multiple of every block, in whole texels.
 constexpr unsigned kWidth = 96;
-/// Where a row is looked at: an even pixel, far from its ends.
+/// The pixel of a row that is measured: an even one, far from the ends.
 constexpr unsigned kAt = 48;
-/// Those of 625-line systems are told by their height.
+/// The engine recognises pictures of 625-line systems by their height.
 constexpr unsigned kPALHeight = 576;
 constexpr unsigned kOtherHeight = 480;
 
@@ -78,7 +78,7 @@ Nine inverse(const Nine& m)
     return out;
 }
 
-/// Linear light to CIE XYZ: the primaries so that they add up to D65 (SMPTE RP 177).
+/// Linear light to CIE XYZ, with primaries that add up to D65 (SMPTE RP 177).
 Nine toXYZ(const Standard& standard)
 {
     Nine m{};
@@ -94,7 +94,7 @@ Nine toXYZ(const Standard& standard)
     return m;
 }
 
-/// R'G'B' of other primaries, and whether they can show it.
+/// R'G'B' converted to other primaries, and whether it is within their gamut.
 Three changePrimaries(const Three& rgb, const Standard& from, const Standard& to, bool& inside)
 {
     Three linear{};
@@ -109,7 +109,7 @@ Three changePrimaries(const Three& rgb, const Standard& from, const Standard& to
     return out;
 }
 
-/// Codes as they lie in a row, B G R or Cb Y Cr.
+/// Code values in the order of a row, B G R or Cb Y Cr.
 Three codesAt(const Layout& layout, const std::uint8_t* row)
 {
     Three codes{};
@@ -148,7 +148,7 @@ Three fromRGB(const Three& rgb, const Layout& layout, const Standard& standard)
 
 // --- Colours -------------------------------------------------------------------------------------
 
-/// R'G'B' from a fixed seed, evenly spread; every eighth is grey.
+/// R'G'B' from a fixed seed, evenly distributed; every eighth is grey.
 class Colours {
 public:
     Color next()
@@ -183,21 +183,21 @@ struct Errors {
 std::string classOf(const Layout& src, const Layout& dst, bool primaries)
 {
     const auto bits = [](const Layout& layout) {
-        return " of " + std::to_string(layout.levels.bits) + " bits";
+        return std::to_string(layout.levels.bits) + "-bit ";
     };
     if (src.code == PixelFormat_b64a && dst.levels.bits == 12)
-        return "`b64a` to `R12B`, `R12L`, which keep the low 12 bits of the 16";
+        return "`b64a` to `R12B`, `R12L`, which keep the low 12 of the 16 bits";
     const std::string to = dst.is422() ? "4:2:2" : "RGB";
     const std::string kinds = std::string(src.is422() ? "4:2:2" : "RGB") + " to ";
     if (primaries)
         return std::string(src.levels.bits == 10 && src.unitBits == 64 ? "`A04l`, `A04L`"
-                                                                       : "others") +
-               ", primaries changed, to " + to + bits(dst);
+                                                                       : "other formats") +
+               ", primaries changed, to " + bits(dst) + to;
     if (src.is422() != dst.is422())
-        return kinds + to + bits(dst);
+        return kinds + bits(dst) + to;
     const std::string depth = src.levels.bits == dst.levels.bits  ? "same depth"
-                              : src.levels.bits < dst.levels.bits ? "deeper"
-                                                                  : "less deep";
+                              : src.levels.bits < dst.levels.bits ? "more bits"
+                                                                  : "fewer bits";
     if (src.is422())
         return kinds + to + ", " + depth;
     const std::string range = src.levels.full != dst.levels.full ? "range changed"
@@ -264,7 +264,7 @@ void printConversions()
             found->worstRow = i;
     }
     std::ranges::sort(classes, {}, &Class::name);
-    std::puts("| Conversion | Rows | Worst | In row | RMS |\n|---|---|---|---|---|");
+    std::puts("| Conversion | Rows | Worst | Worst row | RMS |\n|---|---|---|---|---|");
     for (const Class& each : classes)
         std::printf("| %s | %u | %.2f | %s | %.2f |\n", each.name.c_str(), each.rows,
                     each.errors.worst,

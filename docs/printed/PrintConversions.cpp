@@ -1,5 +1,5 @@
-/// Prints docs/conversions.md, and fails where what the stages ask of rows is not what the scalar
-/// reference says.
+/// Prints docs/conversions.md, and fails if the rows that the stages require are not those of the
+/// scalar reference.
 #include "docs/printed/EntriesThatTellTheirPipelines.h"
 #include "docs/printed/FormatNames.h"
 #include "tests/common/AllConversions.h"
@@ -20,8 +20,8 @@ This page lists the rows of the table in their order, then the entries that no r
 
 - *Colourspaces*: of source and destination; "any" if the conversion is the same in all colourspaces
   and changes none.
-- *Block*: the pixels that are converted at a time. If the width is a multiple of the block, no code for
-  the end of a row runs. "-" means a conversion without stages.
+- *Block*: the number of pixels that are converted at a time. If the width is a multiple of the block, no
+  code for the end of a row runs. "-" means a conversion without stages.
 - *Least width*: of a row, in pixels. Narrower rows are not allowed, and nothing checks for them: the
   engine may then read and write anywhere. If the least width is 0, a row of no pixels changes nothing.
 - *Reads after*: the most bytes that the engine reads after a source row, over all widths. These bytes
@@ -80,7 +80,7 @@ int main()
                     limits.block == 0 ? "-" : std::to_string(limits.block).c_str(),
                     limits.leastWidth, behind);
         if (!agrees) {
-            std::fprintf(stderr, "%s: the stages ask for other rows than the reference\n",
+            std::fprintf(stderr, "%s: the stages require other rows than the reference\n",
                          conversion.name.c_str());
             return 1;
         }

@@ -1,6 +1,5 @@
 /// Prints docs/formats.md: sizes from the list of formats, bits from the layouts that the tests of
-/// all conversions read and write by, limits from the stages, helpers from the lookup and the
-/// shader.
+/// all conversions use, limits from the stages, helpers from the lookup and the shader.
 #include "docs/printed/EntriesThatTellTheirPipelines.h"
 #include "docs/printed/FormatNames.h"
 #include "tests/reference/Conversions.h"
@@ -23,12 +22,12 @@ namespace {
 
 constexpr char kHead[] = R"(# Pixel formats
 
-%zu formats, each a packed layout of whole picture rows. The code is a FourCC with its first character
-in the top byte of a 32-bit value; 8-bit ARGB is the plain number 32. The program `print_formats` prints
+The library has %zu packed pixel formats. The code is a FourCC with its first character in the most
+significant byte of a 32-bit value; 8-bit ARGB is the plain number 32. The program `print_formats` prints
 this page from the tables of the code and of its tests.
 
-A row of `width` pixels takes whole groups: `ceil(width / pixels) x bytes`, where pixels and bytes are those
-of one group. The distance between rows may be larger, and rows need no alignment.
+A row of `width` pixels consists of whole groups: `ceil(width / pixels) x bytes`, with the pixels and bytes
+of one group. The stride may be larger, and rows need no alignment.
 
 Ranges: *full* runs from 0 to the largest code. *Studio* has black at 16 x 2^(n-8) and white at
 235 x 2^(n-8), Cb and Cr centred on 128 x 2^(n-8) with extremes at 16 and 240 x 2^(n-8)
@@ -39,15 +38,15 @@ Ranges: *full* runs from 0 to the largest code. *Studio* has black at 16 x 2^(n-
 )";
 
 constexpr char kLimits[] = R"(
-`l64a` holds 10-bit values in the top of its 16 bits, `v212` 12-bit ones. `S12L`, `L64A` and `l64a` are
-only written. If a source has no alpha, the result is opaque.
+`l64a` has 10-bit values in the high bits of its 16 bits, `v212` has 12-bit values there. `S12L`, `L64A` and
+`l64a` are only destinations. If a source has no alpha, the result is opaque.
 
 ## What conversions require of rows
 
 *From* and *To* count the rows of the [table](conversions.md) with the format as source and as destination.
 *Least width* is the narrowest row, in pixels, that all of these conversions accept. *Reads after* is the
-most bytes that any of them reads after a source row. If you leave 64 bytes after your last line, you need
-not look it up. No conversion writes after a destination row.
+most bytes that any of them reads after a source row; 64 bytes after the last line are always enough. No
+conversion writes after a destination row.
 
 | Format | From | Least width | Reads after | To | Least width |
 |---|---|---|---|---|---|
@@ -56,10 +55,10 @@ not look it up. No conversion writes after a destination row.
 constexpr char kHelpers[] = R"(
 ## Which helper paints them
 
-*Fixed function*: the colourspaces in which the helper takes the format, and the least width; it
+*Fixed function*: the colourspaces in which the helper accepts the format, and the least width; it
 returns `E_INVALIDARG` for all others. *OpenGL 3*: the kind of samples that the helper expects. It shows
 formats that its shader does not know, marked -, as opaque black, and `SetFrame` returns `S_OK`. The
-fixed-function helper takes a captured frame in 32 or `BGRA` as studio range; the OpenGL 3 helper uses only
+fixed-function helper treats a captured frame in 32 or `BGRA` as studio range; the OpenGL 3 helper uses only
 the format code. Neither helper shows alpha, but the OpenGL 3 helper writes the alpha of `Ay10` to the
 framebuffer, for the host's blending, and 1 for all other formats. It is straight alpha: the colours are not
 multiplied by it.
@@ -71,20 +70,20 @@ multiplied by it.
 constexpr char kBytes[] = R"(
 ## Bytes
 
-Four bytes a line, addresses rising from left to right, and in each byte the highest bit first. `Y1[5:0]`
-are the bits 5 to 0 of the Y of pixel 1; a name alone is a byte that holds the whole of a sample. Spare
-bits, marked -, are written as 0, except in `R10A`, where they are written as 1. They are ignored when read,
-except in `A04l` and `A04L`, where they must be 0.
+Each line shows four bytes in the order of their addresses, and the bits of a byte from the highest to the
+lowest. `Y1[5:0]` are the bits 5 to 0 of the Y of pixel 1; a name alone is a byte that contains a whole
+sample. Unused bits, marked -, are written as 0, but as 1 in `R10A`. They are ignored when read, but must be
+0 in `A04l` and `A04L`.
 
-4:2:2 chroma is sited on the even pixel: Cb0 and Cr0 belong to the pixels 0 and 1.
+4:2:2 chroma is co-sited with the even pixel: Cb0 and Cr0 belong to the pixels 0 and 1.
 )";
 
 constexpr char kMatrix[] = R"(
 ## Which formats convert to which
 
-A line is a source format, a column a destination format. `a` is a conversion that is the same in all
-colourspaces, `c` has one for each of some colourspaces, and `p` has changes of primaries too. Pairs
-without a letter have no conversion. See [conversions](conversions.md) for the %u rows.
+Each line is a source format, each column a destination format. `a`: one conversion for all colourspaces.
+`c`: a conversion for each of some colourspaces. `p`: also conversions that change primaries. Pairs without
+a letter have no conversion. See [conversions](conversions.md) for the %u rows.
 
 ```text
 )";
@@ -164,7 +163,7 @@ void printLimits()
 
 // --- Helpers -------------------------------------------------------------------------------------
 
-/// What `ScreenPreviewBase` does with a frame that is not a captured one.
+/// What `ScreenPreviewBase` does with a frame that is not captured.
 std::string fixedFunction(PixelFormat format, unsigned& leastWidth)
 {
     std::string taken;
@@ -198,7 +197,7 @@ void printHelpers()
 
 // --- Bytes ---------------------------------------------------------------------------------------
 
-/// The smallest run of whole groups in which each kind of sample has its place.
+/// The smallest number of whole groups that contains each kind of sample.
 struct Picture {
     explicit Picture(const PixelFormatInfo& format) : layout(reference::layoutOf(format.code))
     {
@@ -282,7 +281,7 @@ struct Picture {
     std::vector<std::array<Bit, 8>> bits;
 };
 
-/// Formats that lie in memory alike have one picture, under the first of them.
+/// Formats with the same layout have one picture, under the first of them.
 void printBytes()
 {
     std::vector<std::string> seen;

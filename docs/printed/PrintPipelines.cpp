@@ -1,5 +1,5 @@
-/// Prints docs/pipelines.md: print_pipelines BUDGETS, the file of instructions a pixel. Fails if a
-/// rule fits no row of the table, and if a budget is missing.
+/// Prints docs/pipelines.md: print_pipelines BUDGETS, the file with the instructions per pixel.
+/// Fails if a rule matches no row of the table, and if a budget is missing.
 #include "docs/printed/EntriesThatTellTheirPipelines.h"
 #include "docs/printed/FormatNames.h"
 #include "tests/common/AllConversions.h"
@@ -30,8 +30,8 @@ This page lists the stages that define each conversion, and the stages that run.
 - *inside*: the stages that run for the blocks of a row, after the rules of `conversion/fast/Rules.h`
   replaced some of them.
 - *end*: the stages that run for the rest of a row after those blocks, and for its partial block.
-- *block*: the pixels that go through the stages at a time.
-- *instructions*: instructions for each pixel, at 1920 pixels a row, compiled by g++ 12.
+- *block*: the number of pixels that go through the stages at a time.
+- *instructions*: instructions per pixel, at 1920 pixels a row, compiled by g++ 12.
 
 A conversion to or from Rec. 601 has two pipelines, which differ only in the matrix of primaries; this page
 shows the one for 625 lines. No entry lists stages in `fast::` and `details::`. The test `FastForms` runs
@@ -70,7 +70,7 @@ std::string spelt(const std::type_info& type)
     return text;
 }
 
-/// Instructions a pixel by the number of the row, from a file of "rowN/from/to instructions".
+/// Instructions per pixel by the number of the row, from a file of "rowN/from/to instructions".
 std::map<unsigned, std::string> readBudgets(const char* path)
 {
     std::map<unsigned, std::string> budgets;
@@ -174,8 +174,8 @@ int main(int argc, char** argv)
     }
 
     std::puts(
-        "\n## Rules\n\nIn the order in which they are tried, with the rows that they fit. Those in "
-        "`fast::planes` give the\nform of one stage for `fast::OnPlanes`.\n\n"
+        "\n## Rules\n\nThe rules in the order in which they are tried, with the rows that they "
+        "match. A rule in `fast::planes`\ngives the form of one stage for `fast::OnPlanes`.\n\n"
         "| Rule | Rows | First row |\n|---|---|---|");
     auto rules = allRules(FastRules{});
     const auto planes = allRules(fast::planes::Rules{});
@@ -183,15 +183,15 @@ int main(int argc, char** argv)
     for (const std::string& rule : rules) {
         const auto& rows = rowsByRule[rule];
         if (rows.empty()) {
-            std::fprintf(stderr, "the rule %s fits no row\n", rule.c_str());
+            std::fprintf(stderr, "the rule %s matches no row\n", rule.c_str());
             return 1;
         }
         std::printf("| `%s` | %zu | %u |\n", rule.c_str(), rows.size(), *rows.begin());
     }
 
     std::puts(
-        "\n## Stages that no row runs\n\nAnother form runs in their place in every row that lists "
-        "them.\n");
+        "\n## Stages that no row runs\n\nIn every row that lists one of these stages, another form "
+        "runs in its place.\n");
     for (const std::string& stage : listed)
         if (!run.contains(stage))
             std::printf("- `%s`\n", stage.c_str());
