@@ -5,8 +5,8 @@
 
 #include <utility>
 
-/// Owns one reference to an `Interface`, or none if it is null. It also knows the id that the
-/// pointer was queried for; without a query that is the id of `IUnknown`.
+/// Owns one reference to an `Interface`, or none if it is null. Also stores the id that the pointer
+/// was queried for; without a query that is the id of `IUnknown`.
 ///
 /// Calls only the three operations of `IUnknown`. Not synchronised.
 template<class Interface>
@@ -14,7 +14,7 @@ class InterfaceRef {
 public:
     InterfaceRef() = default;
 
-    /// Holds `pointer`, which may be null, and adds a reference.
+    /// Stores `pointer`, which may be null, and adds a reference.
     explicit InterfaceRef(Interface* pointer) : m_pointer(pointer) { addRef(); }
 
     InterfaceRef(const InterfaceRef& other) : m_id(other.m_id), m_pointer(other.m_pointer)
@@ -37,7 +37,7 @@ public:
 
     ~InterfaceRef() { reset(); }
 
-    /// Gives the reference back, if there is one, and becomes null.
+    /// Releases the reference, if there is one, and becomes null.
     void reset()
     {
         if (m_pointer)
@@ -45,7 +45,7 @@ public:
         m_pointer = nullptr;
     }
 
-    /// Gives the old reference back, and holds the pointer that `object` gives for `id`. Returns
+    /// Releases the old reference, and stores the pointer that `object` returns for `id`. Returns
     /// the object's status. Test the pointer to see if there is an interface.
     HRESULT query(IUnknown* object, REFIID id)
     {
@@ -57,8 +57,8 @@ public:
         return status;
     }
 
-    /// The argument for an operation that stores a pointer with a reference. Gives the old
-    /// reference back.
+    /// The argument for an operation that stores a pointer with a reference. Releases the old
+    /// reference.
     Interface** receive()
     {
         reset();

@@ -1,7 +1,7 @@
 /// \file
 /// Interfaces, codes and factories of libKestrixPreviewAPI, interface revision 0002.
 ///
-/// The library paints video frames into an OpenGL context that the host owns. A host picks one of
+/// The library paints video frames into an OpenGL context that the host owns. A host chooses one of
 /// two helpers, both an `IKestrixGLScreenPreviewHelper`:
 ///
 /// - `CreateOpenGL3ScreenPreviewHelper_0002`: for a context of OpenGL 3.2 or later, core or
@@ -29,14 +29,14 @@
 ///   any thread.
 /// - Results are status codes: `S_OK` is 0, every failure is negative. No exception leaves an
 ///   operation.
-/// - The order of the operations, and the place of the destructor after or between them, is the
+/// - The order of the operations, and the position of the destructor after or between them, is the
 ///   binary interface. Never reorder them: callers reach the operations of an object by their
-///   position in its table.
+///   position in its table of functions.
 /// - Ids are passed by value and compared byte by byte.
-/// - Sizes are in pixels, lines and bytes as named. Rows run from the top of the picture unless
+/// - Sizes are in pixels, lines and bytes as named. Lines run from the top of the picture unless
 ///   `FrameFlagFlipVertical` is set.
 ///
-/// The header stands alone and compiles as C++11 and later.
+/// The header needs no other header of the library and compiles as C++11 and later.
 #ifndef KESTRIX_PREVIEW_API_H
 #define KESTRIX_PREVIEW_API_H
 
@@ -78,21 +78,21 @@ static const HRESULT S_OK = 0;
 /// The version of the GL context is too low for the helper.
 static const HRESULT E_NOTIMPL = static_cast<HRESULT>(0x80000001u);
 
-/// An allocation failed. From the fixed-function helper also: it has no free slot for a frame, or
-/// it does not show frames of this 3D packing.
+/// An allocation failed. The fixed-function helper also returns it if it has no free slot for a
+/// frame, or if it does not show frames of this 3D packing.
 static const HRESULT E_OUTOFMEMORY = static_cast<HRESULT>(0x80000002u);
 
 /// A null out-argument, or a frame that cannot be converted.
 static const HRESULT E_INVALIDARG = static_cast<HRESULT>(0x80000003u);
 
-/// The object does not have the interface that was asked for.
+/// The object does not have the requested interface.
 static const HRESULT E_NOINTERFACE = static_cast<HRESULT>(0x80000004u);
 
 /// A null out-argument of `QueryInterface` or `GetBytes`.
 static const HRESULT E_POINTER = static_cast<HRESULT>(0x80000005u);
 
-/// A GL entry point is missing, a shader could not be built, `PaintGL` came before `InitializeGL`,
-/// or an object has no bytes.
+/// A GL entry point is missing, a shader does not build, `PaintGL` was called before
+/// `InitializeGL`, or an object has no bytes.
 static const HRESULT E_FAIL = static_cast<HRESULT>(0x80000008u);
 
 /// A frame does not have an interface that is required.
@@ -146,7 +146,7 @@ enum KestrixMetadataID : std::uint32_t {
     MetadataColorspace = 0x63737063, // "cspc"
 };
 
-/// Values of `MetadataColorspace`. If the value is another one, the fixed-function helper refuses
+/// Values of `MetadataColorspace`. If a frame has another value, the fixed-function helper refuses
 /// the frame, and the OpenGL 3 helper decides by the frame's size.
 enum KestrixColorspaceCode : std::uint32_t {
     ColorspaceCodeRec601 = 0x72363031,  // "r601", ITU-R BT.601-7
@@ -156,7 +156,7 @@ enum KestrixColorspaceCode : std::uint32_t {
 
 /// Codes of `IKestrixVideoFrame3DExtensions::Get3DPackingFormat` that the library knows.
 enum Kestrix3DPackingFormat : std::uint32_t {
-    /// The frame is the left eye, and `GetFrameForRightEye` gives the right eye.
+    /// The frame is the left eye, and `GetFrameForRightEye` returns the right eye.
     Packing3DLeftOnly = 0x6c656674, // "left"
 };
 
@@ -181,28 +181,28 @@ public:
     /// object does not have it, stores null and returns `E_NOINTERFACE`.
     virtual HRESULT QueryInterface(REFIID id, void** out) = 0;
 
-    /// Adds a reference. Returns the new count, which is of use in tests only.
+    /// Adds a reference. Returns the new count, which is useful in tests only.
     virtual std::uint32_t AddRef() = 0;
 
-    /// Gives a reference back. Returns the new count. At 0 the object destroys itself.
+    /// Releases a reference. Returns the new count. At 0 the object destroys itself.
     virtual std::uint32_t Release() = 0;
 };
 
 /// A frame. Query it for `IKestrixVideoBuffer` to reach its bytes.
 class IKestrixVideoFrame : public IUnknown {
 public:
-    /// Pixels a line.
+    /// Pixels per line.
     virtual std::int64_t GetWidth() = 0;
     /// Lines.
     virtual std::int64_t GetHeight() = 0;
-    /// Bytes from one line to the next, at least as many as the pixels of a line take. The OpenGL 3
-    /// helper needs a multiple of 4.
+    /// The stride: bytes from one line to the next, at least as many as the pixels of a line need.
+    /// The OpenGL 3 helper needs a multiple of 4.
     virtual std::int64_t GetRowBytes() = 0;
-    /// The layout of the bytes: a FourCC with its first character in the top byte, or 32 for 8-bit
-    /// ARGB. docs/formats.md in the sources shows each layout byte by byte. Both helpers paint
-    /// "2vuy", "v210", "Ay10", 32, "vRGB", "BGRA", "BGRv", "r210", "R10l", "R10L", "R10b", "R10B",
-    /// "R12B", "R12L" and "R12l". The fixed-function helper also paints "RGBA", "RGB3", "R210" and
-    /// "R10A".
+    /// The layout of the bytes: a FourCC with its first character in the most significant byte, or
+    /// 32 for 8-bit ARGB. docs/formats.md in the sources shows each layout byte by byte. Both
+    /// helpers paint "2vuy", "v210", "Ay10", 32, "vRGB", "BGRA", "BGRv", "r210", "R10l", "R10L",
+    /// "R10b", "R10B", "R12B", "R12L" and "R12l". The fixed-function helper also paints "RGBA",
+    /// "RGB3", "R210" and "R10A".
     virtual std::uint32_t GetPixelFormat() = 0;
     /// `KestrixFrameFlags`.
     virtual std::uint32_t GetFlags() = 0;
@@ -218,8 +218,8 @@ protected:
 /// The memory of a frame. Its bytes are valid between `StartAccess` and the matching `EndAccess`.
 class IKestrixVideoBuffer : public IUnknown {
 public:
-    /// Stores the address of the first pixel of the first line in memory. It comes without a
-    /// reference. All lines can be read, `GetRowBytes` bytes each, and 64 bytes after the last.
+    /// Stores the address of the first pixel of the first line in memory. The pointer comes without
+    /// a reference. All lines can be read, `GetRowBytes` bytes each, and 64 bytes after the last.
     virtual HRESULT GetBytes(void** out) = 0;
     /// Opens an access; `flags` is a `KestrixBufferAccessFlags`. Accesses may nest and overlap.
     virtual HRESULT StartAccess(std::uint32_t flags) = 0;
@@ -235,8 +235,8 @@ class IKestrixVideoFrame3DExtensions : public IUnknown {
 public:
     /// How the two eyes are packed: a `Kestrix3DPackingFormat` or another code.
     virtual std::uint32_t Get3DPackingFormat() = 0;
-    /// Stores the frame of the right eye, with a reference. If its size, row bytes, format and
-    /// colourspace are not those of the left eye, the picture may be without it. Returns
+    /// Stores the frame of the right eye, with a reference. If its size, row bytes, format or
+    /// colourspace differ from those of the left eye, the picture may be without it. Returns
     /// `E_INVALIDARG` for a null `out`.
     virtual HRESULT GetFrameForRightEye(IKestrixVideoFrame** out) = 0;
 
@@ -247,8 +247,8 @@ protected:
 /// Paints frames into the current OpenGL context. The library implements it twice. The factories at
 /// the end of this file make the two helpers, and document what they need of a context.
 ///
-/// Threads. `InitializeGL`, `PaintGL` and the last `Release` belong to the GL thread, with the same
-/// context (or one that shares its objects) current.
+/// Threads. Call `InitializeGL`, `PaintGL` and the last `Release` on the GL thread, while the same
+/// context (or one that shares its objects) is current.
 ///
 /// - OpenGL 3 helper: `SetFrame` and `Set3DPreviewFormat` may be called on any thread at any time.
 ///   They wait while `InitializeGL` builds the shaders. `SetFrame` calls `AddRef` and `Release` of
@@ -256,28 +256,29 @@ protected:
 ///   lock that the host holds when it calls the helper.
 /// - Fixed-function helper: no two calls on a helper may run at the same time.
 ///
-/// GL state. The helpers never touch viewport, scissor, blending, depth, masks and the framebuffer
-/// binding: the quad fills the viewport that the host has set, in the framebuffer that it has
+/// GL state. The helpers never touch viewport, scissor, blending, depth, masks or the framebuffer
+/// binding: the quad fills the viewport that the host has set, in the framebuffer that the host has
 /// bound. They change the following state.
 ///
 /// - OpenGL 3 helper: program 0, vertex array 0, `GL_ARRAY_BUFFER` 0, the 2D and 3D bindings of
-///   texture unit 0 and the 3D binding of unit 1 zero, unit 0 active. The helper restores
+///   texture unit 0 and the 3D binding of unit 1 are 0, unit 0 is active. The helper restores
 ///   `GL_UNPACK_ROW_LENGTH`. `InitializeGL`, and the first paint after a null frame, clear the
 ///   colour buffer and set the clear colour to (0, 0, 0, 0). `InitializeGL` leaves its own vertex
 ///   array bound.
-/// - Fixed-function helper: `GL_TEXTURE_2D` disabled, its binding 0, the current texture coordinate
-///   (0, 0, 0, 1); if there is no frame, only the current colour black. The helper restores
-///   `GL_TEXTURE_ENV_MODE`. It needs unit 0 active, and the identity in all matrices.
+/// - Fixed-function helper: `GL_TEXTURE_2D` is disabled and its binding 0, the current texture
+///   coordinate is (0, 0, 0, 1); if there is no frame, only the current colour changes, to black.
+///   The helper restores `GL_TEXTURE_ENV_MODE`. It needs unit 0 active, and the identity in all
+///   matrices.
 /// - Both need, at every call, the initial values in all pixel unpack parameters, and
 ///   `GL_PIXEL_UNPACK_BUFFER` 0.
 ///
 /// docs/embedding.md in the sources lists the state call by call.
 class IKestrixGLScreenPreviewHelper : public IUnknown {
 public:
-    /// Makes the helper's GL objects in the current context. It may be called again, for instance
-    /// in a new context. It then deletes the names of the earlier objects in the context that is
-    /// current. After that the fixed-function helper still shows its picture; the OpenGL 3 helper
-    /// shows black until the next frame.
+    /// Makes the helper's GL objects in the current context. May be called again, for instance in a
+    /// new context. Then it first deletes the names of the earlier objects in the current context.
+    /// After that the fixed-function helper still shows its picture; the OpenGL 3 helper shows
+    /// black until the next frame.
     ///
     /// The OpenGL 3 helper returns `E_FAIL` if a GL entry point is missing or a shader does not
     /// build, and `E_NOTIMPL` if the context is older than OpenGL 3.2. The fixed-function helper
@@ -288,15 +289,15 @@ public:
     /// helper returns `E_FAIL` before the first successful `InitializeGL`.
     virtual HRESULT PaintGL() = 0;
 
-    /// Sets the frame that the next paint shows. Null shows black: the fixed-function helper until
-    /// the next frame; the OpenGL 3 helper for one paint, which clears to transparent black, and
-    /// after it the frame before again.
+    /// Sets the frame that the next paint shows. Null shows black: in the fixed-function helper
+    /// until the next frame; in the OpenGL 3 helper for one paint, which clears to transparent
+    /// black. After that paint, the OpenGL 3 helper shows the previous frame again.
     ///
     /// OpenGL 3 helper: keeps a reference until the frame has been painted or replaced, and always
     /// returns `S_OK`. Fixed-function helper: converts at once and keeps no reference. It returns
-    /// `E_INVALIDARG` for a frame that it cannot convert or whose row bytes do not hold a line, and
+    /// `E_INVALIDARG` for a frame that it cannot convert or whose row bytes are too few, and
     /// `E_OUTOFMEMORY` if allocation fails or the 3D packing is not `Packing3DLeftOnly`. After a
-    /// failure the last picture stays.
+    /// failure the previous picture stays.
     virtual HRESULT SetFrame(IKestrixVideoFrame* frame) = 0;
 
     /// Chooses how stereoscopic frames are shown, from the next frame on. `format` is a
@@ -307,9 +308,9 @@ protected:
     virtual ~IKestrixGLScreenPreviewHelper() = default;
 };
 
-/// Properties of a frame beside its pixels. Query the frame for it. A frame without it counts as
-/// Rec. 601 if it is 720 pixels wide (fixed-function helper), or if its size is 720 x 480, 486 or
-/// 576 (OpenGL 3 helper), and as Rec. 709 otherwise.
+/// Properties of a frame besides its pixels. Query the frame for this interface. A frame without it
+/// counts as Rec. 601 if it is 720 pixels wide (fixed-function helper), or if its size is 720 x
+/// 480, 486 or 576 (OpenGL 3 helper), and as Rec. 709 otherwise.
 ///
 /// Only the first operation is part of this revision. An object's table may have more after it.
 class IKestrixVideoFrameMetadata : public IUnknown {
@@ -319,8 +320,8 @@ public:
     virtual HRESULT GetInt(std::uint32_t id, std::int64_t* out) = 0;
 };
 
-/// A captured frame. To the library the interface is only a mark: if a frame has it, the
-/// fixed-function helper takes its 8-bit RGB as studio range, 16 to 235.
+/// A captured frame. For the library the interface is only a mark: if a frame has it, the
+/// fixed-function helper treats its 8-bit RGB as studio range, 16 to 235.
 class IKestrixVideoInputFrame : public IKestrixVideoFrame {
 public:
     /// Not called by the library.
@@ -334,24 +335,24 @@ protected:
     ~IKestrixVideoInputFrame() override = default;
 };
 
-/// A frame whose properties can be changed, and which takes more interfaces.
+/// A frame whose properties can be changed, and to which interfaces can be added.
 class IKestrixMutableVideoFrame : public IKestrixVideoFrame {
 public:
     /// Sets the value that `GetFlags` returns. The helpers do not call this operation and the next
-    /// four. The adapter that shows the frame to a host of revision 14.2.1 does.
+    /// four. The adapter that presents the frame to a host of revision 14.2.1 calls them.
     virtual HRESULT SetFlags(std::uint32_t flags) = 0;
-    /// Sets the timecode of a format. The frame takes a reference to `timecode`.
+    /// Sets the timecode of a format. The frame adds a reference to `timecode`.
     virtual HRESULT SetTimecode(std::uint32_t format, IKestrixTimecode* timecode) = 0;
     /// Sets the timecode of a format to a time and a frame number.
     virtual HRESULT SetTimecodeFromComponents(std::uint32_t format, std::uint8_t hours,
                                               std::uint8_t minutes, std::uint8_t seconds,
                                               std::uint8_t frames, std::uint32_t flags) = 0;
-    /// Sets the object that `GetAncillaryData` gives.
+    /// Sets the object that `GetAncillaryData` returns.
     virtual HRESULT SetAncillaryData(IKestrixVideoFrameAncillary* ancillary) = 0;
     /// Sets the 32 user bits of a format's timecode.
     virtual HRESULT SetTimecodeUserBits(std::uint32_t format, std::uint32_t userBits) = 0;
-    /// From now on `provider` answers `QueryInterface` for `id` on this frame, and the frame holds
-    /// a reference to it. A null provider removes the registration.
+    /// From now on `QueryInterface` for `id` on this frame calls `provider`, and the frame has a
+    /// reference to it. A null provider removes the registration.
     virtual HRESULT RegisterInterfaceProvider(REFIID id, IUnknown* provider) = 0;
 
 protected:
@@ -377,14 +378,14 @@ extern "C" {
 /// compatibility profile. The helper keeps two pictures in memory, each with half of a frame's
 /// lines or fewer.
 ///
-/// Returns a reference that the caller owns, or null if allocation fails. Touches no GL, and may be
+/// Returns a reference that the caller owns, or null if allocation fails. Uses no GL, and may be
 /// called on any thread.
 KESTRIX_EXPORT IKestrixGLScreenPreviewHelper* CreateOpenGLScreenPreviewHelper_0002();
 
 /// Makes a helper for a context of OpenGL 3.2 or later. The first call in a process also makes the
 /// colour tables, 8.6 MB that stay until the library is unloaded.
 ///
-/// Returns a reference that the caller owns, or null if allocation fails. Touches no GL, and may be
+/// Returns a reference that the caller owns, or null if allocation fails. Uses no GL, and may be
 /// called on any thread.
 KESTRIX_EXPORT IKestrixGLScreenPreviewHelper* CreateOpenGL3ScreenPreviewHelper_0002();
 }

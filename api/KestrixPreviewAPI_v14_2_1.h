@@ -1,12 +1,12 @@
 /// Interfaces and factories of libKestrixPreviewAPI for hosts of revision 14.2.1.
 ///
-/// Such a host includes this header only, and works without being built again. The helper that it
-/// gets wraps a helper of the current revision, and wraps the host's frames before it passes them
-/// on. The host does not notice.
+/// Such a host includes only this header, and works without a rebuild. The helper that it gets
+/// wraps a helper of the current revision, and wraps the host's frames before it passes them on.
+/// For the host nothing changes.
 ///
 /// The revision differs from the current one in how a host reaches a frame's memory: `GetBytes` is
 /// an operation of the frame itself, the bytes are valid as long as the frame, and there is no
-/// buffer interface and no access to open. All else is as in KestrixPreviewAPI.h: the rules of
+/// buffer interface and no access to open. All else is as in KestrixPreviewAPI.h: the rules for
 /// ownership, status codes, table order and threads, the statuses, the codes, `IUnknown`, and what
 /// each operation does.
 ///
@@ -33,12 +33,13 @@ static const REFIID IID_IKestrixGLScreenPreviewHelper_v14_2_1 = {{
 
 // --- The probe -----------------------------------------------------------------------------------
 
-/// Before the library wraps an old frame, it asks whether the object is a current frame too: it
+/// Before the library wraps an old frame, it tests whether the object is a current frame too: it
 /// queries for `IUnknown` with an out-argument that points to this value.
 static const std::uintptr_t ProbeSentinel = 0xBEEF;
 
-/// The status that a current frame which knows the probe returns. It leaves the value unchanged and
-/// gives no reference. The library then queries it for `IKestrixVideoFrame` and uses that.
+/// The status that a current frame returns if it knows the probe. The frame leaves the value
+/// unchanged and adds no reference. The library then queries it for `IKestrixVideoFrame`, and uses
+/// the result.
 static const HRESULT ProbeReply = 0x0FEE1BAD;
 
 // --- Interfaces ----------------------------------------------------------------------------------
@@ -101,13 +102,13 @@ protected:
 };
 
 /// Paints frames into the current OpenGL context. The rules of `IKestrixGLScreenPreviewHelper`
-/// apply. The library's helper also answers a query for that interface.
+/// apply. A query for that interface on the library's helper succeeds too.
 class IKestrixGLScreenPreviewHelper_v14_2_1 : public IUnknown {
 public:
     virtual HRESULT InitializeGL() = 0;
     virtual HRESULT PaintGL() = 0;
-    /// Sets the frame that the next paint shows; null shows black. If there is no memory to wrap
-    /// the frame, it counts as null.
+    /// Sets the frame that the next paint shows; null shows black. If allocation of the wrapper
+    /// fails, the frame counts as null.
     virtual HRESULT SetFrame(IKestrixVideoFrame_v14_2_1* frame) = 0;
     virtual HRESULT Set3DPreviewFormat(std::uint32_t format) = 0;
 

@@ -1,4 +1,4 @@
-/// Access to a frame's bytes that closes itself.
+/// Access to a frame's bytes that is closed automatically.
 #pragma once
 
 #include "api/KestrixPreviewAPI.h"
@@ -7,13 +7,13 @@
 #include <memory>
 
 /// Opens an access to `buffer` and returns its bytes. The pointer keeps a reference to the buffer.
-/// The end of its last copy closes the access and gives the reference back. `flags` is a
+/// The destruction of its last copy closes the access and releases the reference. `flags` is a
 /// `KestrixBufferAccessFlags`.
 ///
 /// Empty if the buffer is null, or refuses the access or its bytes. If allocation fails, closes the
 /// access and throws `std::bad_alloc`.
 std::shared_ptr<void> ScopedBufferBytes(IKestrixVideoBuffer* buffer, std::uint32_t flags);
 
-/// Opens `frame` for reading. Empty if the frame has no buffer, the buffer gives no bytes, or
-/// allocation fails: to a preview all three mean that there is nothing new to show.
+/// Opens `frame` for reading. Empty if the frame has no buffer, the buffer returns no bytes, or
+/// allocation fails: for a preview all three mean that there is nothing new to show.
 std::shared_ptr<void> ReadableFrameBytes(IKestrixVideoFrame* frame) noexcept;

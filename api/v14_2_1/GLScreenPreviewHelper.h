@@ -7,8 +7,8 @@
 
 #include <cstdint>
 
-/// Wraps a current helper, and wraps the frames that it passes to it. Counts its own references. It
-/// answers queries for its own id, and passes all others to the current helper.
+/// Wraps a current helper, and wraps the frames that it passes to that helper. Counts its own
+/// references. Handles queries for its own id, and passes all others to the current helper.
 ///
 /// The rules for threads and the GL context are those of the current helper.
 class CKestrixGLScreenPreviewHelper_v14_2_1 final

@@ -5,7 +5,7 @@
 
 /// Whether the out-argument of a query is the value of the probe itself, which some callers pass.
 /// It is no address, so nothing may be stored there. `CKestrixVideoFrame_From_v14_2_1` passes the
-/// address of such a value instead: adapters do not answer that, and pass it on to their frame.
+/// address of such a value instead: adapters pass that query on to their frame.
 inline bool IsProbe(void** out)
 {
     return reinterpret_cast<std::uintptr_t>(out) == ProbeSentinel;

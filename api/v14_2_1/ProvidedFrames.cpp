@@ -1,4 +1,4 @@
-/// Attaches each adapter to its frame, and answers its queries.
+/// Attaches each adapter to its frame, and handles its queries.
 #include "api/v14_2_1/ProvidedFrames.h"
 
 #include "api/v14_2_1/VideoFrame3DExtensions.h"

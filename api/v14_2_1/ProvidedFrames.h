@@ -1,16 +1,16 @@
-/// The adapters that show a current frame as an old one. `create` attaches an adapter to the frame,
-/// and after that a query on the frame finds it.
+/// The adapters that present a current frame as an old one. `create` attaches an adapter to the
+/// frame, and after that a query on the frame returns the adapter.
 ///
 /// `create` may be called on any thread. The first call for a frame attaches the adapter, and later
-/// calls find it. No pointer may be null. After a success `out` holds a reference to the frame;
-/// after a failure it is null.
+/// calls find it. No pointer may be null. After a success `out` has a reference to the frame; after
+/// a failure it is null.
 #pragma once
 
 #include "api/v14_2_1/ProvidedInterface.h"
 
 #include <cstdint>
 
-/// A frame, whose `IKestrixMutableVideoFrame` takes the registration.
+/// A frame; the adapter is registered with its `IKestrixMutableVideoFrame`.
 class CKestrixVideoFrame_v14_2_1 final
     : public CProvidedInterfaceBase<IKestrixVideoFrame, IKestrixVideoFrame_v14_2_1,
                                     CKestrixVideoFrame_v14_2_1> {
@@ -54,9 +54,9 @@ public:
     HRESULT SetTimecodeUserBits(std::uint32_t format, std::uint32_t userBits) override;
 };
 
-/// A captured frame, whose `IKestrixFrameProviderRegistry` takes the registrations. The adapter is
-/// also attached as a plain old frame and for the old 3D extensions, and replaces earlier adapters
-/// as above. Each query makes new extensions.
+/// A captured frame; the adapter is registered with its `IKestrixFrameProviderRegistry`. The
+/// adapter is also attached as a plain old frame and for the old 3D extensions, and replaces
+/// earlier adapters as above. Each query makes new extensions.
 ///
 /// If a frame has the registry but is no `IKestrixVideoInputFrame`, its adapter has no frame: it
 /// counts no references, and its operations fail.

@@ -17,8 +17,9 @@
 /// and `Old` are a frame interface and its old form; `Adapter` is the adapter itself.
 ///
 /// A `Provider` that is registered with the frame owns the adapter. A query on the frame for the
-/// old interface finds it. An adapter has no count of its own: its references are references to the
-/// frame. It is destroyed when its registration ends, at the latest with the frame.
+/// old interface returns the adapter. An adapter has no count of its own: its references are
+/// references to the frame. It is destroyed when its registration ends, at the latest with the
+/// frame.
 ///
 /// The constructor opens the frame's memory for reading and writing. The access is never closed,
 /// because the bytes of an old frame can be used at any time.
@@ -76,7 +77,7 @@ protected:
     }
     ~CProvidedInterfaceBase() override = default;
 
-    /// Answers queries for `ownID` and for the old frame, and passes all others to the current
+    /// Handles queries for `ownID` and for the old frame, and passes all others to the current
     /// frame. `out` is passed unchanged, because it may point to a probe that the frame knows.
     HRESULT answerOrForward(REFIID ownID, REFIID id, void** out)
     {
@@ -148,7 +149,7 @@ private:
     explicit Provider(Current* frame) : m_frame(frame) {}
     ~Provider() override { delete m_adapter.load(); }
 
-    /// If several threads make an adapter at the same time, one of the adapters stays.
+    /// If several threads make an adapter at the same time, one of these adapters is kept.
     Adapter* adapterOfFrame()
     {
         if (Adapter* const made = m_adapter.load())

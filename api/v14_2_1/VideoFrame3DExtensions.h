@@ -1,6 +1,6 @@
 /// Adapters for the stereoscopic extensions of a frame, in both directions.
 ///
-/// Both count their own references. They answer queries for their own id, and pass all others to
+/// Both count their own references. They handle queries for their own id, and pass all others to
 /// the extensions that they wrap.
 #pragma once
 

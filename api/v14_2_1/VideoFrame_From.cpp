@@ -1,4 +1,4 @@
-/// Decides which old frames are wrapped, and answers the wrapper's queries.
+/// Decides which old frames are wrapped, and handles the wrapper's queries.
 #include "api/v14_2_1/VideoFrame_From.h"
 
 #include "api/QueryInterface.h"

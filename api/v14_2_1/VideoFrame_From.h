@@ -1,4 +1,4 @@
-/// Shows a frame of revision 14.2.1 as a current one.
+/// Presents a frame of revision 14.2.1 as a current one.
 #pragma once
 
 #include "api/InterfaceRef.h"
