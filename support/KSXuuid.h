@@ -9,8 +9,8 @@ struct KSXuuid {
     std::uint8_t bytes[16];
 };
 
-/// Makes an identifier that nobody else has: random if the system has good random numbers, and
-/// otherwise from the clock and the network address. May be called on any thread.
+/// Makes a unique identifier: random if the system has good random numbers, and otherwise from the
+/// clock and the network address. May be called on any thread.
 KSXuuid KSXuuid_Generate();
 
 /// The bytes in order as 32 upper-case hexadecimal digits, without hyphens. Throws

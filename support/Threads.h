@@ -14,5 +14,5 @@ bool pthread_current_thread_equals(pthread_t thread, pthread_t);
 /// when it ends, and no thread can join it any more.
 int pthread_join_nodeadlock_implementation(pthread_t thread, void** result);
 
-/// Initialises `mutex` as a recursive one: a thread can lock it again while it holds it.
+/// Initialises `mutex` as a recursive one: the thread that has locked it can lock it again.
 int ksx_recursive_pthread_mutex_init(pthread_mutex_t* mutex);
