@@ -31,8 +31,8 @@ std::mutex s_procsMutex;
 
 } // namespace
 
-// The entry points are of use together only. If one is missing, the first is forgotten, and the
-// next call looks again. After a call that returned true nothing writes them any more.
+// The entry points are only useful together. If one is missing, the first is set to null, and the
+// next call looks them up again. After a call that returned true, nothing writes to them any more.
 bool wglInitGLExtProcs()
 {
     const std::lock_guard lock(s_procsMutex);
@@ -72,7 +72,7 @@ bool FrameTextureBuffer::ReAllocTexture(unsigned width, unsigned height)
     void* memory = nullptr;
     if (posix_memalign(&memory, kAlignment, needed) != 0)
         return false;
-    // The slot may be shown before a picture was drawn into all of it.
+    // The slot may be shown before pictures have covered all of it.
     std::memset(memory, 0, needed);
     bytes = memory;
     size = static_cast<std::uint32_t>(needed);
@@ -138,7 +138,7 @@ void FrameTextureBuffer::upload(bool throughPixelBuffer)
 bool FrameTextureBuffer::uploadThroughPixelBuffer(bool makeStorage) const
 {
     s_glBindBuffer(GL_PIXEL_UNPACK_BUFFER, pixelBuffer);
-    // New storage each time, so that the driver need not wait for an upload that is under way.
+    // New storage each time, so that the driver need not wait for an upload in progress.
     s_glBufferData(GL_PIXEL_UNPACK_BUFFER, size, nullptr, GL_STREAM_DRAW);
     void* const mapped = s_glMapBuffer(GL_PIXEL_UNPACK_BUFFER, GL_WRITE_ONLY);
     if (mapped) {

@@ -8,14 +8,14 @@
 /// A slot for one picture in 8-bit RGBA: its memory, its texture, and the pixel buffer between the
 /// two.
 ///
-/// Owns nothing by itself: the helper decides when a slot's memory and GL objects go, because it
-/// knows whether their context is current. All operations but `ReAllocTexture` and `setSizes` are
-/// GL calls. No GL error is read.
+/// Owns nothing by itself: the helper decides when a slot's memory and GL objects are deleted,
+/// because it knows whether their context is current. All operations except `ReAllocTexture` and
+/// `setSizes` are GL calls. No GL error is read.
 struct FrameTextureBuffer {
     static constexpr unsigned kBytesPerPixel = 4;
 
     /// Grows the memory to `width` by `height` pixels if it is smaller. New memory is black. False
-    /// if there is no memory; the slot has none then.
+    /// if allocation fails; the slot then has no memory.
     bool ReAllocTexture(unsigned width, unsigned height);
 
     /// Notes that the memory has a new picture, its size, and the size of the texture for it.
@@ -27,8 +27,8 @@ struct FrameTextureBuffer {
     /// Deletes the pixel buffer, if there is one. The name stays in the slot.
     void deletePixelBuffer() const;
 
-    /// Brings the picture into the texture if it is newer than the texture. Leaves the texture
-    /// bound then, and `GL_PIXEL_UNPACK_BUFFER` 0.
+    /// Uploads the picture if it is newer than the texture. In this case it leaves the texture
+    /// bound, and `GL_PIXEL_UNPACK_BUFFER` 0.
     void upload(bool throughPixelBuffer);
 
     /// Draws the texture over the viewport, the picture's first line at the top. The current colour
@@ -50,7 +50,7 @@ struct FrameTextureBuffer {
     std::uint32_t textureHeight = 0;
     GLenum format = 0;
     GLenum type = 0;
-    /// The part of the texture that holds the picture.
+    /// The part of the texture that contains the picture.
     std::uint32_t frameWidth = 0;
     std::uint32_t frameHeight = 0;
     GLuint pixelBuffer = 0;
@@ -58,10 +58,10 @@ struct FrameTextureBuffer {
 private:
     /// Uploads to the bound texture. `pixels` is an offset if a pixel buffer is bound.
     void uploadPixels(bool makeStorage, const void* pixels) const;
-    /// False if the buffer cannot be mapped; nothing was uploaded then.
+    /// False if the buffer cannot be mapped; in this case nothing was uploaded.
     bool uploadThroughPixelBuffer(bool makeStorage) const;
 };
 
-/// Looks up the GL entry points that pixel buffers need, once a process. True if all are there. Any
+/// Looks up the GL entry points that pixel buffers need, once per process. True if all exist. Any
 /// thread.
 bool wglInitGLExtProcs();

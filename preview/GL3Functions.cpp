@@ -36,6 +36,6 @@ bool GL3Functions::load()
 bool GL3Functions::loaded() const
 {
     const std::lock_guard lock(s_mutex);
-    // The last one is there only if all the others are.
+    // If the last one was found, all the others were found too.
     return DeleteSync != nullptr;
 }

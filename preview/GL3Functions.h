@@ -4,7 +4,7 @@
 #include <GL/gl.h>
 #include <GL/glext.h>
 
-/// Every entry point of the helper, in the order of look-up: the name without `gl`, and the type.
+/// Every entry point of the helper, in the order of lookup: the name without `gl`, and the type.
 /// glext.h has no types for the entry points of GL 1.0 and 1.1.
 #define KESTRIX_GL3_FUNCTIONS(FUNCTION)                                                            \
     FUNCTION(GetError, decltype(&::glGetError))                                                    \
@@ -60,7 +60,7 @@ struct GL3Functions {
 #undef KESTRIX_GL3_MEMBER
 
     /// Looks up the entry points that are still null, in order. Stops at the first that the GL
-    /// library does not have. True if all are there. Any thread.
+    /// library does not have. True if all exist. Any thread.
     bool load();
 
     /// Whether a `load` has found all of them. Any thread.

@@ -8,11 +8,11 @@
 
 namespace {
 
-/// Fetches the log of a failed build, so that tools which trace GL calls show it; the library
-/// itself shows no text. `getInfoLog` is the entry point for a shader's or a program's log.
+/// Reads the log of a failed build, so that tools which trace GL calls show it; the library itself
+/// prints no text. `getInfoLog` is the entry point for a shader's or a program's log.
 void fetchLog(GLuint name, PFNGLGETSHADERINFOLOGPROC getInfoLog)
 {
-    // For a program this is an error to the GL, and the length stays 0.
+    // For a program this is a GL error, and the length stays 0.
     GLint length = 0;
     gl3.GetShaderiv(name, GL_INFO_LOG_LENGTH, &length);
     if (length <= 0)
@@ -75,7 +75,7 @@ void GL3Program::setAttribute(const char* name, GLint components, std::size_t st
     gl3.EnableVertexAttribArray(location);
     gl3.VertexAttribPointer(
         location, components, GL_FLOAT, GL_TRUE, static_cast<GLsizei>(stride),
-        reinterpret_cast<const void*>(offset)); // NOLINT(performance-no-int-to-ptr): GL takes it so
+        reinterpret_cast<const void*>(offset)); // NOLINT(performance-no-int-to-ptr): as GL expects
     gl3.EnableVertexAttribArray(location);
 }
 

@@ -9,11 +9,11 @@
 /// Builds the two shaders, and sets their inputs.
 ///
 /// GL thread, the context current, entry points looked up. Names are plain and not owned by
-/// handles, because the context that they belong to may be gone when this is destroyed.
+/// handles, because their context may no longer exist when this object is destroyed.
 class GL3Program {
 public:
-    /// Compiles and links, without regard to a program that exists. False if a shader does not
-    /// build: what was made until then stays until `cleanup`.
+    /// Compiles and links, and ignores an existing program. False if a shader does not build: the
+    /// objects made until then stay until `cleanup`.
     bool build();
 
     /// Deletes program and shaders. Allowed at any time, also before `build`.
@@ -24,16 +24,16 @@ public:
     void setAttribute(const char* name, GLint components, std::size_t stride,
                       std::size_t offset) const;
 
-    /// Gives the sampler `name` its texture unit. Leaves program 0 in use.
+    /// Sets the texture unit of the sampler `name`. Leaves program 0 in use.
     void setSampler(const char* name, GLint unit) const;
 
-    /// Looks up where the uniforms are that `setPicture` sets.
+    /// Looks up the locations of the uniforms that `setPicture` sets.
     void findUniforms();
 
     void use() const { gl3.UseProgram(m_program); }
 
-    /// Describes the picture to the shaders. The program is in use. `pixelFormat` is the frame's
-    /// code; width and height are in pixels of the texture's picture; `format3D` is a
+    /// Sets the uniforms that describe the picture. The program is in use. `pixelFormat` is the
+    /// frame's code; width and height are in pixels of the texture's picture; `format3D` is a
     /// `Preview3DFormat`.
     void setPicture(std::uint32_t pixelFormat, GLfloat width, GLfloat height, bool flip,
                     GLint format3D) const;

@@ -17,8 +17,7 @@ constexpr GLint kLutUnit = 1;
 
 constexpr auto kLutEdge = static_cast<GLsizei>(ScreenPreviewLut::kEdge);
 
-// With these limits the size of both eyes, side by side or one above the other, fits into a
-// GLsizei.
+// With these limits the size of both eyes, side by side or one above the other, fits in a GLsizei.
 constexpr std::int64_t kMaxHeight = std::numeric_limits<GLsizei>::max();
 constexpr std::int64_t kMaxRowBytes = std::int64_t{4} * (std::numeric_limits<GLsizei>::max() / 2);
 
@@ -58,7 +57,7 @@ GLenum texelType(std::uint32_t pixelFormat)
     return format ? format->texelType : GL_UNSIGNED_INT_8_8_8_8_REV;
 }
 
-/// How many eyes lie beside each other in the picture, and how many above each other.
+/// How many eyes are beside each other in the picture, and how many above each other.
 GLsizei eyesAcross(Preview3DFormat format)
 {
     return format == Preview3DFormat::SideBySide ? 2 : 1;
@@ -243,7 +242,7 @@ void CGL3ScreenPreview::Renderer::uploadEyes(const void* left, const void* right
         gl3.TexSubImage2D(GL_TEXTURE_2D, 0, x, y, texelsPerRow, rows, GL_BGRA, type, eye);
     };
 
-    // To the GL two lines of the frame are one row. It takes the first half of each, which is
+    // For GL, two lines of the frame are one row. It reads the first half of each row, which is
     // every second line.
     GLint unpackRowLength = 0;
     gl3.GetIntegerv(GL_UNPACK_ROW_LENGTH, &unpackRowLength);
@@ -252,7 +251,7 @@ void CGL3ScreenPreview::Renderer::uploadEyes(const void* left, const void* right
     if (makeStorage)
         gl3.TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, texelsPerRow * across, rows * down, 0, GL_BGRA,
                        type, nullptr);
-    // The right eye lies beside or below the left one. If it is alone, it lies at 0, 0.
+    // The right eye is beside or below the left one. If it is alone, it is at 0, 0.
     if (m_3DFormat != Preview3DFormat::RightOnly)
         upload(left, 0, 0);
     if (m_3DFormat != Preview3DFormat::LeftOnly)

@@ -9,13 +9,12 @@
 /// Paints the newest frame as one quad over the viewport.
 ///
 /// GL thread, the context current, entry points looked up. No GL error is read. Names are plain and
-/// not owned by handles, because the context that they belong to may be gone when this is
-/// destroyed. The owner calls `cleanup` before that.
+/// not owned by handles, because their context may no longer exist when this object is destroyed.
+/// The owner calls `cleanup` before that.
 class CGL3ScreenPreview::Renderer {
 public:
-    /// Makes all objects in the current context, without regard to objects that exist. `E_FAIL` if
-    /// a shader does not build: what was made until then stays until `cleanup`, and `hasObjects` is
-    /// true.
+    /// Makes all objects in the current context, and ignores existing objects. `E_FAIL` if a shader
+    /// does not build: the objects made until then stay until `cleanup`, and `hasObjects` is true.
     ///
     /// Clears the colour buffer. Leaves the vertex array bound, unit 0 active, all else unbound.
     HRESULT init();
@@ -25,15 +24,15 @@ public:
     /// makes new storage. Allowed at any time, also before `init`.
     void cleanup();
 
-    /// Clears the colour buffer to transparent black; that stays the clear colour.
+    /// Clears the colour buffer to transparent black, and leaves this clear colour set.
     static void clear();
 
-    /// Uploads a frame: every second line, as 32-bit texels. `format` says how the two eyes of a
-    /// pair are shown; it has no effect on a frame without a right eye. A right eye counts only if
+    /// Uploads a frame: every second line, as 32-bit texels. `format` sets how the two eyes of a
+    /// pair are shown; it has no effect on a frame without a right eye. A right eye is used only if
     /// its height and row bytes are those of the left eye.
     ///
     /// `fence` receives a sync object that is signalled after the frame's bytes have been read. If
-    /// the frame gives no bytes, or no texture can have its size, `fence` and the picture stay as
+    /// the frame returns no bytes, or no texture can have its size, `fence` and the picture stay as
     /// they are. Restores `GL_UNPACK_ROW_LENGTH`; leaves no texture bound, and unit 0 active.
     void update(IKestrixVideoFrame* frame, Preview3DFormat format, GLsync& fence);
 
@@ -48,8 +47,8 @@ private:
 
     /// Stores size and format; true if one of them is new.
     bool adoptProperties(IKestrixVideoFrame* frame, std::int64_t height, std::int64_t rowBytes);
-    /// Uploads the table for the frame's properties and colourspace code, unless the texture has
-    /// it.
+    /// Uploads the table for the frame's properties and colourspace code, unless the texture
+    /// contains it.
     void selectLut(std::uint32_t colourspaceCode);
     /// Fills the bound frame texture as `m_3DFormat` says; `right` is null only if that is
     /// `LeftOnly`. Makes the storage first if `makeStorage` is true.
@@ -72,7 +71,7 @@ private:
     std::int64_t m_rowBytes = 0;
     /// The table that is in the texture.
     LutID m_lutID = LutID_YCbCr_709;
-    /// The one of the last upload.
+    /// The 3D format of the last upload.
     Preview3DFormat m_3DFormat = Preview3DFormat::TopBottom;
     /// The last frame was stored bottom line first.
     bool m_flip = false;

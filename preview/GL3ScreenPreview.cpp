@@ -1,4 +1,4 @@
-/// The OpenGL 3 helper as the host sees it: decides what to paint, and when.
+/// The interface of the OpenGL 3 helper: decides what to paint, and when.
 #include "preview/GL3ScreenPreview.h"
 
 #include "api/QueryInterface.h"
@@ -33,7 +33,7 @@ CGL3ScreenPreview::CGL3ScreenPreview() : m_renderer(std::make_unique<Renderer>()
 CGL3ScreenPreview::~CGL3ScreenPreview()
 {
     const std::lock_guard lock(m_mutex);
-    // Without the entry points no helper has made a GL object.
+    // If the entry points are missing, no helper has made a GL object.
     if (gl3.loaded())
         m_renderer->cleanup();
 }

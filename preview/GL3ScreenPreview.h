@@ -17,11 +17,12 @@ enum class Preview3DFormat : std::int32_t {
     TopBottom = 3,
 };
 
-/// Uploads the bytes of a frame as they are, in every format. The shaders unpack and colour them.
+/// Uploads the bytes of a frame as they are, in every format. The shaders unpack them and convert
+/// their colours.
 ///
-/// `SetFrame` and `Set3DPreviewFormat` may come from any thread. They only note under the mutex
-/// what to do next. The `Renderer`, which belongs to the GL thread, does all GL work. `PaintGL`
-/// makes its GL calls without the mutex, so `SetFrame` never waits for the GPU.
+/// `SetFrame` and `Set3DPreviewFormat` may be called on any thread. Under the mutex, they only
+/// store what to do next. The `Renderer`, which belongs to the GL thread, does all GL work.
+/// `PaintGL` makes its GL calls without the mutex, so `SetFrame` never waits for the GPU.
 ///
 /// The interface documents what each operation returns, and the GL state that it leaves.
 class CGL3ScreenPreview final : public ReferenceCounted<IKestrixGLScreenPreviewHelper> {

@@ -1,4 +1,4 @@
-/// Look-up of a GL entry point by name. Includes the X11 headers, so include it in source files
+/// Lookup of a GL entry point by name. Includes the X11 headers, so include it in source files
 /// only.
 #pragma once
 

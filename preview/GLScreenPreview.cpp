@@ -16,7 +16,7 @@ using namespace KSX::PixelConversion;
 
 namespace {
 
-/// Rounds up to a power of two; 0 if that takes a 33rd bit.
+/// Rounds up to a power of two; 0 if that needs a 33rd bit.
 unsigned ceil_pow2(unsigned n)
 {
     return static_cast<unsigned>(std::bit_ceil(std::uint64_t{n}));
@@ -46,8 +46,8 @@ void drawBlack()
 
 } // namespace
 
-/// A frame's sizes and how its lines lie in memory. The frame is asked only once, because its next
-/// answer may differ.
+/// A frame's sizes and the layout of its lines. They are read only once, because the frame may
+/// return other values the next time.
 struct CGLScreenPreview::FrameLines {
     explicit FrameLines(IKestrixVideoFrame* frame)
         : width(frame->GetWidth()),
@@ -56,8 +56,8 @@ struct CGLScreenPreview::FrameLines {
     {
     }
 
-    /// Whether the engine can read every `lineStep`th line as `format`: the sizes fit into its 32
-    /// bits, and a line of the frame's memory holds the pixels.
+    /// Whether the engine can read every `lineStep`th line as `format`: the sizes fit in its 32
+    /// bits, and the pixels fit in a line of the frame's memory.
     [[nodiscard]] bool holds(PixelFormat format, int lineStep) const
     {
         constexpr std::int64_t kMax = std::numeric_limits<std::int32_t>::max();
@@ -65,7 +65,7 @@ struct CGLScreenPreview::FrameLines {
         if (!info || width < 0 || width > kMax || height < 0 || height > kMax || rowBytes < -kMax ||
             rowBytes > kMax)
             return false;
-        // A picture of no pixels is not converted, so a least width of 1 refuses nothing.
+        // A picture without pixels is not converted, so a least width of 1 refuses no frame.
         const unsigned least = leastWidthToRGB(format);
         if (least > 1 && width < least)
             return false;
@@ -79,8 +79,8 @@ struct CGLScreenPreview::FrameLines {
     std::int64_t rowBytes;
 };
 
-/// What is drawn of a frame, and where. It is worked out before a slot is changed. The numbers are
-/// valid only if `lines` holds the frame's format.
+/// The plan of a picture: what is drawn of a frame, and where. It is computed before a slot is
+/// changed. The numbers are valid only if `lines` can be read in the frame's format.
 struct CGLScreenPreview::PicturePlan {
     /// `rightEye` is null for a frame without one. `nonPowerOfTwo`: textures may have any size.
     PicturePlan(IKestrixVideoFrame* frame, IKestrixVideoFrame* rightEye, std::uint32_t format3D,
@@ -146,7 +146,7 @@ CGLScreenPreview::CGLScreenPreview()
 CGLScreenPreview::~CGLScreenPreview()
 {
     for (const FrameTextureBuffer& slot : m_slots) {
-        // Deletes the buffers of both slots each time. The GL ignores names that are deleted.
+        // Deletes the buffers of both slots each time. GL ignores names that are deleted.
         deletePixelBuffers();
         std::free(slot.bytes);
     }
@@ -215,7 +215,7 @@ HRESULT CGLScreenPreview::SetFrame(IKestrixVideoFrame* frame)
     }
 
     const PicturePlan plan(frame, right.get(), m_3DFormat, m_nonPowerOfTwo);
-    // A slot's rows hold pixels only, with no room for the padding that a frame's rows may have.
+    // A slot's rows contain only pixels, with no room for the padding that a frame's rows may have.
     if (!setup(frame, PixelFormat_RGBA, plan.eyeRowBytes()) ||
         !plan.lines.holds(previewFormat(), plan.lineStep))
         return E_INVALIDARG;

@@ -9,17 +9,17 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Converts each frame to 8-bit RGBA in `SetFrame`, on the thread that calls it and at half the
-/// lines or less, and draws it as a textured quad.
+/// Converts each frame to 8-bit RGBA in `SetFrame`, on the calling thread and with half of the
+/// lines or fewer, and draws it as a textured quad.
 ///
-/// Two slots take turns: one is ready to be painted, and the other is free to be filled. There is
-/// no lock: the host must not let two calls run at the same time. `InitializeGL`, `PaintGL` and the
-/// last `Release` are GL calls. A context of a core profile has no `GL_EXTENSIONS` string: the
-/// helper treats it as a context without extensions, and shows nothing in it.
+/// There are two slots: one is ready to be painted, and the other is free to be filled. There is no
+/// lock: the host must not make two calls at the same time. `InitializeGL`, `PaintGL` and the last
+/// `Release` are GL calls. A context of a core profile has no `GL_EXTENSIONS` string: the helper
+/// treats it as a context without extensions, and shows nothing in it.
 ///
-/// A frame's sizes and row bytes come from the host and may be wrong. The helper asks for them once
+/// A frame's sizes and row bytes come from the host and may be wrong. The helper reads them once
 /// for each use, and compares them with its plan. It refuses a frame that contradicts itself, and
-/// leaves out an eye that does not fit.
+/// leaves out an eye that does not fit the plan.
 ///
 /// The interface documents what each operation returns, and the GL state that it leaves.
 class CGLScreenPreview final : public ReferenceCounted<IKestrixGLScreenPreviewHelper>,
@@ -42,11 +42,11 @@ private:
     /// current. Textures stay until their context is destroyed.
     ~CGLScreenPreview() override;
 
-    /// Draws the eyes of the plan at `destination`. A second eye that is not of the first one's
-    /// format and colourspace is left out.
+    /// Draws the eyes of the plan at `destination`. A second eye with another format or colourspace
+    /// than the first is left out.
     void DrawFrameToTexture(const PicturePlan& plan, std::byte* destination) const;
 
-    /// Draws one eye. Draws nothing if the frame gives no bytes, or if its sizes are not those of
+    /// Draws one eye. Draws nothing if the frame returns no bytes, or if its sizes are not those of
     /// the plan.
     void drawEye(const PicturePlan& plan, IKestrixVideoFrame* frame, const FrameLines& lines,
                  std::byte* destination) const;
@@ -56,12 +56,12 @@ private:
 
     void deletePixelBuffers() const;
 
-    /// The driver takes textures of any size.
+    /// The driver accepts textures of any size.
     bool m_nonPowerOfTwo = false;
     /// The driver has pixel buffers.
     bool m_pixelBuffers = false;
     FrameTextureBuffer m_slots[2];
-    /// Holds the picture on show. Null shows black.
+    /// Contains the picture that is shown. Null shows black.
     FrameTextureBuffer* m_ready = nullptr;
     FrameTextureBuffer* m_free = m_slots;
     /// The code that the host set. A code that is not in `Kestrix3DPreviewFormat` counts as the

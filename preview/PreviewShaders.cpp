@@ -1,8 +1,8 @@
 /// GLSL sources of the OpenGL 3 helper, GLSL 1.50.
 ///
-/// A texel is one 32-bit word of the frame, its bytes in the channels as the upload's texel type
-/// puts them: bytes 0, 1, 2, 3 in b, g, r, a, or in a, r, g, b. The formulas below are written for
-/// the channels, so one formula can serve both byte orders of a format.
+/// A texel is one 32-bit word of the frame. The texel type of the upload decides the channels of
+/// its bytes: bytes 0, 1, 2, 3 are in b, g, r, a, or in a, r, g, b. The formulas below are written
+/// for the channels, so one formula can serve both byte orders of a format.
 #include "preview/PreviewShaders.h"
 
 const char kVertexShader[] = R"glsl(#version 150

@@ -5,6 +5,6 @@
 /// vTexCoord, uniforms v3DFormat and vFlip.
 extern const char kVertexShader[];
 
-/// Unpacks the frame's texels as the pixel format says, looks their colours up in the table and
+/// Unpacks the frame's texels by the pixel format, looks their colours up in the table and
 /// interpolates. Uniforms fPixelFormat, fFrameSize, fTex and fLut.
 extern const char kFragmentShader[];

@@ -1,4 +1,4 @@
-/// Picks and runs the conversion of a frame for the fixed-function preview.
+/// Chooses and runs the conversion of a frame for the fixed-function preview.
 #include "preview/ScreenPreviewBase.h"
 
 #include "api/InterfaceRef.h"

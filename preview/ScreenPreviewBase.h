@@ -1,4 +1,4 @@
-/// The CPU's half of the fixed-function preview: finds the conversion that a frame needs, and runs
+/// The CPU part of the fixed-function preview: finds the conversion that a frame needs, and runs
 /// it.
 #pragma once
 
@@ -8,23 +8,22 @@
 #include <cstdint>
 #include <limits>
 
-/// Turns a frame into a picture of the texture's pixel format in Rec. 709. `setup` looks at the
-/// frame and chooses the way. Each `render` after it makes one picture in that way, such as one for
-/// each eye.
+/// Converts a frame to a picture in the texture's pixel format in Rec. 709. `setup` examines the
+/// frame and chooses the conversion. Each `render` after it makes one picture with this conversion,
+/// such as one for each eye.
 ///
-/// Touches no GL, allocates nothing and takes no lock: the calls for one frame belong together on
-/// one thread.
+/// Uses no GL, allocates nothing and has no lock: make the calls for one frame on one thread.
 class ScreenPreviewBase {
 public:
     virtual ~ScreenPreviewBase() = default;
 
-    /// The colourspace of `frame`, which is not null, as its metadata say; `ColorspaceUnspecified`
-    /// for a code that is not in `KestrixColorspaceCode`. If the frame has no metadata, or they
-    /// have no colourspace, a width of 720 pixels means Rec. 601 and any other width Rec. 709.
+    /// The colourspace of `frame`, which is not null, by its metadata; `ColorspaceUnspecified` for
+    /// a code that is not in `KestrixColorspaceCode`. If the metadata are missing or state no
+    /// colourspace, a width of 720 pixels means Rec. 601 and any other width Rec. 709.
     static KSX::PixelConversion::Colorspace frameColourspace(IKestrixVideoFrame* frame);
 
-    /// Chooses the way from `frame` to a Rec. 709 picture of `destinationFormat`. A frame that is
-    /// such a picture already is only copied, at most `mostCopiedRowBytes` bytes a row.
+    /// Chooses the conversion of `frame` to a Rec. 709 picture of `destinationFormat`. A frame that
+    /// already is such a picture is only copied, at most `mostCopiedRowBytes` bytes per row.
     ///
     /// False for a null frame, for one in an unspecified colourspace, and for one without a
     /// conversion.
@@ -40,22 +39,22 @@ public:
     /// The pixel format that the frame of the last `setup` returned then.
     [[nodiscard]] KSX::PixelConversion::PixelFormat previewFormat() const { return m_format; }
 
-    /// The conversion that the last `setup` chose, null for a plain copy. Of use only if that
+    /// The conversion that the last `setup` chose, null for a plain copy. Valid only if that
     /// `setup` returned true.
     [[nodiscard]] KSX::PixelConversion::ConversionFunction previewConversion() const
     {
         return m_conversion;
     }
 
-    /// Whether `render` holds the frame's samples within studio range before it converts them: true
-    /// for captured 8-bit RGB.
+    /// Whether `render` clips the frame's samples to studio range before it converts them: true for
+    /// captured 8-bit RGB.
     [[nodiscard]] bool clampsToStudioRange() const { return m_studioRangeRGB; }
 
-    /// Makes the picture, `width` pixels by `height` rows, as `setup` chose. Row sizes are in bytes
-    /// and act as negative strides above 2147483647.
+    /// Makes the picture, `width` pixels by `height` rows, as `setup` chose. Row sizes are in
+    /// bytes; values above 2147483647 are negative strides.
     ///
-    /// A plain copy moves as many bytes a row as the frame has from one row to the next, padding
-    /// included, up to the limit that `setup` was given: the destination must have room for them.
+    /// A plain copy copies all bytes of a row of the frame, including padding, up to the limit that
+    /// was passed to `setup`: the destination must have room for them.
     void render(unsigned width, unsigned height, void* destination, unsigned destinationRowBytes,
                 void* source, unsigned sourceRowBytes) const;
 

@@ -1,4 +1,4 @@
-/// Makes, keeps and chooses the colour tables.
+/// Makes, stores and chooses the colour tables.
 #include "preview/ScreenPreviewLut.h"
 
 #include "api/KestrixPreviewAPI.h"
@@ -33,7 +33,7 @@ LutInput inputOf(unsigned pixelFormat)
     return format ? format->input : LutInput::FullRGB;
 }
 
-/// Which of the four tables for an input it is.
+/// The index of the table among the four for an input.
 unsigned standardOf(unsigned width, unsigned height, unsigned colourspaceCode)
 {
     const bool is625Line = width == 720 && height == 576;

@@ -5,7 +5,7 @@
 #include <memory>
 #include <mutex>
 
-/// The tables, by the components that go in and their colours.
+/// The tables, by input components and colourspace.
 enum LutID : std::uint32_t {
     LutID_YCbCr_601_525 = 0,   ///< Y Cb Cr, ITU-R BT.601-7, 525 lines
     LutID_YCbCr_601_625 = 1,   ///< Y Cb Cr, ITU-R BT.601-7, 625 lines
@@ -24,15 +24,15 @@ enum LutID : std::uint32_t {
     LutID_BlueOnly = 14,
 };
 
-/// What goes into a table: the components of a pixel and their range. The value is the first of
-/// the four tables for it, which follow each other as above: 601 525-line, 601 625-line, 709, 2020.
+/// The input of a table: the components of a pixel and their range. The value is the first of the
+/// four tables for this input, in the order above: 601 525-line, 601 625-line, 709, 2020.
 enum class LutInput : std::uint32_t {
     YCbCr = LutID_YCbCr_601_525,
     FullRGB = LutID_FullRGB_601_525,
     StudioRGB = LutID_StudioRGB_601_525,
 };
 
-/// In words, for pages and messages.
+/// Its name, for pages and messages.
 constexpr const char* nameOf(LutInput input)
 {
     switch (input) {
@@ -45,7 +45,7 @@ constexpr const char* nameOf(LutInput input)
     }
 }
 
-/// How a table lies in memory.
+/// The layout of a table in memory.
 enum LutFormat : std::uint32_t {
     LutFormat_RGBA32F = 0, ///< four floats an entry: R, G, B, A
 };
@@ -53,9 +53,9 @@ enum LutFormat : std::uint32_t {
 /// The process's store of colour tables. A table maps a pixel that the shader has unpacked, Y Cb Cr
 /// or R G B from 0 to 1, to the full-range Rec. 709 R G B that is shown.
 ///
-/// A table is a cube of `kEdge` points a side; entry (x, y, z), x for Y or R, y for Cb or G and z
-/// for Cr or B, lies at index x + y * kEdge + z * kEdge * kEdge, which is the order of a 3D
-/// texture. Tables are made once, have 574,992 bytes each and stay until the library is unloaded.
+/// A table is a cube of `kEdge` points per side; entry (x, y, z), x for Y or R, y for Cb or G and z
+/// for Cr or B, is at index x + y * kEdge + z * kEdge * kEdge, which is the order of a 3D texture.
+/// Tables are made once, have 574,992 bytes each and stay until the library is unloaded.
 class ScreenPreviewLut {
 public:
     static constexpr unsigned kEdge = 33;
@@ -64,15 +64,15 @@ public:
     static constexpr unsigned kTables = 15;
     static constexpr unsigned kFormats = 1;
 
-    /// Makes all missing tables of a format. A table stays missing if allocation fails. Any thread:
-    /// a second call waits for the first.
+    /// Makes all missing tables of a format. If allocation fails, the table stays missing. Any
+    /// thread: a second call waits for the first.
     static void Generate(LutFormat format);
 
     /// A new table; null if the id does not exist or allocation fails. There is one format, so
     /// `format` has no effect.
     static std::unique_ptr<float[]> Create(LutID id, LutFormat format);
 
-    /// The table, null if there is none of that id and format. Takes no lock: a call of `Generate`
+    /// The table, null if there is none of that id and format. Uses no lock: a call of `Generate`
     /// must have returned before, on this thread or on one that this thread has synchronised with.
     static const float* Get(LutID id, LutFormat format);
 

@@ -1,4 +1,4 @@
-/// What the colour tables hold. R, G and B of an entry are a pixel of the float layouts, at a
+/// The contents of the colour tables. R, G and B of an entry are a pixel of the float layouts, at a
 /// working depth of 10 bits; A stays 1.
 #include "preview/ScreenPreviewLutFill.h"
 
@@ -22,7 +22,7 @@ using ToRec709 = COLOURSPACE_CONV_RGBv4<Rec709OETF<10u, V1>, MATRIX, Rec709OETF<
 
 using StudioToFull = RGBv4_RESCALE<10, false, 10, true, P1>;
 
-/// Runs stages over every entry. To them the table is a picture of one pixel a row.
+/// Runs stages over every entry. For the stages, the table is a picture with one pixel per row.
 template<class... STAGES>
 void convert(float* table)
 {

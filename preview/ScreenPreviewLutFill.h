@@ -1,4 +1,4 @@
-/// What the colour tables hold.
+/// The contents of the colour tables.
 #pragma once
 
 #include "preview/ScreenPreviewLut.h"

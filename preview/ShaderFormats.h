@@ -10,10 +10,10 @@
 
 /// A format of the shader's switch.
 struct ShaderFormat {
-    /// As a frame gives it: a FourCC, or 32.
+    /// The code that a frame returns: a FourCC, or 32.
     std::uint32_t code;
-    /// How a word of the frame becomes a texel, always as `GL_BGRA`. Bytes 0, 1, 2, 3 come into b,
-    /// g, r, a by `GL_UNSIGNED_INT_8_8_8_8_REV`, and into a, r, g, b by `GL_UNSIGNED_INT_8_8_8_8`.
+    /// How a word of the frame becomes a texel, always as `GL_BGRA`. Bytes 0, 1, 2, 3 become b, g,
+    /// r, a with `GL_UNSIGNED_INT_8_8_8_8_REV`, and a, r, g, b with `GL_UNSIGNED_INT_8_8_8_8`.
     GLenum texelType;
     /// What the shader unpacks.
     LutInput input;
@@ -44,8 +44,7 @@ inline constexpr ShaderFormat kShaderFormats[] = {
 };
 // clang-format on
 
-/// The row of `code` in the list, or null if the shader does not know the format: it shows black
-/// then.
+/// The row of `code` in the list, or null if the shader does not know the format and shows black.
 constexpr const ShaderFormat* findShaderFormat(std::uint32_t code)
 {
     for (const ShaderFormat& format : kShaderFormats)
