@@ -8,8 +8,8 @@
 
 namespace kestrix::host {
 
-/// So many zeroed bytes follow the last line, because conversions that rebuild chroma read the
-/// pixels to the right of a line.
+/// The number of zeroed bytes after the last line, because conversions that interpolate chroma read
+/// the pixels to the right of a line.
 inline constexpr std::size_t kReadableBehind = 64;
 
 struct FreeFrameBytes {

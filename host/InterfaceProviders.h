@@ -9,15 +9,15 @@
 
 namespace kestrix::host {
 
-/// The providers that are registered with a frame. Any thread. No provider is called under the
-/// lock.
+/// The providers that are registered with a frame. Any thread. No provider is called while the lock
+/// is held.
 class InterfaceProviders {
 public:
-    /// Lets `provider` answer queries for `id` from now on, and holds a reference to it. It
-    /// replaces an earlier provider; null removes that. `E_OUTOFMEMORY` if allocation fails.
+    /// Passes queries for `id` to `provider` from now on, and adds a reference to it. It replaces
+    /// an earlier provider; null removes the earlier one. `E_OUTOFMEMORY` if allocation fails.
     HRESULT add(REFIID id, IUnknown* provider);
 
-    /// Lets the provider for `id` answer the query. If there is none, stores null and returns
+    /// Passes the query to the provider for `id`. If there is none, stores null and returns
     /// `E_NOINTERFACE`.
     HRESULT query(REFIID id, void** out) const;
 

@@ -15,7 +15,7 @@ namespace kestrix::host {
 
 /// The properties of a `MemoryFrame`. Only size and format are required.
 struct MemoryFrameOptions {
-    /// Pixels a line and lines, not negative.
+    /// Pixels per line and lines, not negative.
     std::int64_t width = 0;
     std::int64_t height = 0;
     /// Any code; the 30 formats of the engine have a default row size.
@@ -32,7 +32,7 @@ struct MemoryFrameOptions {
     /// What `Get3DPackingFormat` returns, a `Kestrix3DPackingFormat` or any other number. If not
     /// given: the frame has no 3D interface.
     std::optional<std::uint32_t> packing3D{};
-    /// The frame that `GetFrameForRightEye` returns; the new frame holds a reference.
+    /// The frame that `GetFrameForRightEye` returns; the new frame adds a reference.
     IKestrixVideoFrame* rightEye = nullptr;
     /// Bytes of the caller, which must outlive the frame. If not given: the frame has its own
     /// bytes, zeroed and 16-byte aligned.
@@ -42,9 +42,9 @@ struct MemoryFrameOptions {
 /// A frame in memory. One object has all interfaces of the frame: each of them can be queried for
 /// every other one, and all give the same pointer for `IUnknown`.
 ///
-/// Made by `create`, ended by the last `Release`. Counts are atomic, so references and accesses may
-/// be taken and returned on any thread. As with a frame of a capture card, `GetBytes` succeeds only
-/// while an access is open, and an access is closed with the flags that opened it.
+/// Made by `create`, deleted by the last `Release`. Counts are atomic, so any thread may add and
+/// release references, and open and close accesses. As with a frame of a capture card, `GetBytes`
+/// succeeds only while an access is open, and an access is closed with the flags that opened it.
 class MemoryFrame : public IKestrixVideoInputFrame,
                     public IKestrixVideoBuffer,
                     public IKestrixVideoFrameMetadata,
@@ -58,16 +58,16 @@ public:
     MemoryFrame(const MemoryFrame&) = delete;
     MemoryFrame& operator=(const MemoryFrame&) = delete;
 
-    /// The bytes, for the maker of the frame; no access is needed.
+    /// The bytes, for the code that makes the frame; no access is needed.
     std::uint8_t* bytes() { return m_bytes; }
 
     /// Bytes of all lines.
     std::size_t size() const { return static_cast<std::size_t>(m_rowBytes * m_options.height); }
 
-    /// References held now.
+    /// The number of references.
     std::uint32_t references() const { return m_references; }
 
-    /// Accesses open now.
+    /// The number of open accesses.
     int openAccesses() const { return m_openReads + m_openReadWrites; }
 
     // IUnknown

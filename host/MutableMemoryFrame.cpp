@@ -1,4 +1,4 @@
-/// What can be set of a frame in memory.
+/// The properties of a frame in memory that can be set.
 #include "host/MutableMemoryFrame.h"
 
 namespace kestrix::host {

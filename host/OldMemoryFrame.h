@@ -14,7 +14,7 @@ namespace kestrix::host {
 
 /// The properties of an `OldMemoryFrame`. Only size and format are required.
 struct OldMemoryFrameOptions {
-    /// Pixels a line and lines, not negative.
+    /// Pixels per line and lines, not negative.
     std::int64_t width = 0;
     std::int64_t height = 0;
     /// Any code; the 30 formats of the engine have a default row size.
@@ -25,13 +25,13 @@ struct OldMemoryFrameOptions {
     std::uint32_t flags = FrameFlagDefault;
     /// What `Get3DPackingFormat` returns. If not given: the frame has no 3D interface.
     std::optional<std::uint32_t> packing3D{};
-    /// The frame that `GetFrameForRightEye` returns; the new frame holds a reference.
+    /// The frame that `GetFrameForRightEye` returns; the new frame adds a reference.
     IKestrixVideoFrame_v14_2_1* rightEye = nullptr;
 };
 
 /// A frame with zeroed bytes of its own. They are valid without an access.
 ///
-/// Made by `create`, ended by the last `Release`, on any thread.
+/// Made by `create`, deleted by the last `Release`, on any thread.
 class OldMemoryFrame : public IKestrixVideoFrame_v14_2_1,
                        public IKestrixVideoFrame3DExtensions_v14_2_1 {
 public:
@@ -42,10 +42,10 @@ public:
     OldMemoryFrame(const OldMemoryFrame&) = delete;
     OldMemoryFrame& operator=(const OldMemoryFrame&) = delete;
 
-    /// The bytes, for the maker of the frame.
+    /// The bytes, for the code that makes the frame.
     std::uint8_t* bytes() { return m_bytes.get(); }
 
-    /// References held now.
+    /// The number of references.
     std::uint32_t references() const { return m_references; }
 
     // IUnknown

@@ -1,4 +1,4 @@
-/// An owning pointer to a reference-counted interface, for code of hosts.
+/// An owning pointer to a reference-counted interface, for hosts.
 #pragma once
 
 #include "api/KestrixPreviewAPI.h"
@@ -16,12 +16,12 @@ struct ReleaseReference {
     }
 };
 
-/// Holds one reference: the one that a factory or an out-argument gave. `get()` is for calls that
-/// take a plain pointer.
+/// Owns one reference: the one that a factory or an out-argument returned. `get()` is for calls
+/// that need a plain pointer.
 template<class INTERFACE>
 using Owned = std::unique_ptr<INTERFACE, ReleaseReference>;
 
-/// Adds a reference to an object that someone else holds.
+/// Adds a reference to an object with another owner.
 template<class INTERFACE>
 Owned<INTERFACE> share(INTERFACE* object)
 {

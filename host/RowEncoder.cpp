@@ -1,4 +1,4 @@
-/// The layouts of the 30 pixel formats as a table, and the one writer that follows it.
+/// The layouts of the 30 pixel formats as a table, and the one writer that uses it.
 #include "host/RowEncoder.h"
 
 #include "conversion/PixelFormats.h"
@@ -35,7 +35,7 @@ std::uint32_t roundToCode(double value, double lowest, double highest)
     return static_cast<std::uint32_t>(std::clamp(std::floor(value + 0.5), lowest, highest));
 }
 
-/// The code of a value whose 0 is at `zero` and whose 1 is `gain` further on, both at 8 bits.
+/// The code of a value: 0 has the code `zero`, and 1 has the code `zero` + `gain`, both at 8 bits.
 std::uint32_t studioCode(double value, double zero, double gain, unsigned bits)
 {
     const double scale = 1u << (bits - 8);
@@ -62,10 +62,10 @@ std::uint32_t chromaCode(double value, unsigned bits)
 
 /// A format as a stream of samples that fill words from the lowest bit up.
 ///
-/// Letters of `samples` are components of a pixel in the order of the stream: R G B, A for alpha,
-/// Y U V for luma, Cb and Cr, and '-' for zeros. Where there is chroma they tell a pair of pixels,
-/// else one. Each word has spare bits below and above its samples; without any, a sample may go on
-/// in the next word.
+/// Letters of `samples` are components in the order of the stream: R G B, A for alpha, Y U V for
+/// luma, Cb and Cr, and '-' for zeros. With chroma they describe a pair of pixels, otherwise one
+/// pixel. Each word has spare bits below and above its samples; if it has none, a sample may
+/// continue in the next word.
 struct RowEncoder::Layout {
     PixelFormat format;
     std::string_view samples;
@@ -181,7 +181,7 @@ void RowEncoder::quantiseYUV(std::span<const Color> row)
     std::uint32_t cr = 0;
     for (std::size_t x = 0; x < m_codes.size(); ++x) {
         if (x % 2 == 0) {
-            // Chroma is linear in R'G'B', so that filtering these filters it.
+            // Chroma is linear in R'G'B', so a filter of R'G'B' also filters chroma.
             const Color& left = pixel(x == 0 ? 0 : x - 1);
             const Color& middle = pixel(x);
             const Color& right = pixel(x + 1);

@@ -31,14 +31,15 @@ struct Color {
 ///   BT.2100-2, table 9).
 /// - Luma has the weights of the colourspace (ITU-R BT.601-7, 2.5.1; BT.709-6, 3.2; BT.2020-2,
 ///   table 4, non-constant luminance).
-/// - 4:2:2 chroma is sited on the even pixel and filtered by 1 2 1.
+/// - 4:2:2 chroma is co-sited with the even pixel, and filtered with the weights 1 2 1.
 /// - Alpha is in full range except in "ay10".
-/// - Studio-range values beyond black and white are kept as far as the codes reserved for timing
-///   references, 0 and 255 at 8 bits, allow; everything else is clamped.
+/// - Studio-range values below black and above white are kept, except in the codes that are
+///   reserved for timing references, 0 and 255 at 8 bits; all other values are clipped.
 /// - The pixels that fill up a row's last group repeat the last one.
 class RowEncoder {
 public:
-    /// `format` is one of the 30 and `colorspace` not unspecified; else `std::invalid_argument`.
+    /// `format` is one of the 30, and `colorspace` is specified; otherwise throws
+    /// `std::invalid_argument`.
     RowEncoder(std::uint32_t format, KSX::PixelConversion::Colorspace colorspace, unsigned width);
 
     /// Bytes of a row, whole groups.

@@ -26,7 +26,7 @@ Color scaled(const Color& color, double level)
     return {color.r * level, color.g * level, color.b * level};
 }
 
-/// Bars of which white has the level 1 and the coloured ones `level`.
+/// Bars: white has the level 1, the colours have `level`.
 void fillBars(double level, std::span<Color> row)
 {
     for (std::size_t x = 0; x < row.size(); ++x) {
@@ -108,8 +108,8 @@ void TestPattern::fillRow(std::uint64_t frame, unsigned y, std::span<Color> row)
 
 void TestPattern::fillZonePlate(unsigned y, std::span<Color> row) const
 {
-    // A phase of pi x^2 / width turns by pi a pixel at x = width / 2. Centred on a pixel, so that
-    // the samples there meet the crests and not the zeros between them.
+    // A phase of pi x^2 / width changes by pi per pixel at x = width / 2. The pattern is centred on
+    // a pixel, so that the samples there are at the peaks and not at the zeros between them.
     const double dy = static_cast<double>(y) - (m_zonePlateTop + m_clockTop) / 2;
     for (unsigned x = 0; x < m_width; ++x) {
         const double dx = static_cast<double>(x) - m_width / 2;

@@ -14,17 +14,18 @@ namespace kestrix::host {
 /// - ramps from black to full in grey, red, green and blue, 1/32 each;
 /// - a zone plate over 1/4, whose frequency grows from 0 in its middle to half the sampling rate at
 ///   the left and right edges;
-/// - over the last 1/8, all that moves: a clock of hours, minutes, seconds and frames, and a marker
-///   under it that crosses the picture in two seconds.
+/// - over the last 1/8, the moving parts: a clock of hours, minutes, seconds and frames, and a
+///   marker under it that crosses the picture in two seconds.
 class TestPattern {
 public:
-    /// Sizes in pixels and rows, above 0; `framesPerSecond`, above 0, is what the clock counts by.
+    /// Sizes in pixels and rows, above 0; `framesPerSecond`, above 0, is the rate of the clock.
     TestPattern(unsigned width, unsigned height, unsigned framesPerSecond);
 
     /// Fills `row`, `width` colours, with row `y` of frame `frame`.
     void fillRow(std::uint64_t frame, unsigned y, std::span<Color> row) const;
 
-    /// The first row that moves, as all below it do. Those above are the same in every frame.
+    /// The first moving row; all rows below it move too. The rows above it are the same in every
+    /// frame.
     unsigned firstMovingRow() const { return m_clockTop; }
 
 private:
