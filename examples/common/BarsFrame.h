@@ -1,9 +1,7 @@
-/// A frame as a host makes one, to be copied and changed: colour bars in v210, in memory of its
-/// own.
+/// A frame of a host, to be copied and changed: colour bars in v210, in its own memory.
 ///
-/// The upper three quarters show the bars from white to black, the last quarter the other way
-/// round. The colours are of 75 % and 25 % of full level, so that none lies at the border of what
-/// R'G'B' can hold.
+/// The upper three quarters show the bars from white to black, the last quarter in reverse order.
+/// The colours have 75 % and 25 % of full level, so that none is at the limits of R'G'B'.
 #pragma once
 
 #include <KestrixPreviewAPI.h>
@@ -12,8 +10,8 @@
 #include <cstdint>
 #include <vector>
 
-/// Of what a frame may tell, this one tells the least: without `IKestrixVideoFrameMetadata` it
-/// counts as Rec. 709, as it is not 720 pixels wide. Made by `new`, ended by the last `Release`.
+/// A minimal frame: it has no `IKestrixVideoFrameMetadata`, so it counts as Rec. 709, because it is
+/// not 720 pixels wide. Made by `new`, deleted by the last `Release`.
 class BarsFrame final : public IKestrixVideoFrame, public IKestrixVideoBuffer {
 public:
     static const int kWidth = 1920;

@@ -1,11 +1,12 @@
-/// What the examples share and each host has in its own way: options, errors, a picture file.
+/// Code that the examples share and that a host replaces by its own: options, errors, a picture
+/// file.
 ///
 ///     EXAMPLE [--size WIDTHxHEIGHT] [--frames N] [--png FILE] [--detach]
 ///
 /// The window has the given size in the toolkit's units. It stays until it is closed, or until N
-/// frames have been painted; FILE then gets the last picture in the framebuffer. If N is 0, there
-/// is no signal, and the example paints without a frame. `--detach` moves the view to another
-/// window after half of the frames, in the examples that can do so.
+/// frames have been painted; then the last picture in the framebuffer is written to FILE. If N is
+/// 0, there is no signal, and the example paints without a frame. `--detach` moves the view to
+/// another window after half of the frames, in the examples that can do so.
 #pragma once
 
 #include <KestrixPreviewAPI.h>
@@ -23,7 +24,7 @@
 struct ExampleOptions {
     int width = 960;
     int height = 540;
-    int frames = -1; // no end
+    int frames = -1; // no limit
     std::string png;
     bool detach = false;
 
@@ -76,7 +77,7 @@ inline void makeOpaque()
     glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
 }
 
-/// Writes the bound framebuffer, if a file was asked for.
+/// Writes the bound framebuffer, if the options name a file.
 inline void writePng(const ExampleOptions& options, int width, int height)
 {
     if (options.png.empty())
@@ -95,7 +96,7 @@ inline void writePng(const ExampleOptions& options, int width, int height)
         throw std::runtime_error("can't write " + options.png + ": " + image.message);
 }
 
-/// Runs an example; what it throws becomes one line and a non-zero status.
+/// Runs an example; an exception becomes one line and a non-zero status.
 inline int exampleMain(const char* name, int count, char** arguments,
                        void (*run)(const ExampleOptions&))
 {

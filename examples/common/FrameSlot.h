@@ -1,9 +1,9 @@
-/// Holds the newest frame between the thread that captures and the thread that paints. Copy it into
-/// your host.
+/// Stores the newest frame between the thread that captures and the thread that paints. Copy it
+/// into your host.
 ///
 /// All calls to the helper are made on the GL thread. So the slot works with both helpers. The
-/// capture can also continue while one helper ends and another is made, which happens when a view
-/// moves to another window: the new helper gets the same frame.
+/// capture can also continue while one helper is destroyed and another is made, which happens when
+/// a view moves to another window: the new helper gets the same frame.
 #pragma once
 
 #include <KestrixPreviewAPI.h>
@@ -19,7 +19,7 @@ public:
     FrameSlot(const FrameSlot&) = delete;
     FrameSlot& operator=(const FrameSlot&) = delete;
 
-    /// Replaces the frame; null for no signal. Takes a reference. Any thread.
+    /// Replaces the frame; null for no signal. Adds a reference. Any thread.
     void put(IKestrixVideoFrame* frame)
     {
         if (frame)
@@ -30,7 +30,7 @@ public:
             ++m_number;
         }
         if (frame)
-            frame->Release(); // not under the lock, because it may take a while
+            frame->Release(); // without the lock, because it may take a while
     }
 
     /// Hands the newest frame to a helper. Call it before each paint, on the GL thread. `shown` is

@@ -1,30 +1,30 @@
-/// A guard that a host puts around calls to a preview helper: the GL state that the host has left
-/// does not spoil the picture, and what the call changes is as before afterwards.
+/// A guard that a host puts around calls to a preview helper: the GL state of the host does not
+/// change the picture, and after the call the state is as before.
 ///
 ///     {
 ///         const KestrixGLStateGuard guard(SDL_GL_GetProcAddress); // or glfwGetProcAddress, ...
 ///         helper->PaintGL();
 ///     }
 ///
-/// For `InitializeGL` and `PaintGL` of both helpers; nothing else of theirs touches GL state. A
-/// host needs it only if it draws by itself in the same context. It costs some hundred GL queries,
-/// which make a driver with a thread of its own wait for that.
+/// For `InitializeGL` and `PaintGL` of both helpers; their other operations do not touch GL state.
+/// A host needs it only if it draws by itself in the same context. It costs some hundred GL
+/// queries; if the driver has its own thread, each query waits for that thread.
 ///
-/// The constructor sets everything on which the helpers rely: unpack parameters,
-/// `GL_FRAMEBUFFER_SRGB` off, nothing that would keep a fragment from the framebuffer or change it
-/// there, and in a context with the fixed pipeline also matrices, texturing, lighting and so on.
-/// Framebuffer and viewport stay the host's: they say where the picture goes. The scissor box
-/// becomes the viewport, so that a helper that clears clears no more than the view.
+/// The constructor sets all state on which the helpers rely: unpack parameters,
+/// `GL_FRAMEBUFFER_SRGB` off, all tests and operations off that could discard or change a fragment,
+/// and in a context with the fixed pipeline also matrices, texturing, lighting and so on.
+/// Framebuffer and viewport stay as the host has set them: they are where the picture is painted.
+/// The scissor box is set to the viewport, so that a helper clears only the view.
 ///
 /// Context: OpenGL, not OpenGL ES; current and the same in constructor and destructor. Without the
-/// fixed pipeline 3.2 or later; with it 1.2 or later, and a free place on the attribute stack.
-/// Outside `glBegin`, and with no transform feedback, query or conditional render under way that a
-/// quad would disturb. Of state that there is for each draw buffer or viewport (colour mask,
-/// blending, scissor) that of the first counts for all.
+/// fixed pipeline 3.2 or later; with it 1.2 or later, and a free entry on the attribute stack.
+/// Outside `glBegin`, and with no active transform feedback, query or conditional render that a
+/// quad would disturb. If state exists for each draw buffer or viewport (colour mask, blending,
+/// scissor), the guard saves that of the first and restores it for all.
 ///
-/// The header stands alone, goes with any GL loader whose header was included before, and compiles
-/// as C++11 and later. It links the functions of OpenGL 1.1 (libGL or libOpenGL) and looks the
-/// others up.
+/// The header needs no other header of this project, works with any GL loader whose header was
+/// included before, and compiles as C++11 and later. It needs the functions of OpenGL 1.1 at link
+/// time (libGL or libOpenGL), and looks up the others.
 #ifndef KESTRIX_GL_STATE_GUARD_H
 #define KESTRIX_GL_STATE_GUARD_H
 
@@ -33,7 +33,7 @@
 
 class KestrixGLStateGuard {
 public:
-    /// `getProcAddress` gives the address of an entry point, of whatever pointer type, for its name
+    /// `getProcAddress` returns the address of an entry point, with any pointer type, for its name
     /// as `const char*`.
     template<class GetProcAddress>
     explicit KestrixGLStateGuard(GetProcAddress getProcAddress)
@@ -53,7 +53,7 @@ public:
     KestrixGLStateGuard& operator=(const KestrixGLStateGuard&) = delete;
 
 private:
-    /// Switched off, in every context that is young enough.
+    /// Disabled, in every context whose version has it.
     struct Capability {
         GLenum name;
         int since; // version of OpenGL, times 10
@@ -85,7 +85,7 @@ private:
         return all;
     }
 
-    /// How pixels lie in the host's memory, and what the helpers take for granted.
+    /// The layout of pixels in the host's memory, and the values that the helpers rely on.
     struct PixelStore {
         GLenum name;
         GLint neutral;
@@ -159,10 +159,10 @@ private:
                 m_sampler[unit] = get(GL_SAMPLER_BINDING);
         }
         if (m_legacy) {
-            // Not all drivers have it in a group of attributes.
+            // Not all drivers save it in a group of attributes.
             if (m_version >= 14)
                 m_colorSum = glIsEnabled(GL_COLOR_SUM);
-            // Unit 0 is active. Values and not the stacks, on which there might be no place.
+            // Unit 0 is active. Values instead of the stacks, which may be full.
             glGetFloatv(GL_PROJECTION_MATRIX, m_projection);
             glGetFloatv(GL_MODELVIEW_MATRIX, m_modelview);
             glGetFloatv(GL_TEXTURE_MATRIX, m_texture);
@@ -219,9 +219,9 @@ private:
             glMatrixMode(matrix);
             glLoadIdentity();
         }
-        glColor4f(1, 1, 1, 1); // from which the picture has its alpha
+        glColor4f(1, 1, 1, 1); // the alpha of the picture
 
-        // Pixels on their way into a texture.
+        // The transfer of pixels to a texture.
         static const GLenum scales[] = {GL_RED_SCALE, GL_GREEN_SCALE, GL_BLUE_SCALE,
                                         GL_ALPHA_SCALE};
         static const GLenum biases[] = {GL_RED_BIAS, GL_GREEN_BIAS, GL_BLUE_BIAS, GL_ALPHA_BIAS};

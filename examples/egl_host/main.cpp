@@ -24,7 +24,7 @@ public:
         if (!eglInitialize(m_display, nullptr, nullptr))
             throw std::runtime_error("no EGL display");
 
-        // By default EGL makes contexts of OpenGL ES, in which the helpers can't paint.
+        // By default EGL makes OpenGL ES contexts, and the helpers can't paint in these.
         eglBindAPI(EGL_OPENGL_API);
         const EGLint attributes[] = {EGL_CONTEXT_MAJOR_VERSION,
                                      3,
@@ -57,8 +57,8 @@ void run(const ExampleOptions& options)
 {
     const SurfacelessContext context;
 
-    // Without a surface there is no framebuffer 0, so the host makes one of its own. The helper
-    // paints into the framebuffer that is bound, and never binds another.
+    // Without a surface there is no framebuffer 0, so the host makes its own. The helper paints
+    // into the framebuffer that is bound, and never binds another.
     GLuint framebuffer = 0;
     GLuint renderbuffer = 0;
     glGenFramebuffers(1, &framebuffer);
@@ -68,8 +68,8 @@ void run(const ExampleOptions& options)
     glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA8, options.width, options.height);
     glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, renderbuffer);
 
-    // The helper looks its entry points up by glXGetProcAddress. The vendor-neutral dispatch
-    // library returns entry points that work in every context, also in those of EGL.
+    // The helper looks up its entry points with glXGetProcAddress. libglvnd returns entry points
+    // that work in every context, also in EGL contexts.
     IKestrixGLScreenPreviewHelper* helper = CreateOpenGL3ScreenPreviewHelper_0002();
     if (!helper)
         throw std::runtime_error("no memory for a helper");

@@ -1,4 +1,4 @@
-/// GLFW: frames that come on a thread of their own, as from a capture card.
+/// GLFW: frames that come from another thread, as from a capture card.
 #include "BarsFrame.h"
 #include "ExampleMain.h"
 #include "FrameSlot.h"
@@ -14,7 +14,7 @@ namespace {
 /// Acts as a capture device: 25 frames a second, until it is stopped or has no more.
 class Capture {
 public:
-    /// `count` frames; no end if negative.
+    /// `count` frames; no limit if negative.
     Capture(FrameSlot& slot, int count) : m_slot(slot), m_thread([this, count] { run(count); }) {}
     ~Capture()
     {
@@ -43,16 +43,16 @@ private:
     FrameSlot& m_slot;
     std::atomic<bool> m_stop{false};
     std::atomic<bool> m_ended{false};
-    std::thread m_thread; // the last member, so that the others are there when it starts
+    std::thread m_thread; // the last member, so that the others exist when it starts
 };
 
-/// Paints the newest frame. It may be the one before again, after the window was uncovered.
+/// Paints the newest frame. It may be the previous frame again, after the window was uncovered.
 void paint(GLFWwindow* window, IKestrixGLScreenPreviewHelper* helper, FrameSlot& slot,
            std::uint64_t& shown)
 {
     check(slot.handTo(helper, shown), "SetFrame");
 
-    // The framebuffer's size, which differs from glfwGetWindowSize on a display of high density.
+    // The framebuffer's size, which differs from glfwGetWindowSize on a high-DPI display.
     int width = 0;
     int height = 0;
     glfwGetFramebufferSize(window, &width, &height);
@@ -100,7 +100,7 @@ void run(const ExampleOptions& options)
     glfwGetFramebufferSize(window, &width, &height);
     writePng(options, width, height);
 
-    // The context is still there, and current.
+    // The context still exists, and is current.
     helper->Release();
     glfwDestroyWindow(window);
     glfwTerminate();

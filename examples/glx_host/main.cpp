@@ -14,12 +14,12 @@ public:
         m_display = XOpenDisplay(nullptr);
         if (!m_display)
             throw std::runtime_error("no display");
-        // Without alpha, because a compositor shows what is behind a window wherever its alpha is
-        // less than 1.
+        // Without alpha, because a compositor shows what is behind a window in places where its
+        // alpha is less than 1.
         int attributes[] = {
             GLX_RGBA, GLX_DOUBLEBUFFER, GLX_RED_SIZE, 8, GLX_GREEN_SIZE, 8, GLX_BLUE_SIZE, 8, None};
         XVisualInfo* visual = glXChooseVisual(m_display, DefaultScreen(m_display), attributes);
-        // The oldest way to make a context gives one with the fixed pipeline.
+        // The oldest function that makes a context makes one with the fixed pipeline.
         m_context = visual ? glXCreateContext(m_display, visual, nullptr, True) : nullptr;
         if (!m_context)
             throw std::runtime_error("no OpenGL on this display");
@@ -88,7 +88,7 @@ void run(const ExampleOptions& options)
         throw std::runtime_error("no memory for a helper");
     check(helper->InitializeGL(), "InitializeGL");
 
-    // Until the first ConfigureNotify comes, the size is the one that was asked for.
+    // Until the first ConfigureNotify, the size is the requested one.
     for (int painted = 0; view.handleEvents();) {
         // This helper converts the frame in SetFrame, and keeps no reference. It has no lock, so
         // all calls are made on one thread.
@@ -99,13 +99,13 @@ void run(const ExampleOptions& options)
         check(status, "SetFrame");
 
         // Viewport and matrices at every paint: the window may have been resized, and the helper's
-        // quad goes from -1 to 1 each way.
+        // quad goes from -1 to 1 in both directions.
         glViewport(0, 0, view.width(), view.height());
         glMatrixMode(GL_PROJECTION);
         glLoadIdentity();
         glMatrixMode(GL_MODELVIEW);
         glLoadIdentity();
-        // The picture takes its alpha from the current colour.
+        // The alpha of the picture is that of the current colour.
         glColor4f(1, 1, 1, 1);
         check(helper->PaintGL(), "PaintGL");
 

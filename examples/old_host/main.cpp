@@ -1,6 +1,6 @@
-/// A host of interface revision 14.2.1: its frames have `GetBytes`, and it knows nothing of the
-/// later interfaces. It takes the OpenGL 3 helper, or the fixed-function helper if there is no
-/// OpenGL 3.2. The window is GLFW's.
+/// A host of interface revision 14.2.1: its frames have `GetBytes`, and it does not know the later
+/// interfaces. It uses the OpenGL 3 helper, or the fixed-function helper if there is no OpenGL 3.2.
+/// The window is from GLFW.
 #include "ExampleMain.h"
 
 #include <KestrixPreviewAPI_v14_2_1.h>
@@ -12,7 +12,7 @@
 
 namespace {
 
-/// The bars of the other examples in 8-bit BGRA. Made by `new`, ended by the last `Release`.
+/// The bars of the other examples in 8-bit BGRA. Made by `new`, deleted by the last `Release`.
 class OldBarsFrame final : public IKestrixVideoFrame_v14_2_1 {
 public:
     static const int kWidth = 1920;

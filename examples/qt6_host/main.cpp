@@ -26,7 +26,7 @@ public:
     }
     ~PreviewWidget() override { releaseHelper(); }
 
-    /// What failed inside a call by Qt; an exception must not leave it.
+    /// The error of a function that Qt calls; an exception must not leave such a function.
     const std::string& failure() const { return m_failure; }
 
     void detachOrAttach()

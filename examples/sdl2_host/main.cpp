@@ -1,4 +1,4 @@
-/// SDL 2: a program that also draws by itself. A guard keeps its GL state and the helper's apart.
+/// SDL 2: a program that also draws by itself. A guard separates its GL state from the helper's.
 #include "BarsFrame.h"
 #include "ExampleMain.h"
 #include "KestrixGLStateGuard.h"
@@ -7,9 +7,9 @@
 
 namespace {
 
-/// A red lamp in the lower left corner, in place of what a program draws by itself. It leaves its
-/// state changed: without the guard the next picture would have wrong colours, be cut to the lamp's
-/// box and be shifted within its lines.
+/// A red lamp in the lower left corner, as an example of a program's own drawing. It leaves its
+/// state changed: without the guard the next picture would have wrong colours, be clipped to the
+/// lamp's box and be shifted within its lines.
 void drawLamp(int width, int height)
 {
     glEnable(GL_FRAMEBUFFER_SRGB); // for what is blended in linear light
@@ -54,8 +54,7 @@ void run(const ExampleOptions& options)
         if (frame)
             frame->Release(); // the helper has a reference of its own
 
-        // The framebuffer's size, which differs from SDL_GetWindowSize on a display of high
-        // density.
+        // The framebuffer's size, which differs from SDL_GetWindowSize on a high-DPI display.
         int width = 0;
         int height = 0;
         SDL_GL_GetDrawableSize(window, &width, &height);
