@@ -107,8 +107,8 @@ class Showing(HostTest):
                 ("", many, FIELDS, "shown:       3 frames"),
                 ("--frames 1", many, [RED], "shown:       1 frame\n"),
                 ("--flip", raw_frame(*FIELDS), (BLUE, GREY, RED, GREEN), "bottom row first"),
-                (f"--row-bytes {4 * SIDE + 20}", padded, FIELDS, "276 bytes a row"),
-                ("--captured", raw_frame(WHITE), None, "256 bytes a row, captured")):
+                (f"--row-bytes {4 * SIDE + 20}", padded, FIELDS, "276 bytes per row"),
+                ("--captured", raw_frame(WHITE), None, "256 bytes per row, captured")):
             for helper in "gl", "gl3":
                 with self.subTest((options, helper)):
                     self.assertIn(report, self.shoot(*options.split(), frame=frame, helper=helper))
@@ -116,8 +116,8 @@ class Showing(HostTest):
                         self.assert_fields(*expected)
 
     def test_pictures_are_encoded(self):
-        for options, report in (("--format ARGB", "64x64 ARGB (8ARGB_FULL), 256 bytes a row"),
-                                ("--flip", "64x64 BGRA (8BGRA_FULL), 256 bytes a row, bottom")):
+        for options, report in (("--format ARGB", "64x64 ARGB (8ARGB_FULL), 256 bytes per row"),
+                                ("--flip", "64x64 BGRA (8BGRA_FULL), 256 bytes per row, bottom")):
             with self.subTest(options):
                 self.assertIn(report, self.shoot(*options.split(), "--frames", "2", self.png()))
                 self.assert_fields(*FIELDS)
@@ -142,7 +142,7 @@ class Showing(HostTest):
         yellow = Image.open(self.shot).getpixel((12, 4))
         self.assertGreater(min(yellow[:2]), 170)
         self.assertLess(yellow[2], 20)
-        for line in ("input:       test pattern", "64x64 r210 (10XRGB_BE_SMPTE), 256 bytes a row",
+        for line in ("input:       test pattern", "64x64 r210 (10XRGB_BE_SMPTE), 256 bytes per row",
                      "colourspace: r709", "helper:      OpenGL 3", "shown:       3 frames"):
             self.assertIn(line, report)
         for call in "SetFrame", r"paint\+swap":
@@ -243,7 +243,7 @@ class Decisions(HostTest):
             "Rec. 709 by size 1920x16; black: the shader does not know RGBA",
             "Rec. 601 of 525 lines as stated and by size 1920x16; "
             "black: the shader does not know RGBA",
-            "Rec. 601 as stated; not shown: no row of the conversions leads from RGBA to RGBA of "
+            "Rec. 601 as stated; not shown: no row of the conversions converts RGBA to RGBA of "
             "Rec. 709")),
         ("1280x16 r210", "rhrccc", (
             "Rec. 709 by width 1280; row 188 of the conversions, r210 to RGBA, the same in every "
@@ -256,7 +256,7 @@ class Decisions(HostTest):
             "Rec. 709 as stated; colour table 10, studio-range RGB",
             "Rec. 2020 as stated; colour table 11, studio-range RGB")),
         ("64x16 BGRA --captured", "mh", (
-            "Rec. 709 by width 64; captured, so held to 16..235; row 177 of the conversions, BGRv "
+            "Rec. 709 by width 64; captured, so clipped to 16..235; row 177 of the conversions, BGRv "
             "to RGBA, the same in every colourspace",
             "Rec. 709 by width 64; row 142 of the conversions, BGRA to RGBA, the same in every "
             "colourspace",
@@ -387,7 +387,7 @@ class BadInput(HostTest):
         for path, word in (
                 (self.path("missing"), "No such file"),
                 (self.folder, "directory"),
-                (self.file("empty", b""), "no whole frame"),
+                (self.file("empty", b""), "no complete frame"),
                 (self.file("short", b"\0" * 1000), "1000 of 16384 bytes"),
                 (self.file("broken.png", b"\x89PNG\r\n\x1a\n" + b"nonsense"), "broken.png"),
                 (small, "size")):
@@ -400,7 +400,7 @@ class BadInput(HostTest):
     def test_short_last_frame_is_dropped(self):
         self.assert_refused(self.run_host(
             "--helper", "gl", "--size", "64x64", "--screenshot", self.shot, "-",
-            stdin=raw_frame(RED) + raw_frame(BLUE)[:-1]), "short", "16383 of 16384 bytes")
+            stdin=raw_frame(RED) + raw_frame(BLUE)[:-1]), "incomplete", "16383 of 16384 bytes")
         self.assert_fields(RED)
 
     def test_what_can_not_be_shown(self):

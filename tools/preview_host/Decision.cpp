@@ -1,4 +1,4 @@
-/// The helpers' decisions in words.
+/// Describes the helpers' decisions as text.
 #include "Decision.h"
 
 #include "conversion/PixelFormats.h"
@@ -31,7 +31,7 @@ std::string nameOf(Colorspace colorspace)
                                                : std::string("Rec. ") + colorspaceName(colorspace);
 }
 
-/// The row of the table that has this conversion to RGBA, of `format` if it has one: captured
+/// The row of the table with this conversion to RGBA, a row of `format` if there is one: captured
 /// frames are converted by a row of another format.
 const ConversionEntry* rowOf(ConversionFunction conversion, PixelFormat format)
 {
@@ -48,7 +48,8 @@ const ConversionEntry* rowOf(ConversionFunction conversion, PixelFormat format)
 
 std::string conversionFor(const ScreenPreviewBase& base)
 {
-    const std::string clamped = base.clampsToStudioRange() ? "captured, so held to 16..235; " : "";
+    const std::string clamped =
+        base.clampsToStudioRange() ? "captured, so clipped to 16..235; " : "";
     if (!base.previewConversion())
         return clamped + "no conversion, the rows are copied";
     const auto* row = rowOf(base.previewConversion(), base.previewFormat());
@@ -70,13 +71,13 @@ std::string fixedFunctionDecision(IKestrixVideoFrame* frame)
     return colorspace + "; " +
            (canBeShown
                 ? conversionFor(base)
-                : std::string("not shown: no row of the conversions leads from ") +
+                : std::string("not shown: no row of the conversions converts ") +
                       findPixelFormat(frame->GetPixelFormat())->name + " to RGBA of Rec. 709");
 }
 
 std::string openGL3Decision(IKestrixVideoFrame* frame)
 {
-    // Tables follow one another by what goes in and then by colourspace.
+    // Tables are in the order of their inputs, and then of their colourspaces.
     constexpr std::array kColorspaces = {"Rec. 601 of 525 lines", "Rec. 601 of 625 lines",
                                          "Rec. 709", "Rec. 2020"};
 

@@ -7,11 +7,11 @@
 
 namespace preview_host {
 
-/// One line: the colourspace that the helper takes `frame` to be in, the reason, and the conversion
-/// or colour table that follows.
+/// One line: the colourspace that the helper assumes for `frame`, the reason, and the conversion or
+/// colour table that it uses.
 ///
-/// The helpers' own code decides here too. The helpers differ: if the frame states no colourspace,
-/// the fixed-function one decides by the width alone.
+/// The code of the helpers makes these decisions. The helpers differ: if the frame states no
+/// colourspace, the fixed-function helper decides by the width alone.
 std::string decisionFor(HelperKind helper, IKestrixVideoFrame* frame);
 
 } // namespace preview_host

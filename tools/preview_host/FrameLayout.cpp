@@ -8,7 +8,7 @@ namespace {
 
 using namespace KSX::PixelConversion;
 
-/// A frame of 8 bytes a pixel and 8192 pixels each way: every real frame is smaller.
+/// A frame of 8 bytes per pixel and 8192 x 8192 pixels: every real frame is smaller.
 constexpr std::size_t kLargestFrame = std::size_t{8} * 8192 * 8192;
 
 } // namespace
@@ -20,11 +20,11 @@ FrameLayout makeLayout(const Options& options, Size size)
     const std::size_t given = options.rowBytes.value_or(needed);
     if (given < needed)
         throw UsageError("--row-bytes: " + std::to_string(size.width) + " pixels of " +
-                         format.name + " take " + std::to_string(needed) + " bytes a row, not " +
+                         format.name + " need " + std::to_string(needed) + " bytes per row, not " +
                          std::to_string(given));
     if (given > kLargestFrame / size.height)
         throw UsageError("frames of " + std::to_string(given * size.height) +
-                         " bytes are too large, " + std::to_string(kLargestFrame) + " is the most");
+                         " bytes are too large, the limit is " + std::to_string(kLargestFrame));
     return {size,         options.format,  static_cast<unsigned>(given), options.colorspace,
             options.flip, options.captured};
 }

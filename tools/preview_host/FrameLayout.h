@@ -8,12 +8,12 @@
 
 namespace preview_host {
 
-/// What all frames of a run have in common.
+/// The properties that all frames of a run share.
 struct FrameLayout {
     Size size;
     std::uint32_t format = 0;
     unsigned rowBytes = 0;
-    /// What the frames state, if they state anything.
+    /// The colourspace that the frames state, if any.
     std::optional<std::uint32_t> colorspace;
     bool flip = false;
     bool captured = false;
@@ -21,7 +21,7 @@ struct FrameLayout {
     std::size_t bytes() const { return std::size_t{rowBytes} * size.height; }
 };
 
-/// The layout of frames of `size`. Throws `UsageError` if a row does not fit into its bytes.
+/// The layout of frames of `size`. Throws `UsageError` if a row does not fit in its bytes.
 FrameLayout makeLayout(const Options& options, Size size);
 
 /// The format with the same layout and the other range, full or studio; nothing if there is none.

@@ -1,4 +1,4 @@
-/// Opening the inputs, and making frames of what they give.
+/// Opens the inputs, and makes frames from them.
 #include "FrameReader.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-/// Turns the inputs into frames for a helper.
+/// Makes frames from the inputs, for a helper.
 #pragma once
 
 #include "Input.h"
@@ -27,20 +27,20 @@ public:
     /// Null if frames have one eye.
     const Input* right() const { return m_right.get(); }
 
-    /// Goes on to the next frame; `frame` is valid after `Read::Frame`.
+    /// Gets the next frame; `frame` is valid after `Read::Frame`.
     Read next();
 
-    /// The newest frame, the left eye's. Valid until the next call of `next` or `setLayout`; who
-    /// holds a reference has it for longer.
+    /// The newest frame of the left eye. Valid until the next call of `next` or `setLayout`, or as
+    /// long as the caller has a reference.
     IKestrixVideoFrame* frame() const { return m_frame; }
 
-    /// What is wrong with the end of the inputs, one line; empty if nothing is.
+    /// The fault at the end of the inputs, one line; empty if there is none.
     std::string fault() const;
 
 private:
     using FramePointer = kestrix::host::Owned<kestrix::host::MemoryFrame>;
 
-    /// The frames of both eyes. The left one holds a reference to the right one.
+    /// The frames of both eyes. The left one has a reference to the right one.
     struct Pair {
         FramePointer left;
         FramePointer right;
@@ -52,7 +52,7 @@ private:
     FrameLayout m_layout;
     std::unique_ptr<Input> m_left;
     std::unique_ptr<Input> m_right;
-    /// Frames are used again after the helper has released them.
+    /// Frames are reused after the helper has released them.
     std::deque<Pair> m_pairs;
     IKestrixVideoFrame* m_frame = nullptr;
     std::uint64_t m_frames = 0;

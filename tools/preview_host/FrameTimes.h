@@ -1,4 +1,4 @@
-/// How long a call takes.
+/// The duration of calls.
 #pragma once
 
 #include <algorithm>
@@ -15,7 +15,7 @@ namespace preview_host {
 /// The times of a call that is made for every frame.
 class FrameTimes {
 public:
-    /// Makes the call and keeps its time; a call that throws does not count.
+    /// Makes the call and stores its time; a call that throws is not counted.
     template<class CALL>
     void time(CALL&& call)
     {

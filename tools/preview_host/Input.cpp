@@ -1,4 +1,4 @@
-/// The test pattern and pictures as frames of any format.
+/// Encodes the test pattern and pictures as frames of any format.
 #include "Input.h"
 
 #include "host/RowEncoder.h"
@@ -18,7 +18,7 @@ using kestrix::host::Color;
 using kestrix::host::TestPattern;
 using namespace KSX::PixelConversion;
 
-/// The colourspace that a helper takes the frame to be in: the stated one, or else that of its
+/// The colourspace that a helper assumes for the frame: the stated one, or otherwise that of its
 /// width.
 Colorspace encodingOf(const FrameLayout& layout)
 {
@@ -85,7 +85,7 @@ std::unique_ptr<Input> makeInput(const Source& source, const FrameLayout& layout
     if (!source.picture)
         return makeRawInput(source.path, layout.bytes());
     if (source.picture->size != size)
-        throw UsageError(source.path + " is not of the frames' size");
+        throw UsageError(source.path + " does not have the size of the frames");
     return std::make_unique<MadeInput>(
         "picture " + source.path, size.height,
         [image = *source.picture](std::uint64_t, unsigned y, std::span<Color> row) {

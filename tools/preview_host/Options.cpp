@@ -16,14 +16,14 @@ namespace {
 
 using namespace KSX::PixelConversion;
 
-/// Every OpenGL that can be expected has textures of this width and height.
+/// Every current OpenGL driver has textures of this width and height.
 constexpr unsigned kLargestSide = 16384;
 constexpr double kFastestRate = 1000;
 constexpr std::uint64_t kMostFrames = 1000000000;
-/// The engine takes larger row sizes for negative ones.
+/// The engine treats larger row sizes as negative ones.
 constexpr unsigned kLargestRow = 0x7fffffff;
 
-/// Both shells have a general completion that reads `--help`.
+/// Both shells have a generic completion that reads `--help`.
 constexpr Named<const char*> kCompletions[] = {
     {"bash", "complete -F _longopt preview_host\n"},
     {"zsh", "#compdef preview_host\n"
@@ -37,17 +37,17 @@ constexpr Named<const char*> kCompletions[] = {
 
 constexpr const char* kExamples = R"(Examples:
   preview_host
-      The test pattern in a window, 1920x1080 BGRA at 25 frames a second.
+      The test pattern in a window, 1920x1080 BGRA at 25 frames per second.
   preview_host --format v210 --colorspace 2020 picture.png
       A picture as 10-bit YUV frames that state Rec. 2020.
   ffmpeg -i clip.mov -f rawvideo -pix_fmt uyvy422 - |
       preview_host --helper gl --format 2vuy --size 1920x1080 -
       Raw video from a pipe through the fixed-function helper.
   preview_host --helper gl --keys ffc --screenshot shot.png
-      Presses f, f and c and writes the picture that is shown then.
+      Presses f, f and c, and then writes the picture that is shown.
 )";
 
-/// Reads all of `text` as a number of `least` to `most`; nothing if it is none.
+/// Reads all of `text` as a number from `least` to `most`; nothing if it is not such a number.
 template<class NUMBER>
 std::optional<NUMBER> readNumber(std::string_view text, NUMBER least, NUMBER most)
 {
@@ -75,8 +75,8 @@ std::optional<std::uint32_t> readFormat(std::string_view text)
     return format ? std::optional<std::uint32_t>(format->code) : std::nullopt;
 }
 
-/// Adds an option whose text `read` turns into a value, or into nothing if it is not good. `fault`
-/// says that then.
+/// Adds an option. `read` converts its text to a value, or to nothing if the text is invalid;
+/// `fault` is the message for this case.
 CLI::Option* add(CLI::App& app, const std::string& name, auto& target, auto read,
                  const std::string& fault, const std::string& description)
 {
@@ -93,7 +93,7 @@ CLI::Option* addNumber(CLI::App& app, const std::string& name, auto& target, aut
                        const std::string& description)
 {
     std::ostringstream fault;
-    fault << "no number of " << least << " to " << most;
+    fault << "not a number from " << least << " to " << most;
     const auto read = [=](const std::string& text) { return readNumber(text, least, most); };
     return add(app, name, target, read, fault.str(), description)->type_name("NUMBER");
 }
@@ -101,7 +101,7 @@ CLI::Option* addNumber(CLI::App& app, const std::string& name, auto& target, aut
 void addSize(CLI::App& app, const std::string& name, std::optional<Size>& target,
              const std::string& description)
 {
-    const std::string fault = "no WIDTHxHEIGHT of 1 to " + std::to_string(kLargestSide) + " each";
+    const std::string fault = "not a WIDTHxHEIGHT, each from 1 to " + std::to_string(kLargestSide);
     add(app, name, target, readSize, fault, description)->type_name("WxH");
 }
 
@@ -119,7 +119,7 @@ CLI::Option* addNamed(CLI::App& app, const std::string& name, auto& target,
                 return entry.value;
         return std::nullopt;
     };
-    return add(app, name, target, read, "none of " + names, description)->type_name(names);
+    return add(app, name, target, read, "not one of " + names, description)->type_name(names);
 }
 
 void listFormats()
@@ -139,62 +139,63 @@ std::optional<Options> parseOptions(int argc, char** argv)
     const char* completion = nullptr;
 
     CLI::App app(
-        "Shows video frames through one of the two preview helpers of libKestrixPreviewAPI, "
-        "and prints\nwhat the helper decides about them. Without a display it paints on a virtual "
+        "Shows video frames with one of the two preview helpers of libKestrixPreviewAPI, and "
+        "prints\nwhat the helper decides about them. If there is no display, it uses a virtual "
         "one.");
     app.name("preview_host");
     app.get_formatter()->column_width(36);
     app.get_formatter()->label("Positionals", "Input");
     app.add_option("input", options.input,
                    "A PNG picture, or raw frames in a file or on standard\ninput (-). "
-                   "If not given, a moving test pattern")
+                   "Default: a moving test pattern")
         ->type_name("FILE");
 
     app.option_defaults()->group("Frames");
-    add(app, "--format", options.format, readFormat, "no pixel format, see --list-formats",
+    add(app, "--format", options.format, readFormat, "not a pixel format, see --list-formats",
         "Pixel format, see --list-formats")
         ->type_name("FORMAT")
         ->default_str("BGRA");
     addSize(app, "--size", options.size,
-            "Width and height in pixels. Raw frames need it;\n"
-            "a picture has its own, the test pattern 1920x1080");
+            "Width and height in pixels. Required for raw frames;\n"
+            "default: that of the picture, or 1920x1080");
     addNumber(app, "--row-bytes", options.rowBytes, 1U, kLargestRow,
-              "Bytes from one row to the next.\nIf not given, what the pixels take")
+              "Bytes from one row to the next.\nDefault: the bytes that the pixels need")
         ->type_name("BYTES");
     addNamed(app, "--colorspace", options.colorspace, kColorspaces,
-             "What the frames state. With none a helper decides\nby their size")
+             "The colourspace that the frames state. If none,\nthe helper decides by their size")
         ->default_str("none");
     app.add_flag("--captured", options.captured,
-                 "Mark the frames as captured: gl then takes 8-bit\nRGB for studio range");
+                 "Mark the frames as captured: gl then treats 8-bit\nRGB as studio range");
     app.add_flag("--flip", options.flip, "The first row in memory is the bottom one");
-    app.add_option("--right-eye", options.rightEye, "Input of the right eye, for frames in 3D")
+    app.add_option("--right-eye", options.rightEye, "Input for the right eye, for 3D frames")
         ->type_name("FILE");
 
     app.option_defaults()->group("Preview");
     addNamed(app, "--helper", options.helper, kHelpers,
-             "gl: fixed function, converts on the CPU;\ngl3: OpenGL 3.2, converts by a shader")
+             "gl: fixed function, converts on the CPU;\ngl3: OpenGL 3.2, converts with a shader")
         ->default_str("gl3");
     addNamed(app, "--preview-3d", options.preview3D, kPreview3DModes,
-             "How the two eyes are shown; default is topbottom")
+             "How the two eyes are shown;\nthe mode default is the same as topbottom")
         ->default_str("default");
     addSize(app, "--window", options.window,
-            "Size of the window in pixels.\nIf not given, that of the picture");
+            "Size of the window in pixels.\nDefault: the size of the picture");
 
     app.option_defaults()->group("Run");
     addNumber(app, "--rate", options.rate, 0.0, kFastestRate,
-              "Frames a second, 0 for as fast as possible")
+              "Frames per second; 0: as fast as possible")
         ->default_str("25");
     addNumber(app, "--frames", options.frames, std::uint64_t{1}, kMostFrames,
-              "Stop after so many. If not given, all frames;\n"
-              "on a virtual display 10 of an input without end");
+              "Stop after this number of frames. Default: all frames;\n"
+              "on a virtual display, 10 of an input without end");
     app.add_option("--keys", options.keys, "Press these keys, one after each frame")
         ->type_name("KEYS");
-    app.add_option("--screenshot", options.screenshot, "Write the last picture painted as PNG")
+    app.add_option("--screenshot", options.screenshot,
+                   "Write the last painted picture to a PNG file")
         ->type_name("FILE");
 
     app.option_defaults()->group("Information");
     const CLI::Option* help =
-        app.set_help_flag("--help", "Print this and exit")->group("Information");
+        app.set_help_flag("--help", "Print the options and keys and exit")->group("Information");
     app.add_flag("--list-formats", isListWanted, "List the pixel formats and exit");
     addNamed(app, "--completion", completion, kCompletions,
              "Print a completion script for the shell and exit");
@@ -212,9 +213,9 @@ std::optional<Options> parseOptions(int argc, char** argv)
     }
     for (const char key : options.keys)
         if (!findKey(key))
-            throw UsageError(std::string("--keys: '") + key + "' is no key, see --help");
+            throw UsageError(std::string("--keys: '") + key + "' is not a key, see --help");
     if (options.input == "-" && options.rightEye == "-")
-        throw UsageError("--right-eye: standard input is the left eye's already");
+        throw UsageError("--right-eye: standard input is already the input of the left eye");
     if (isListWanted)
         listFormats();
     if (completion)

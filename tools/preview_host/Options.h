@@ -29,7 +29,7 @@ struct Size {
 
 enum class HelperKind { FixedFunction, OpenGL3 };
 
-/// The values of the options, each checked by itself.
+/// The values of the options, each of them valid on its own.
 struct Options {
     /// A file of raw frames, "-" for standard input, a PNG picture, or empty for the test pattern.
     std::string input;
@@ -43,9 +43,9 @@ struct Options {
     bool captured = false;
     bool flip = false;
     std::uint32_t preview3D = Preview3DDefault;
-    /// Frames a second, 0 for as fast as possible.
+    /// Frames per second, 0 for as fast as possible.
     double rate = 25;
-    /// How many frames to show; all if not given.
+    /// The number of frames to show; all if not given.
     std::optional<std::uint64_t> frames;
     std::optional<Size> window;
     std::string screenshot;
@@ -53,11 +53,12 @@ struct Options {
     std::string keys;
 };
 
-/// Reads the command line. Throws `UsageError`. Returns nothing if an option asked for information
-/// only, which is printed then.
+/// Reads the command line. Throws `UsageError`. Returns nothing if an option requested information
+/// only; in this case it has been printed.
 std::optional<Options> parseOptions(int argc, char** argv);
 
-/// A value and its name on the command line. The keys step through a table of these in its order.
+/// A value and its name on the command line. The keys choose values in the order of a table of
+/// these.
 template<class VALUE>
 struct Named {
     const char* name;
@@ -69,7 +70,7 @@ inline constexpr Named<HelperKind> kHelpers[] = {
     {"gl3", HelperKind::OpenGL3},
 };
 
-/// What a frame can state.
+/// The colourspaces that a frame can state.
 inline constexpr Named<std::optional<std::uint32_t>> kColorspaces[] = {
     {"none", std::nullopt},
     {"r601", ColorspaceCodeRec601},

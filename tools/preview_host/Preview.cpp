@@ -7,7 +7,7 @@
 namespace preview_host {
 namespace {
 
-/// Throws an `ERROR` if a call failed; `reasons` tells what a status means for it.
+/// Throws an `ERROR` if a call failed; `reasons` lists the meaning of its statuses.
 template<class ERROR>
 void check(HRESULT status, const std::string& call,
            std::initializer_list<std::pair<HRESULT, const char*>> reasons)

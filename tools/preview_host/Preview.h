@@ -11,19 +11,19 @@
 
 namespace preview_host {
 
-/// The helper does not take a frame.
+/// The helper refuses a frame.
 struct FrameRefused : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// A helper, from its factory to its last `Release`. The GL context has to be current on the
-/// calling thread all the time. Failures are thrown as `std::runtime_error`.
+/// A helper, from its factory to its last `Release`. The GL context must always be current on the
+/// calling thread. Failures are thrown as `std::runtime_error`.
 class Preview {
 public:
     Preview(HelperKind kind, std::uint32_t preview3D);
 
-    /// Hands over a frame; the helper takes a reference if it needs one. Throws `FrameRefused`; the
-    /// helper then keeps the frame before.
+    /// Hands over a frame; the helper adds a reference if it needs one. If this throws
+    /// `FrameRefused`, the helper keeps the previous frame.
     void setFrame(IKestrixVideoFrame* frame);
 
     /// How frames of both eyes are shown, from the next frame on.

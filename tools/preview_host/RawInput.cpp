@@ -84,9 +84,9 @@ private:
         const std::string size =
             std::to_string(m_filled) + " of " + std::to_string(m_next.size()) + " bytes";
         if (m_written == 0)
-            throw std::runtime_error("no whole frame in " + m_name + ": " + size);
+            throw std::runtime_error("no complete frame in " + m_name + ": " + size);
         if (m_filled != 0)
-            m_fault = "the last frame of " + m_name + " is short and was dropped: " + size;
+            m_fault = "the last frame of " + m_name + " is incomplete and was dropped: " + size;
         return Read::End;
     }
 
@@ -94,7 +94,7 @@ private:
     const int m_file;
     /// The frame that was written last.
     std::vector<std::uint8_t> m_frame;
-    /// The next frame, of which `m_filled` bytes have come.
+    /// The next frame, of which `m_filled` bytes have arrived.
     std::vector<std::uint8_t> m_next;
     std::size_t m_filled = 0;
     std::uint64_t m_written = 0;

@@ -1,4 +1,4 @@
-/// The loop over the frames, and what the keys do to it.
+/// The loop over the frames, and the effects of the keys.
 #include "Session.h"
 
 #include "Decision.h"
@@ -20,10 +20,10 @@ using Seconds = std::chrono::duration<double>;
 using KSX::PixelConversion::findPixelFormat;
 using KSX::PixelConversion::kPixelFormats;
 
-/// A preview texture takes four bytes of a row as one texel.
+/// In a preview texture, four bytes of a row are one texel.
 constexpr unsigned kTexelBytes = 4;
 
-/// How often the progress is told; the first time after a second.
+/// The interval between two reports of the progress; the first is after a second.
 constexpr std::chrono::milliseconds kProgressStep{100};
 
 std::string nameWithEngineName(std::uint32_t format)
@@ -61,7 +61,7 @@ void Session::run()
     m_window->onRefresh(nullptr);
     tellOutcome();
     if (!m_options.screenshot.empty()) {
-        // Showing a picture gives its memory away, so it is painted again.
+        // After the swap the contents of the back buffer are lost, so the picture is painted again.
         m_window->beginPaint(pictureSize());
         m_preview->paint();
         m_window->saveScreenshot(m_options.screenshot);
@@ -238,7 +238,7 @@ std::string Session::switchHelper()
         return {};
     } catch (const std::runtime_error& error) {
         openHelper(old);
-        // The helper is a new one all the same.
+        // This helper is new too, and has no frame yet.
         if (m_frames > 0)
             setFrame();
         return error.what();
@@ -269,7 +269,7 @@ void Session::tellStart()
         tell("right eye", m_reader.right()->description());
     tell("frames", std::to_string(layout.size.width) + "x" + std::to_string(layout.size.height) +
                        " " + nameWithEngineName(layout.format) + ", " +
-                       std::to_string(layout.rowBytes) + " bytes a row" +
+                       std::to_string(layout.rowBytes) + " bytes per row" +
                        (layout.captured ? ", captured" : "") +
                        (layout.flip ? ", bottom row first" : ""));
     tell("colourspace",
@@ -314,9 +314,9 @@ void Session::tellOutcome()
     shown << std::fixed << std::setprecision(2) << m_frames
           << (m_frames == 1 ? " frame" : " frames");
     if (m_frames > 1)
-        shown << ", " << static_cast<double>(m_frames - 1) / m_seconds << " a second";
+        shown << ", " << static_cast<double>(m_frames - 1) / m_seconds << " per second";
     if (m_options.rate > 0)
-        shown << " (asked for: " << m_options.rate << " a second)";
+        shown << " (requested: " << m_options.rate << " per second)";
     tell("shown", shown.str());
     tellTimes();
 }

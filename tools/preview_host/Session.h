@@ -15,11 +15,11 @@
 
 namespace preview_host {
 
-/// From the first frame to the last, on one thread.
+/// The loop from the first frame to the last, on one thread.
 class Session {
 public:
     /// Opens inputs, window and helper and reports them on standard output. Throws `UsageError` and
-    /// `std::runtime_error`, as all of this class.
+    /// `std::runtime_error`, like all operations of this class.
     explicit Session(const Options& options);
     ~Session() { clearProgress(); }
 
@@ -40,7 +40,7 @@ private:
     void paint();
 
     void press(char character);
-    /// Each of these changes something, or returns why it can't.
+    /// Each of these changes something, or returns the reason if it can't.
     std::string change(Action action);
     std::string stepFormat(std::size_t step);
     std::string tryLayout(const Options& next);
@@ -61,10 +61,10 @@ private:
     Options m_options;
     FrameReader m_reader;
     std::optional<VirtualDisplay> m_display;
-    // The order of these matters: the helper's last Release needs the window's context.
+    // The order of these is necessary: the helper's last Release needs the window's context.
     std::optional<Window> m_window;
     std::optional<Preview> m_preview;
-    /// How many frames to show; all if not given.
+    /// The number of frames to show; all if not given.
     std::optional<std::uint64_t> m_limit;
 
     FrameTimes m_setFrameTimes;
@@ -73,12 +73,12 @@ private:
     std::uint64_t m_frames = 0;
     /// From the first frame to the last.
     double m_seconds = 0;
-    /// When to tell the progress again.
+    /// When to report the progress again.
     Clock::time_point m_progressDue;
     bool m_isProgressShown = false;
-    /// Why the helper refused the last frame; empty if it took it.
+    /// Why the helper refused the last frame; empty if it accepted the frame.
     std::string m_refusal;
-    /// The user has changed something: a frame that the helper refuses is no longer the end.
+    /// The user has changed something: the run no longer ends if the helper refuses a frame.
     bool m_isChanged = false;
     bool m_quit = false;
 };

@@ -1,4 +1,4 @@
-/// A display in memory, for machines without another one.
+/// A display in memory, for machines without a display.
 #pragma once
 
 #include "Options.h"
@@ -23,7 +23,7 @@ public:
     VirtualDisplay(const VirtualDisplay&) = delete;
     VirtualDisplay& operator=(const VirtualDisplay&) = delete;
 
-    /// As in DISPLAY.
+    /// The name, in the form of DISPLAY.
     const std::string& name() const { return m_name; }
 
 private:

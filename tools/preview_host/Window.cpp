@@ -17,7 +17,7 @@ std::string lastError()
     return description ? description : "unknown error";
 }
 
-/// The largest size of the shape of `size` that fits into `room`.
+/// The largest size with the aspect ratio of `size` that fits in `room`.
 Size fit(Size size, Size room)
 {
     const double scale = std::min(static_cast<double>(room.width) / size.width,
@@ -39,7 +39,7 @@ Size screenSize()
 
 void requestContext(HelperKind helper)
 {
-    // The fixed-function helper needs the old pipeline, the other one a context without it.
+    // The fixed-function helper needs the fixed pipeline, the other one a core context.
     const bool modern = helper == HelperKind::OpenGL3;
     glfwWindowHint(GLFW_CONTEXT_VERSION_MAJOR, modern ? 3 : 2);
     glfwWindowHint(GLFW_CONTEXT_VERSION_MINOR, modern ? 2 : 1);
@@ -135,7 +135,7 @@ Size Window::framebufferSize() const
 
 void Window::beginPaint(Size picture) const
 {
-    // The framebuffer's size, not the window's: they differ on dense screens.
+    // The framebuffer's size, not the window's: they differ on high-DPI screens.
     const Size room = framebufferSize();
     const Size view = fit(picture, room);
     glClearColor(0, 0, 0, 0);

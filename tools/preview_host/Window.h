@@ -15,9 +15,9 @@ namespace preview_host {
 /// it lives.
 class Window {
 public:
-    /// Opens a window of `size`, or a smaller one of the same shape if the screen is smaller, with
-    /// a context of OpenGL 2.1 or of OpenGL 3.2 core. If not `paced`, `show` does not wait for the
-    /// screen. Throws `std::runtime_error`.
+    /// Opens a window of `size`, or a smaller one of the same aspect ratio if the screen is
+    /// smaller, with a context of OpenGL 2.1 or of OpenGL 3.2 core. If not `paced`, `show` does not
+    /// wait for the vertical sync. Throws `std::runtime_error`.
     Window(Size size, HelperKind helper, bool paced);
     ~Window();
 
@@ -25,7 +25,7 @@ public:
     Window& operator=(const Window&) = delete;
 
     /// Replaces the window by one with a context for the other helper. Nothing of the old context
-    /// is left. Throws `std::runtime_error`; the old window and its context then stay.
+    /// is left. If this throws `std::runtime_error`, the old window and its context stay.
     void reopen(HelperKind helper);
 
     void setTitle(const std::string& title) { glfwSetWindowTitle(m_window, title.c_str()); }
@@ -36,13 +36,14 @@ public:
     /// Sets what to do after the system has lost the window's contents.
     void onRefresh(std::function<void()> paint) { m_refresh = std::move(paint); }
 
-    /// Handles what the user did, and waits for more for so many seconds.
+    /// Handles the events, and waits for more for this number of seconds.
     void handleEvents(double seconds);
 
     /// Whether the user has closed the window or pressed Escape.
     bool isClosed() const { return glfwWindowShouldClose(m_window); }
 
-    /// Clears the window and sets the viewport to its largest part that has the shape of `picture`.
+    /// Clears the window and sets the viewport to its largest part with the aspect ratio of
+    /// `picture`.
     void beginPaint(Size picture) const;
 
     /// Shows what was painted.

@@ -11,7 +11,7 @@ int main(int argc, char** argv)
 {
     constexpr int kUsage = 2;
     constexpr int kFailure = 1;
-    // The run goes on if the reader of the report has gone.
+    // The run continues if the reader of the report has closed the pipe.
     std::signal(SIGPIPE, SIG_IGN);
     try {
         if (const auto options = preview_host::parseOptions(argc, argv))
