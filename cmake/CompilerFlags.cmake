@@ -4,8 +4,8 @@
 # The flags of all targets.
 add_library(kestrix_flags INTERFACE)
 target_compile_features(kestrix_flags INTERFACE cxx_std_20)
-# Interfaces in the manner of COM have no public destructor, and nothing deletes a stage through its base.
-# Hence no -Wnon-virtual-dtor.
+# No -Wnon-virtual-dtor: the interfaces have no public destructor, as in COM, and nothing deletes a stage
+# through its base.
 target_compile_options(kestrix_flags INTERFACE -Wall -Wextra -Wshadow -Wvla -Wmissing-declarations)
 if(KESTRIX_WERROR)
   target_compile_options(kestrix_flags INTERFACE -Werror)

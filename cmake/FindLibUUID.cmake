@@ -1,4 +1,4 @@
-# Finds the libuuid of util-linux as LibUUID::LibUUID. It has no CMake package of its own.
+# Finds the libuuid of util-linux as LibUUID::LibUUID. libuuid has no CMake package.
 find_path(LibUUID_INCLUDE_DIR uuid/uuid.h)
 find_library(LibUUID_LIBRARY uuid)
 mark_as_advanced(LibUUID_INCLUDE_DIR LibUUID_LIBRARY)

@@ -1,5 +1,5 @@
-# Installs the library. The component `runtime` has the shared object. The component `dev` has what is
-# needed to build a host: headers, the link to the library, the CMake package and the pkg-config file.
+# Installs the library. The component `runtime` contains the shared object. The component `dev` contains what
+# a host needs at build time: headers, the link to the library, the CMake package and the pkg-config file.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -11,7 +11,7 @@ install(FILES
   ${PROJECT_SOURCE_DIR}/api/KestrixPreviewAPI_v14_2_1.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT dev)
 
-# find_package(KestrixPreviewAPI) gives Kestrix::PreviewAPI. A major version is one ABI.
+# find_package(KestrixPreviewAPI) defines Kestrix::PreviewAPI. A major version is one ABI.
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/KestrixPreviewAPI)
 set_target_properties(KestrixPreviewAPI PROPERTIES EXPORT_NAME PreviewAPI)
 install(EXPORT KestrixPreviewAPI NAMESPACE Kestrix:: FILE KestrixPreviewAPIConfig.cmake

@@ -1,5 +1,5 @@
 # Debian packages of the two components: cpack -G DEB in a build folder. Configure with
-# -DCMAKE_INSTALL_PREFIX=/usr for the folders that Debian keeps for each architecture.
+# -DCMAKE_INSTALL_PREFIX=/usr for the folders that Debian has for each architecture.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME libkestrixpreviewapi)
 set(CPACK_PACKAGE_CONTACT "The libKestrixPreviewAPI authors <maintainers@kestrix-preview.example>")
