@@ -24,8 +24,8 @@ file(WRITE ${PROJECT_BINARY_DIR}/debian/shlibs
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA
   ${PROJECT_BINARY_DIR}/debian/triggers ${PROJECT_BINARY_DIR}/debian/shlibs)
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "preview of professional video frames in OpenGL
-A shared library that paints 8-, 10- and 12-bit YUV and RGB frames, as capture
-cards and files have them, into an OpenGL context owned by its host.")
+A shared library that paints 8-, 10- and 12-bit YUV and RGB frames, as they
+come from capture cards and files, into an OpenGL context owned by its host.")
 
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME libkestrixpreviewapi-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)

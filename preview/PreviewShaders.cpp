@@ -106,8 +106,8 @@ ivec2 clamp_position(sampler2D tex, ivec2 position)
 }
 
 // --- 4:2:2 --------------------------------------------------------------------------------------
-// Pixels of even x have chroma of their own. The others take the mean of their neighbours' chroma.
-// So three pixels are worked out, even, odd and next, and two of them are used.
+// Pixels of even x have their own chroma. The others have the mean of their neighbours' chroma. So
+// three pixels are computed, even, odd and next, and two of them are used.
 
 mat2x4 choose_pair(int x, vec4 even, vec4 odd, vec4 next)
 {
@@ -132,8 +132,8 @@ vec4 texture_2vuy(ivec2 pos, vec2 weights)
                              extract_pixels_2vuy(fTex, pos + ivec2(0, 1)), weights);
 }
 
-// v210, 10 bits. A texel holds three fields, b the lowest. If two fields share a byte, the upper
-// field takes the whole byte: the bits of the lower field stay in it as a fraction.
+// v210, 10 bits. A texel contains three fields, b the lowest. If two fields share a byte, the upper
+// field uses the whole byte: the bits of the lower field stay in it as a fraction.
 vec4 unpack_v210(sampler2D tex, ivec2 position)
 {
     vec4 u = fetch_scaled(tex, position);
@@ -153,7 +153,7 @@ mat2x4 extract_pixels_v210(sampler2D tex, ivec2 pos)
     ivec2 first = ivec2(mp + n / 2, pos.y);
     vec4 s0 = unpack_v210(tex, first);
     vec4 s1 = unpack_v210(tex, first + ivec2(1, 0));
-    // If the row ends with this group, its last chroma stands for the next.
+    // If the row ends with this group, its last chroma replaces the next.
     vec4 s2 = n < 4 || mp + 4 < last_texel(tex).x ? unpack_v210(tex, first + ivec2(2, 0))
                                                   : vec4(s1.g, 0.0, s0.r, 0.0);
     if (n < 2)
@@ -181,7 +181,7 @@ vec4 texture_v210(ivec2 pos, vec2 weights)
 // Ay10, 10 bits with alpha. A pixel a texel, a its lowest byte. From the lowest field: Y, the Cb of
 // an even or the Cr of an odd pixel, alpha. Shared bytes leave a fraction here too.
 //
-// A clamped position may have Cr in the place of Cb. So if the last pixel of a row has an odd x, its
+// A clamped position may have Cr instead of Cb. So if the last pixel of a row has an odd x, its
 // Cb is the mean of a Cb and a Cr.
 float luma_Ay10(vec4 s)
 {
@@ -271,11 +271,11 @@ vec4 texture_R10b(ivec2 pos, vec2 weights)
 }
 
 // --- 12-bit RGB, eight pixels in nine texels ----------------------------------------------------
-// Pixel i of a group lies in the texels i and i + 1. Its 36 bits begin 4 bits higher in texel i than
-// those of the pixel before in texel i - 1. x, y, z are R, G, B.
+// Pixel i of a group is in the texels i and i + 1. Its 36 bits begin 4 bits higher in texel i than
+// those of the previous pixel in texel i - 1. x, y, z are R, G, B.
 //
-// Three terms look wrong and are right: the low ends of R in 1 and 3 are not scaled down, and R in 5
-// takes its low end from g.
+// Three terms look wrong and are right: the low bits of R in 1 and 3 are not scaled down, and R in 5
+// has its low bits from g.
 
 vec4 unpack_R12x_0(vec4 s1, vec4 s2)
 {
