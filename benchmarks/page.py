@@ -78,7 +78,7 @@ def class_table(own):
                       spread(of_class, "cold_ns", "{:.2f}".format),
                       spread(of_class, "hot_of_memcpy", percent),
                       spread(of_class, "cold_of_memcpy", percent)])
-    return table(["class", "rows", "instructions a pixel", "ns a pixel, cold", "of memcpy, hot",
+    return table(["class", "rows", "instructions per pixel", "ns per pixel, cold", "of memcpy, hot",
                   "of memcpy, cold"], lines)
 
 
@@ -117,7 +117,7 @@ def helper_table(helpers):
             others.append(f"{call}: {float(record['ms']):.1f} ms")
     formats = sorted(next(iter(calls.values())))
     lines = [[f"{call}, {size}", *(cells[f] for f in formats)] for (call, size), cells in calls.items()]
-    return "; ".join(others)+ ".\n\n" + table(["ms a call", *formats], lines)
+    return "; ".join(others)+ ".\n\n" + table(["ms per call", *formats], lines)
 
 
 def text():
