@@ -103,7 +103,7 @@ struct CGLScreenPreview::PicturePlan {
         rightOffset = sideBySide ? eyeRowBytes() : std::size_t{eyeRows()} * rowBytes();
     }
 
-    /// The size of one eye: its pixels a row, the rows that are drawn, and the bytes of a row.
+    /// The size of one eye: its pixels per row, the rows that are drawn, and the bytes of a row.
     [[nodiscard]] unsigned eyeWidth() const { return static_cast<unsigned>(lines.width); }
     [[nodiscard]] unsigned eyeRows() const
     {

@@ -114,7 +114,7 @@ mat2x4 choose_pair(int x, vec4 even, vec4 odd, vec4 next)
     return x % 2 == 0 ? mat2x4(even, odd) : mat2x4(odd, next);
 }
 
-// 2vuy, 8 bits. Two pixels a texel: b Cb, g Y0, r Cr, a Y1.
+// 2vuy, 8 bits. Two pixels per texel: b Cb, g Y0, r Cr, a Y1.
 mat2x4 extract_pixels_2vuy(sampler2D tex, ivec2 pos)
 {
     ivec2 pair = ivec2(pos.x / 2, pos.y);
@@ -178,8 +178,8 @@ vec4 texture_v210(ivec2 pos, vec2 weights)
                              extract_pixels_v210(fTex, pos + ivec2(0, 1)), weights);
 }
 
-// Ay10, 10 bits with alpha. A pixel a texel, a its lowest byte. From the lowest field: Y, the Cb of
-// an even or the Cr of an odd pixel, alpha. Shared bytes leave a fraction here too.
+// Ay10, 10 bits with alpha. One pixel per texel, a its lowest byte. From the lowest field: Y, the
+// Cb of an even or the Cr of an odd pixel, alpha. Shared bytes leave a fraction here too.
 //
 // A clamped position may have Cr instead of Cb. So if the last pixel of a row has an odd x, its
 // Cb is the mean of a Cb and a Cr.
@@ -222,7 +222,7 @@ vec4 texture_Ay10(ivec2 pos, vec2 weights)
                              extract_pixels_Ay10(fTex, pos + ivec2(0, 1)), weights);
 }
 
-// --- 10-bit RGB, a pixel a texel ----------------------------------------------------------------
+// --- 10-bit RGB, a pixel per texel ---------------------------------------------------------------
 
 // Two bits, then R, G, B, from the highest: the fields of v210.
 vec4 unpack_r210(sampler2D tex, ivec2 position)

@@ -29,8 +29,8 @@ This page lists the rows of the table in their order, then the entries that no r
   destination row and reads no byte before a source row.
 
 A source row has `ceil(width / pixels) x bytes` of the groups of its [format](formats.md). If the width ends
-inside a group, it has 2 bytes a pixel of `2vuy` and `YUY2`, and 4 bytes a pixel of `ay10` and `Ay10`. After
-these bytes, the source format decides what the engine reads:
+inside a group, it has 2 bytes per pixel of `2vuy` and `YUY2`, and 4 bytes per pixel of `ay10` and `Ay10`.
+After these bytes, the source format decides what the engine reads:
 
 - `2vuy`, `YUY2`: if a row is longer than a whole number of blocks, the engine reads the 16 bytes after
   the last whole block.

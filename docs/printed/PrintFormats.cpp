@@ -33,7 +33,7 @@ Ranges: *full* runs from 0 to the largest code. *Studio* has black at 16 x 2^(n-
 235 x 2^(n-8), Cb and Cr centred on 128 x 2^(n-8) with extremes at 16 and 240 x 2^(n-8)
 (ITU-R BT.709-6, 3.4; ITU-R BT.601-7, 2.5.3).
 
-| Code | Engine name | Samples | Range | Alpha | Pixels a group | Bytes a group |
+| Code | Engine name | Samples | Range | Alpha | Pixels per group | Bytes per group |
 |---|---|---|---|---|---|---|
 )";
 

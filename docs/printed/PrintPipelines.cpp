@@ -31,7 +31,7 @@ This page lists the stages that define each conversion, and the stages that run.
   replaced some of them.
 - *end*: the stages that run for the rest of a row after those blocks, and for its partial block.
 - *block*: the number of pixels that go through the stages at a time.
-- *instructions*: instructions per pixel, at 1920 pixels a row, compiled by g++ 12.
+- *instructions*: instructions per pixel, at 1920 pixels per row, compiled by g++ 12.
 
 A conversion to or from Rec. 601 has two pipelines, which differ only in the matrix of primaries; this page
 shows the one for 625 lines. No entry lists stages in `fast::` and `details::`. The test `FastForms` runs

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Acts as a capture device: 25 frames a second, until it is stopped or has no more.
+/// Acts as a capture device: 25 frames per second, until it is stopped or has no more.
 class Capture {
 public:
     /// `count` frames; no limit if negative.
