@@ -156,6 +156,36 @@ TEST_P(ConversionEntries, ConvertInPlaceWherePixelsKeepTheirSize)
     }
 }
 
+/// In place, with the rows of the destination as close as they can be: each is written over rows
+/// that have been read.
+TEST_P(ConversionEntries, ConvertInPlaceToCloserRows)
+{
+    if (conversion.copies())
+        return;
+    forAllWidths([&](unsigned width) {
+        constexpr unsigned kHeight = 5;
+        const std::size_t in = rowBytes(conversion.src(), width);
+        const std::size_t out = rowBytes(conversion.dst(), width);
+        if (out > in)
+            return;
+        std::vector<std::uint8_t> bytes(kHeight * in + reference.bytesRead(width));
+        Random(width).fill(std::span(bytes), Content::Uniform);
+        conversion.limit(bytes);
+        const std::vector<std::uint8_t> before = bytes;
+        conversion.entry.function(width, kHeight, bytes.data(), static_cast<unsigned>(out),
+                                  bytes.data(), static_cast<unsigned>(in));
+        for (unsigned y = 0; y < kHeight; ++y) {
+            const auto row = reference.convert(before.data() + y * in, width,
+                                               conversion.heightForPrimaries(kHeight));
+            for (std::size_t i = 0; i < out; ++i)
+                ASSERT_EQ(bytes[y * out + i] & ~row.undefined[i], row.bytes[i] & ~row.undefined[i])
+                    << "row " << y << ", byte " << i;
+        }
+        ASSERT_TRUE(
+            std::equal(bytes.begin() + kHeight * out, bytes.end(), before.begin() + kHeight * out));
+    });
+}
+
 TEST_P(ConversionEntries, LeaveEmptyPicturesAlone)
 {
     for (const unsigned height : {0u, 0x80000000u, 0xffffffffu})
