@@ -1,4 +1,4 @@
-/// Frames in memory that fail where a test wants it to, and tell what was done with them.
+/// Frames in memory that fail or contradict themselves on request, and log what is done with them.
 #pragma once
 
 #include "api/KestrixPreviewAPI_v14_2_1.h"
@@ -6,12 +6,20 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdint>
+#include <deque>
 #include <limits>
+#include <map>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 namespace kestrix::test {
+
+/// The properties of a frame that are numbers.
+enum class Question { Width, Height, RowBytes, PixelFormat, Flags, Count };
 
 template<class FRAME>
 class BasicTestFrame : public FRAME {
@@ -21,23 +29,28 @@ public:
         return host::Owned<BasicTestFrame>(new BasicTestFrame(options));
     }
 
-    /// Interfaces that `QueryInterface` has not to give.
+    /// What the properties return, call by call, even if it does not fit the frame's memory. The
+    /// last value repeats. A property without values here returns the true one.
+    std::map<Question, std::deque<std::int64_t>> answers;
+    /// `QueryInterface` gives null for these interfaces, with the status below.
     std::vector<REFIID> lacks;
-    /// Queries for `IUnknown` are answered as the probe, the place for the answer left as it is.
+    HRESULT lacksStatus = E_NOINTERFACE;
+    /// Queries for `IUnknown` return `ProbeReply` and store nothing.
     bool answersProbe = false;
-    /// So many registrations of providers are taken, and the next refused with this status.
+    /// The frame accepts this number of registrations and refuses the next one.
     int registrationsTaken = std::numeric_limits<int>::max();
-    /// How long a registration takes, for other threads to come in between.
-    std::chrono::microseconds registrationTime{0};
     static constexpr HRESULT kRegistrationRefused = E_NOTIMPL;
+    /// How long a registration takes. Meanwhile other threads can run.
+    std::chrono::microseconds registrationTime{0};
     HRESULT startAccessStatus = S_OK;
     HRESULT getBytesStatus = S_OK;
+    bool givesNullBytes = false;
     HRESULT rightEyeStatus = S_OK;
-    /// Answered by `GetInt` beside the frame's colourspace, which it stores whatever the status.
+    /// The status of `GetInt`, which stores the frame's colourspace even if this is a failure.
     HRESULT getIntStatus = S_OK;
 
-    /// Counts of references and accesses go here as they change, each as `name` and the operation.
-    /// Null for no log. More frames can share one.
+    /// Receives a line for each change of references and accesses: `name` and the operation. Null
+    /// if there is no log. Several frames can share one.
     std::vector<std::string>* log = nullptr;
     std::string name;
 
@@ -45,7 +58,7 @@ public:
     {
         if (out && std::find(lacks.begin(), lacks.end(), id) != lacks.end()) {
             *out = nullptr;
-            return E_NOINTERFACE;
+            return lacksStatus;
         }
         if (answersProbe && id == IID_IUnknown)
             return ProbeReply;
@@ -64,6 +77,15 @@ public:
         return FRAME::Release();
     }
 
+    std::int64_t GetWidth() override { return answer(Question::Width, FRAME::GetWidth()); }
+    std::int64_t GetHeight() override { return answer(Question::Height, FRAME::GetHeight()); }
+    std::int64_t GetRowBytes() override { return answer(Question::RowBytes, FRAME::GetRowBytes()); }
+    std::uint32_t GetFlags() override { return answer(Question::Flags, FRAME::GetFlags()); }
+    std::uint32_t GetPixelFormat() override
+    {
+        return answer(Question::PixelFormat, FRAME::GetPixelFormat());
+    }
+
     HRESULT StartAccess(std::uint32_t flags) override
     {
         note("StartAccess " + std::to_string(flags));
@@ -74,13 +96,17 @@ public:
     {
         note("GetBytes");
         const HRESULT status = FRAME::GetBytes(out);
+        if (givesNullBytes)
+            *out = nullptr;
         return getBytesStatus < 0 ? getBytesStatus : status;
     }
 
     HRESULT EndAccess(std::uint32_t flags) override
     {
         note("EndAccess " + std::to_string(flags));
-        return FRAME::EndAccess(flags);
+        const HRESULT status = FRAME::EndAccess(flags);
+        EXPECT_EQ(status, S_OK) << "no such access is open";
+        return status;
     }
 
     HRESULT GetInt(std::uint32_t id, std::int64_t* out) override
@@ -114,6 +140,19 @@ private:
     {
         if (log)
             log->push_back(name + operation);
+    }
+
+    template<class NUMBER>
+    NUMBER answer(Question question, NUMBER trueValue)
+    {
+        const auto found = answers.find(question);
+        if (found == answers.end())
+            return trueValue;
+        auto& left = found->second;
+        const std::int64_t first = left.front();
+        if (left.size() > 1)
+            left.pop_front();
+        return static_cast<NUMBER>(first);
     }
 };
 

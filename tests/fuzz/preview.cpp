@@ -1,10 +1,10 @@
-/// Fuzzes both helpers through their factories: an input is a run of calls with invented frames. A
-/// frame's first answers hold; later ones may be anything. Its memory has what the first ones say
-/// and not a byte more than the 64 that may be read behind the last line.
+/// Fuzzes both helpers through their factories. An input is a run of calls with frames whose
+/// properties can be anything. The memory of a frame fits the first value of each property, and
+/// ends after the 64 bytes that may be read behind the last line. Later values may differ.
 #include "conversion/KSXPixelConversion.h"
 #include "tests/common/GLRecorder.h"
 #include "tests/common/GuardedBytes.h"
-#include "tests/common/InventedFrame.h"
+#include "tests/common/TestFrame.h"
 #include "tests/fuzz/FuzzTarget.h"
 
 #include <GL/gl.h>
@@ -23,7 +23,7 @@ namespace {
 constexpr std::int64_t kReadableBehind = 64;
 constexpr std::int64_t kMostBytes = 1 << 20;
 
-/// A number such as a host might give: mostly small, at times at an edge of some type.
+/// A number that a host might give. Most are small; some are near a limit of some type.
 std::int64_t number(FuzzInput& input)
 {
     constexpr std::int64_t kEdges[] = {0,         1,         -1,       720,       3840,
@@ -57,11 +57,11 @@ struct Picture {
     {
         const std::int64_t width = number(input);
         std::int64_t height = number(input);
-        // Gigabytes would be asked for, and got; more than that is refused.
+        // The helper would allocate gigabytes for these sizes. It refuses larger ones.
         if (const double area = static_cast<double>(width) * static_cast<double>(height);
             area > 0x1p22 && area < 0x1p36)
             height = 2;
-        // Rows mostly have room for their pixels, and at times run upwards.
+        // Most rows have room for their pixels. Some pictures have the first line last in memory.
         const unsigned shape = input.byte();
         std::int64_t rowBytes = number(input);
         if (shape % 4 != 0 && width >= 0 && width < 10000)
@@ -88,13 +88,13 @@ struct Picture {
         if (right || flags & 8)
             options.packing3D = (flags & 16) ? input.dword() : std::uint32_t{Packing3DLeftOnly};
         options.rightEye = right;
-        frame = InventedFrame::create(options);
+        frame = TestFrame::create(options);
         const std::int64_t pixelFormat = format(input);
-        frame->answer(Question::Width, width);
-        frame->answer(Question::Height, height);
-        frame->answer(Question::RowBytes, rowBytes);
-        frame->answer(Question::PixelFormat, pixelFormat);
-        frame->answer(Question::Flags, flags >> 7);
+        frame->answers = {{Question::Width, {width}},
+                          {Question::Height, {height}},
+                          {Question::RowBytes, {rowBytes}},
+                          {Question::PixelFormat, {pixelFormat}},
+                          {Question::Flags, {flags >> 7}}};
         if (flags & 32)
             frame->answers[static_cast<Question>(input.byte() % static_cast<int>(Question::Count))]
                 .push_back(flags & 64 ? number(input) : format(input));
@@ -113,15 +113,17 @@ struct Picture {
             frame->getIntStatus = E_FAIL;
         if (fault == 5)
             frame->rightEyeStatus = E_FAIL;
-        if (fault >= 8 && fault < 16)
-            (fault < 12 ? frame->lacks : frame->givesNull) = {kInterfaces[fault % 4]};
+        if (fault >= 8 && fault < 16) {
+            frame->lacks = {kInterfaces[fault % 4]};
+            frame->lacksStatus = fault < 12 ? E_NOINTERFACE : S_OK;
+        }
     }
 
     std::unique_ptr<GuardedBytes> bytes;
-    host::Owned<InventedFrame> frame;
+    host::Owned<TestFrame> frame;
 };
 
-/// Reads what the GL would read of the rows that it is given, the first and the last byte of each.
+/// Reads the first and the last byte of each row that the GL would read.
 void readRows(GLenum, GLint, GLint, GLint, GLsizei width, GLsizei height, GLenum, GLenum,
               const void* pixels)
 {
@@ -194,8 +196,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 right = std::make_unique<Picture>(input, nullptr);
             Picture picture(input, right ? right->frame.get() : nullptr);
             const HRESULT status = helper->SetFrame(picture.frame.get());
-            check(status <= 0, "a status that is none");
-            // The OpenGL 3 helper asks nothing before; a frame is gone before the memory is.
+            check(status <= 0, "an unknown status");
+            // The OpenGL 3 helper reads the frame in the paint, while the memory still exists.
             helper->PaintGL();
             helper->SetFrame(nullptr);
             check(picture.frame->openAccesses() == 0, "an access is open");

@@ -1,6 +1,5 @@
 /// What the OpenGL 3 helper does with frames: uploads, tables, uniforms, fences, references.
 #include "preview/ScreenPreviewLut.h"
-#include "tests/common/InventedFrame.h"
 #include "tests/common/PreviewFixture.h"
 
 #include <GL/gl.h>
@@ -9,12 +8,10 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <future>
 #include <limits>
 #include <optional>
-#include <thread>
 
 namespace kestrix::test {
 namespace {
@@ -147,7 +144,7 @@ TEST_F(GL3Paint, RoundsSizesDown)
     EXPECT_THAT(uploads(), Contains(storage(4, 0)));
 }
 
-// GL3PixelsTest.cpp checks which part is shown where.
+// GLPixelsTest.cpp checks which part is shown where.
 TEST_F(GL3Paint, KeepsStorageForAsLongAsTheEyesAreShownTheSameWay)
 {
     struct {
@@ -295,8 +292,8 @@ TEST_F(GL3Paint, UploadsNothingOfASizeThatNoFrameHas)
     constexpr std::int64_t k2To31 = std::int64_t{1} << 31;
     for (const Question question : {Question::Height, Question::RowBytes})
         for (const std::int64_t value : {std::int64_t{-8}, 2 * k2To31, kLeast, kLeast + 64}) {
-            const auto frame = InventedFrame::create({.width = 16, .height = 8, .format = kARGB});
-            frame->answer(question, value);
+            const Frame frame = TestFrame::create({.width = 16, .height = 8, .format = kARGB});
+            frame->answers[question] = {value};
             paint(frame.get());
             EXPECT_THAT(uploads(), IsEmpty()) << static_cast<int>(question) << ' ' << value;
             EXPECT_EQ(frame->references(), 1u);

@@ -2,7 +2,6 @@
 #include "tests/common/AllocationFaults.h"
 #include "tests/common/CaseName.h"
 #include "tests/common/GuardedBytes.h"
-#include "tests/common/InventedFrame.h"
 #include "tests/common/PreviewFixture.h"
 
 #include <GL/gl.h>
@@ -364,13 +363,13 @@ TEST_F(GLPreview, RefusesSizesThatNoFrameHas)
                             const std::vector<std::int64_t>& values) {
         for (const std::int64_t value : values) {
             GuardedBytes memory(kRow * 8 + kReadableBehind);
-            const auto frame = InventedFrame::create({.width = 32,
-                                                      .height = 8,
-                                                      .format = format,
-                                                      .rowBytes = kRow,
-                                                      .colorspace = ColorspaceCodeRec709,
-                                                      .bytes = memory.begin()});
-            frame->answer(question, value);
+            const Frame frame = TestFrame::create({.width = 32,
+                                                   .height = 8,
+                                                   .format = format,
+                                                   .rowBytes = kRow,
+                                                   .colorspace = ColorspaceCodeRec709,
+                                                   .bytes = memory.begin()});
+            frame->answers[question] = {value};
             EXPECT_EQ(helper->SetFrame(frame.get()), status)
                 << std::hex << format << ": " << static_cast<int>(question) << ' ' << value;
             EXPECT_EQ(frame->openAccesses(), 0);

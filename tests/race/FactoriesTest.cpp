@@ -1,7 +1,8 @@
 /// Many threads call the factories at the start of a process.
 #include "api/KestrixPreviewAPI_v14_2_1.h"
 #include "preview/ScreenPreviewLut.h"
-#include "tests/common/PreviewFixture.h"
+
+#include <gtest/gtest.h>
 
 #include <barrier>
 #include <thread>

@@ -21,33 +21,6 @@ struct Counts {
     int paints;
 };
 
-/// A frame that counts references without a log, because a log would need a lock.
-class CountingFrame : public host::MemoryFrame {
-public:
-    static host::Owned<CountingFrame> create(const host::MemoryFrameOptions& options)
-    {
-        return host::Owned<CountingFrame>(new CountingFrame(options));
-    }
-
-    HRESULT StartAccess(std::uint32_t flags) override
-    {
-        ++started;
-        return MemoryFrame::StartAccess(flags);
-    }
-
-    HRESULT EndAccess(std::uint32_t flags) override
-    {
-        ++ended;
-        return MemoryFrame::EndAccess(flags);
-    }
-
-    std::atomic<long> started{0};
-    std::atomic<long> ended{0};
-
-protected:
-    using MemoryFrame::MemoryFrame;
-};
-
 class PaintRace : public testing::TestWithParam<Counts> {};
 
 TEST_P(PaintRace, LeavesEveryFrameAsItWas)
@@ -60,21 +33,21 @@ TEST_P(PaintRace, LeavesEveryFrameAsItWas)
     ASSERT_EQ(context.failure(), "");
     GLRecorder& gl = GLRecorder::get();
     gl.useDriver();
+    int uploads = 0;
+    gl.observe("glTexSubImage2D", [&](const GLCall&) { ++uploads; });
     const Canvas canvas(8, 8);
     Helper helper(CreateOpenGL3ScreenPreviewHelper_0002());
     ASSERT_EQ(helper->InitializeGL(), S_OK);
 
     // Frames of two sizes and three formats, single frames and pairs.
-    std::vector<host::Owned<CountingFrame>> rights;
-    std::vector<host::Owned<CountingFrame>> lefts;
+    std::vector<Frame> rights;
+    std::vector<Frame> lefts;
     for (const std::uint32_t format : {code("BGRA"), code("2vuy"), kARGB}) {
         const std::int64_t width = format == kARGB ? 8 : 16;
-        host::MemoryFrameOptions options{.width = width, .height = 8, .format = format};
-        rights.push_back(CountingFrame::create(options));
-        lefts.push_back(CountingFrame::create(options));
-        options.packing3D = Packing3DLeftOnly;
-        options.rightEye = rights.back().get();
-        lefts.push_back(CountingFrame::create(options));
+        const host::MemoryFrameOptions options{.width = width, .height = 8, .format = format};
+        rights.push_back(TestFrame::create(options));
+        lefts.push_back(TestFrame::create(options));
+        lefts.push_back(TestFrame::create(stereo(options, rights.back())));
     }
 
     std::atomic<int> painted{0};
@@ -109,15 +82,12 @@ TEST_P(PaintRace, LeavesEveryFrameAsItWas)
     helper.reset();
     EXPECT_EQ(driverGL<decltype(::glGetError)>("glGetError")(), GLenum{GL_NO_ERROR});
 
-    long started = 0;
+    EXPECT_GT(uploads, 0);
     for (const auto* frames : {&lefts, &rights})
-        for (const auto& frame : *frames) {
+        for (const Frame& frame : *frames) {
             EXPECT_EQ(frame->references(), frames == &rights ? 2U : 1U);
-            EXPECT_EQ(frame->started, frame->ended);
             EXPECT_EQ(frame->openAccesses(), 0);
-            started += frame->started;
         }
-    EXPECT_GT(started, 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Race, PaintRace, testing::Values(Counts{"Short", 20'000, 200, 2'000}),
