@@ -4,8 +4,6 @@
 #include "conversion/ConversionEntries.h"
 #include "conversion/PixelFormats.h"
 
-#include <algorithm>
-#include <iterator>
 #include <ostream>
 #include <span>
 #include <string>

@@ -2,7 +2,6 @@
 #include "tests/common/AllocationFaults.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <new>
 
 extern "C" {

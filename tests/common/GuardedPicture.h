@@ -84,4 +84,21 @@ private:
     GuardedBytes m_memory;
 };
 
+/// Compares rows of pixels of `pixelBytes` bytes. A failure names the row, the pixel, the byte in
+/// it, both values and the seed of the input.
+inline testing::AssertionResult sameBytes(std::span<const std::uint8_t> expected,
+                                          std::span<const std::uint8_t> got, std::size_t pixelBytes,
+                                          unsigned row, std::uint64_t seed)
+{
+    if (expected.size() != got.size())
+        return testing::AssertionFailure()
+               << "row " << row << ": " << expected.size() << " bytes expected, got " << got.size();
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        if (expected[i] != got[i])
+            return testing::AssertionFailure()
+                   << "row " << row << ", pixel " << i / pixelBytes << ", byte " << i % pixelBytes
+                   << ": expected " << +expected[i] << ", got " << +got[i] << "; seed " << seed;
+    return testing::AssertionSuccess();
+}
+
 } // namespace kestrix::test

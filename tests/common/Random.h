@@ -1,10 +1,8 @@
-/// Seeded contents for the pictures and lanes that tests feed to the engine.
+/// Seeded contents for the pictures that tests give to the engine.
 #pragma once
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <random>
 #include <span>
 
@@ -27,29 +25,23 @@ public:
         return std::uniform_int_distribution<std::uint64_t>(0, last)(m_engine);
     }
 
-    /// Fills lanes with values from 0 to `maximum`; an impulse is one lane of it among zeros.
-    template<class LANE>
-    void fill(std::span<LANE> lanes, Content content, LANE maximum = static_cast<LANE>(~LANE{}))
+    /// Fills bytes. An impulse is one byte of 255 among zeros.
+    void fill(std::span<std::uint8_t> bytes, Content content)
     {
-        const auto close = std::min<std::uint64_t>(3, maximum);
-        for (LANE& lane : lanes) {
+        std::ranges::generate(bytes, [&]() -> std::uint8_t {
             switch (content) {
             case Content::Uniform:
-                lane = static_cast<LANE>(upTo(maximum));
-                break;
+                return static_cast<std::uint8_t>(upTo(255));
             case Content::NearZero:
-                lane = static_cast<LANE>(upTo(close));
-                break;
+                return static_cast<std::uint8_t>(upTo(3));
             case Content::NearMaximum:
-                lane = static_cast<LANE>(maximum - upTo(close));
-                break;
-            case Content::Impulse:
-                lane = 0;
-                break;
+                return static_cast<std::uint8_t>(255 - upTo(3));
+            default:
+                return 0;
             }
-        }
-        if (content == Content::Impulse && !lanes.empty())
-            lanes[upTo(lanes.size() - 1)] = maximum;
+        });
+        if (content == Content::Impulse && !bytes.empty())
+            bytes[upTo(bytes.size() - 1)] = 255;
     }
 
 private:

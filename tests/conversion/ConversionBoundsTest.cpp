@@ -4,7 +4,6 @@
 #include "tests/common/GuardedBytes.h"
 #include "tests/reference/Conversions.h"
 
-#include <algorithm>
 #include <numeric>
 #include <vector>
 

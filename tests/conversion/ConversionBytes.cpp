@@ -30,7 +30,7 @@ void hashRow(const Conversion& conversion, unsigned width, unsigned height, Cont
     const auto reference = reference::rowConversion(conversion.entry);
     std::vector<std::uint8_t> src(reference.bytesRead(width) + 64);
     std::vector<std::uint8_t> dst(rowBytes(conversion.dst(), width));
-    Random(width).fill(std::span(src), content);
+    Random(width).fill(src, content);
     conversion.limit(src);
     conversion.entry.function(width, height, dst.data(),
                               height == 1 ? static_cast<unsigned>(dst.size()) : 0, src.data(), 0);

@@ -7,15 +7,13 @@
 
 #include <GL/gl.h>
 
-#include <span>
-
 namespace kestrix::test {
 
 /// Noise in the given size and format.
 inline Frame noise(const host::MemoryFrameOptions& options, std::uint64_t seed)
 {
     Frame frame = TestFrame::create(options);
-    Random(seed).fill(std::span(frame->bytes(), frame->size()), Content::Uniform);
+    Random(seed).fill({frame->bytes(), frame->size()}, Content::Uniform);
     return frame;
 }
 

@@ -1,6 +1,5 @@
 /// The colourspace of a frame, the choice of its conversion, and the CPU's passes over it.
 #include "preview/ScreenPreviewBase.h"
-#include "tests/common/Difference.h"
 #include "tests/common/GuardedPicture.h"
 #include "tests/common/PreviewFixture.h"
 #include "tests/common/Random.h"
@@ -121,7 +120,7 @@ TEST(PreviewRender, HoldsCapturedRGBWithinStudioRangeAndCopiesTheRest)
             EXPECT_TRUE(std::ranges::equal(source.row(y), lines[y])) << "the source is written";
             for (std::uint8_t& value : lines[y])
                 value = clamps ? std::clamp<std::uint8_t>(value, 16, 235) : value;
-            EXPECT_TRUE(sameLanes<std::uint8_t>(lines[y], destination.row(y), 4, y, width));
+            EXPECT_TRUE(sameBytes(lines[y], destination.row(y), 4, y, width));
         }
     };
     // RGBA is the same captured or not: cards do not capture it in studio range.

@@ -11,7 +11,6 @@
 #include "conversion/KSXPixelConversion.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>

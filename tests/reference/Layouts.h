@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace kestrix::test::reference {
@@ -135,6 +136,15 @@ struct WrittenRow {
                      layout.levels.bits <= 10 ? static_cast<unsigned>(limited) : lane);
         if (unknown)
             layout.write(undefined.data(), bit, layout.maximum());
+    }
+
+    /// `row` with the expected value in each bit without a defined one, so that it can be compared.
+    std::vector<std::uint8_t> comparable(std::span<const std::uint8_t> row) const
+    {
+        std::vector<std::uint8_t> compared = bytes;
+        for (std::size_t i = 0; i < bytes.size(); ++i)
+            compared[i] ^= (bytes[i] ^ row[i]) & ~undefined[i];
+        return compared;
     }
 };
 

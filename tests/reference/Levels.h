@@ -20,12 +20,6 @@ struct Levels {
     int white() const { return full ? (1 << bits) - 1 : 235 << (bits - 8); }
 };
 
-/// A 16-bit lane, read as signed and limited to a byte.
-constexpr std::uint8_t saturated(std::uint16_t lane)
-{
-    return static_cast<std::uint8_t>(std::clamp<int>(static_cast<std::int16_t>(lane), 0, 255));
-}
-
 /// Converts levels. The gain follows from the levels. It has 16 bits of fraction. If it does not
 /// fit, it is halved until it does, and the value is doubled as often.
 class Rescale {

@@ -78,17 +78,6 @@ void toYUV(const RGBToYUV& c, const std::uint16_t* bgra, std::size_t pixels, con
     }
 }
 
-/// Converts a row of B, G, R, A to one of Cb, Y, Cr, Y.
-inline void toUYVY(const RGBToYUV& c, const std::uint16_t* bgra, std::uint16_t* uyvy,
-                   std::size_t pixels)
-{
-    toYUV(c, bgra, pixels, [&](std::size_t x, int y, int chroma) {
-        // The sign of chroma reaches into Y, because they are one word of 32 bits.
-        uyvy[2 * x] = static_cast<std::uint16_t>(chroma);
-        uyvy[2 * x + 1] = static_cast<std::uint16_t>(y | chroma >> 16);
-    });
-}
-
 struct YUVToRGB {
     Matrix matrix;
     int yuvBits;
