@@ -1,6 +1,5 @@
 /// The store of colour tables, what they hold and the choice among them.
 #include "preview/ScreenPreviewLut.h"
-#include "tests/common/AllocationFaults.h"
 #include "tests/common/PreviewFixture.h"
 #include "tests/reference/Gamut.h"
 #include "tests/reference/Levels.h"
