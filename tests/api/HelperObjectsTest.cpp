@@ -1,5 +1,4 @@
 /// The helpers as reference-counted objects, and the factories that make them.
-#include "api/KestrixPreviewAPI_v14_2_1.h"
 #include "tests/common/CaseName.h"
 #include "tests/common/PreviewFixture.h"
 
@@ -8,13 +7,7 @@
 namespace kestrix::test {
 namespace {
 
-struct Factory {
-    const char* name;
-    CreateScreenPreviewHelperFunction create;
-    CreateScreenPreviewHelperFunction_v14_2_1 createOld;
-};
-
-class HelperObject : public FakeGLTest, public testing::WithParamInterface<Factory> {};
+class HelperObject : public FakeGLTest, public testing::WithParamInterface<HelperKind> {};
 
 TEST_P(HelperObject, AnswersForItsInterfacesAndCountsReferences)
 {
@@ -70,12 +63,7 @@ TEST_P(HelperObject, IsInsideTheOldOneAndOwnedByIt)
         EXPECT_EQ(status, S_OK);
 }
 
-INSTANTIATE_TEST_SUITE_P(Api, HelperObject,
-                         testing::Values(Factory{"Legacy", CreateOpenGLScreenPreviewHelper_0002,
-                                                 CreateOpenGLScreenPreviewHelper_0001},
-                                         Factory{"OpenGL3", CreateOpenGL3ScreenPreviewHelper_0002,
-                                                 CreateOpenGL3ScreenPreviewHelper_0001}),
-                         caseName);
+INSTANTIATE_TEST_SUITE_P(Api, HelperObject, testing::ValuesIn(kHelperKinds), caseName);
 
 } // namespace
 } // namespace kestrix::test

@@ -1,5 +1,5 @@
-/// Old frames and helpers as current ones, and the other way round: who answers for what, whose
-/// references are counted, and what is left when something fails on the way.
+/// The adapters between the revisions, in both directions: which object answers a query, whose
+/// references count, and what remains after a failure.
 #include "api/v14_2_1/GLScreenPreviewHelper.h"
 #include "api/v14_2_1/VideoFrame_From.h"
 #include "tests/api/AdaptedFrames.h"
@@ -26,7 +26,7 @@ void** probe()
     return reinterpret_cast<void**>(ProbeSentinel);
 }
 
-/// An old frame that answers the probe in one way or another.
+/// An old frame whose answer to the probe can be chosen.
 class OldTestFrame : public host::OldMemoryFrame {
 public:
     static Owned<OldTestFrame> create(const host::OldMemoryFrameOptions& options)
@@ -34,10 +34,10 @@ public:
         return Owned<OldTestFrame>(new OldTestFrame(options));
     }
 
-    /// The answer to a query for `IUnknown`, where there is one.
+    /// What a query for `IUnknown` returns, if it is given.
     std::optional<HRESULT> probeStatus;
     enum { Leave, GiveItself, GiveNoReference, GiveNull } probeStores = Leave;
-    /// The current frame that it is in truth.
+    /// The current frame that it is an adapter of.
     IKestrixVideoFrame* current = nullptr;
     HRESULT rightEyeStatus = S_OK;
 
@@ -72,8 +72,8 @@ Owned<IKestrixVideoFrame> wrap(Old* old)
     return Owned<IKestrixVideoFrame>(CKestrixVideoFrame_From_v14_2_1::create(old));
 }
 
-/// Checks the extensions `id` of a frame. `left` is the frame that they wrap in the end, which is
-/// made to answer `failures` when asked for `right`.
+/// Checks the extensions `id` of a frame. `left` is the innermost frame that they wrap. It returns
+/// each of `failures` instead of `right`.
 template<class Extensions, class Frame, class Left, class Right>
 void expectRightEye(Frame* frame, REFIID id, Left& left, Right& right,
                     const std::vector<HRESULT>& failures)
@@ -113,7 +113,7 @@ TEST(OldFrame, IsUnwrappedOnlyWhereItAnswersTheProbe)
         bool unwrapped = false;
     } cases[] = {
         {ProbeReply, OldTestFrame::Leave, true, true},
-        {ProbeReply, OldTestFrame::Leave, false}, // no current frame after all
+        {ProbeReply, OldTestFrame::Leave, false}, // but it has no current frame
         {ProbeReply, OldTestFrame::GiveItself},
         {ProbeReply, OldTestFrame::GiveNull},
         {S_OK, OldTestFrame::GiveItself},
@@ -155,7 +155,7 @@ TEST(OldFrame, IsWrappedWithABufferAndOneCount)
         EXPECT_EQ(query<IUnknown>(buffer.get(), IID_IKestrixVideoFrame).get(), frame.get());
         EXPECT_EQ(query<IUnknown>(buffer.get(), IID_IUnknown).get(), frame.get());
 
-        // What the wrapper has not goes to the old frame, and 3D where the old frame has none.
+        // Other interfaces are those of the old frame, which has no extensions here.
         EXPECT_EQ(query<Old>(frame.get(), IID_IKestrixVideoFrame_v14_2_1).get(), old.get());
         for (const REFIID& id : {kNobodysID, IID_IKestrixVideoFrame3DExtensions}) {
             void* none = this;
@@ -190,7 +190,7 @@ constexpr auto attachPlain = attach<CKestrixVideoFrame_v14_2_1>;
 constexpr auto attachMutable = attach<CKestrixMutableVideoFrame_v14_2_1>;
 constexpr auto attachInput = attach<CKestrixVideoInputFrame_v14_2_1>;
 
-/// Makes a frame that takes so many registrations.
+/// Makes a frame that accepts this number of registrations.
 template<class Frame>
 Owned<host::MemoryFrame> frameThatTakes(int registrations)
 {
@@ -203,9 +203,9 @@ Owned<host::MemoryFrame> frameThatTakes(int registrations)
 /// One of the three adapters.
 struct Kind {
     const char* name;
-    /// Ids that it is registered for, in that order, the first its own.
+    /// The ids that it registers, in this order. The first is its own.
     std::vector<REFIID> ids;
-    /// Whether registrations stay where one after them is refused.
+    /// Whether earlier registrations remain if one is refused.
     bool keepsRegistrations;
     Owned<host::MemoryFrame> (*make)(int registrations);
     HRESULT (*attach)(host::MemoryFrame* frame, Owned<Old>& out);
@@ -239,7 +239,7 @@ TEST_P(CurrentFrame, HasOneAdapterThatSharesItsCount)
          {kNobodysID, ownID, IID_IUnknown, IID_IKestrixVideoFrame3DExtensions_v14_2_1})
         EXPECT_EQ(old->QueryInterface(id, probe()), ProbeReply);
 
-    // Opened once for reading and writing, for good.
+    // The adapter opens one access for reading and writing, and never closes it.
     EXPECT_EQ(old->GetBytes(&out), S_OK);
     EXPECT_EQ(out, frame->bytes());
     EXPECT_EQ(old->GetBytes(nullptr), E_POINTER);
@@ -267,7 +267,7 @@ TEST_P(CurrentFrame, KeepsOrGivesBackRegistrationsWhereOneIsRefused)
     }
 }
 
-// One thread finds what the others attach. The frame takes no more than one of them registers.
+// One thread queries what the others attach. The frame accepts the registrations of one thread.
 TEST_P(CurrentFrame, HasOneAdapterWhenThreadsMeet)
 {
     constexpr int kThreads = 4;
@@ -322,7 +322,7 @@ TEST(CurrentFrame, HasNoAdapterOrAPoorOneWhereItLacksInterfaces)
     EXPECT_EQ(attachInput(frame.get(), old), E_FAIL);
     EXPECT_EQ(query<IUnknown>(frame.get(), IID_IKestrixVideoFrame_v14_2_1), nullptr);
 
-    // With a registry, but no captured frame: an adapter of nothing, which does no harm.
+    // With a registry, but no captured frame: an adapter without a frame, which does no harm.
     frame->lacks = {IID_IKestrixVideoInputFrame};
     ASSERT_EQ(attachInput(frame.get(), old), S_OK);
     EXPECT_EQ(old->AddRef(), 0U);
@@ -368,7 +368,7 @@ TEST(CurrentFrame, GivesItsExtensionsAndItsRightEyeToOldHosts)
     ASSERT_EQ(attachInput(left.get(), old), S_OK);
     const REFIID id = IID_IKestrixVideoFrame3DExtensions_v14_2_1;
     using Extensions = IKestrixVideoFrame3DExtensions_v14_2_1;
-    // What is the right eye's own registry's fault is told; nothing is given then.
+    // If the right eye has no registry, the status says so and there is no right eye.
     right->lacks = {IID_IKestrixFrameProviderRegistry};
     Old* eye = old.get();
     EXPECT_EQ(query<Extensions>(old.get(), id)->GetFrameForRightEye(&eye), E_FAIL);
@@ -378,14 +378,14 @@ TEST(CurrentFrame, GivesItsExtensionsAndItsRightEyeToOldHosts)
     EXPECT_NE(query<IUnknown>(left.get(), id), nullptr);
     EXPECT_EQ(left->references(), 2U);
 
-    // A flat frame has none to give, though its adapter is registered for them.
+    // A frame of one eye has no extensions, but its adapter is registered for them.
     ASSERT_EQ(attachInput(right.get(), old), S_OK);
     EXPECT_EQ(query<IUnknown>(right.get(), id), nullptr);
 }
 
 // --- The helper ----------------------------------------------------------------------------------
 
-/// Keeps what it is given.
+/// Keeps the frame that it is given.
 class TestHelper : public IKestrixGLScreenPreviewHelper {
 public:
     HRESULT QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }

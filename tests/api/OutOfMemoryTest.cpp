@@ -1,5 +1,5 @@
-/// Every allocation of every operation fails once. The operation then returns the stated status or
-/// null, throws nothing, returns what it took of the frames, and leaves no memory behind.
+/// Each allocation of each operation fails once. The operation then returns the stated status or
+/// null. It throws nothing, keeps no reference and no access of the frames, and leaks no memory.
 #include "api/v14_2_1/VideoFrame_From.h"
 #include "preview/ScreenPreviewLut.h"
 #include "tests/api/AdaptedFrames.h"

@@ -2,9 +2,9 @@
 ///
 ///     dlopen_host LIBRARY          all four factories: makes a helper by each and gives it back
 ///     dlopen_host LIBRARY ROUNDS   loads the library again and again: nothing of it may stay
-///     dlopen_host LIBRARY live     ends with helpers that nobody has released
+///     dlopen_host LIBRARY live     ends with helpers that were not released
 ///
-/// One line and exit status 1 for whatever goes wrong.
+/// Any failure gives one line and exit status 1.
 #include <KestrixPreviewAPI_v14_2_1.h>
 
 #include <dlfcn.h>
@@ -22,12 +22,12 @@ using Current = IKestrixGLScreenPreviewHelper;
 using Old = IKestrixGLScreenPreviewHelper_v14_2_1;
 
 constexpr int kRoundsToSettle = 10;
-/// What may come and go between two rounds, such as pages of the heap; not 1,000 times one helper.
+/// Room for pages of the heap, which may come and go. A leak of one helper a round is larger.
 constexpr long kGrowthBytes = 64 * 1024;
 
 void* s_library = nullptr;
 int s_callsOfOwnFactory = 0;
-/// What a process that ends still holds, as a host's own variables would.
+/// Helpers that a process still holds at its end, as a host's variables may.
 Current* volatile s_heldAtExit[2];
 
 bool fail(const char* what, const char* why)
@@ -90,7 +90,7 @@ bool mapped()
     return false;
 }
 
-/// Resident memory that is nobody else's too, in bytes.
+/// Resident memory that is not shared, in bytes.
 long privateBytes()
 {
     std::ifstream statm("/proc/self/statm");

@@ -1,4 +1,4 @@
-/// Replacements of the allocation functions that can be told to fail.
+/// Replacements of the allocation functions that fail on request.
 #include "tests/common/AllocationFaults.h"
 
 #include <cerrno>

@@ -1,4 +1,4 @@
-/// Memory faults as results in the place of a test program's end.
+/// Turns memory faults into results, so that they don't end the test program.
 #pragma once
 
 #include <csetjmp>
@@ -25,8 +25,8 @@ public:
     FaultCatcher(const FaultCatcher&) = delete;
     FaultCatcher& operator=(const FaultCatcher&) = delete;
 
-    /// Whether `f` touched what can't be touched. Then it has not ended, and nothing that it made
-    /// was destroyed.
+    /// Whether `f` reads or writes memory that it can't. After a fault it does not go on, and its
+    /// objects are not destroyed.
     template<class F>
     bool faults(const F& f)
     {

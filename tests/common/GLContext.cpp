@@ -25,8 +25,8 @@ std::string lastError()
     return description ? description : "no reason given";
 }
 
-/// Once for the process, as drivers that are unloaded and loaded again leave memory behind. A
-/// virtual display starts over when its last client has gone, and refuses the next for a moment.
+/// GLFW is never terminated, because drivers that are unloaded leave memory allocated. A virtual
+/// display starts again after its last client, and refuses new clients for a moment.
 bool startGLFW()
 {
     for (int attempt = 0; attempt < 50; ++attempt) {

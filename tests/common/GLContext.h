@@ -1,6 +1,6 @@
 /// A GL context without a window to be seen, and pictures to paint into.
 ///
-/// What is done here goes past the recorder.
+/// The calls here are not recorded.
 #pragma once
 
 #include <array>
@@ -24,7 +24,7 @@ public:
     GLContext(const GLContext&) = delete;
     GLContext& operator=(const GLContext&) = delete;
 
-    /// Why there is no context; empty where there is one.
+    /// Why there is no context. Empty if there is one.
     const std::string& failure() const { return m_failure; }
 
     /// What the driver had to say so far, a line each: errors, misuse, slow paths.

@@ -29,7 +29,7 @@ struct Name {
 template<Name NAME, class FUNCTION>
 struct Recorded;
 
-// A fake takes for numbers what is pointers to others, which is all the same to the caller.
+// Some parameters of fakes are numbers and not pointers. The caller passes both in the same way.
 #ifdef __clang__
 #define KESTRIX_CALLS_ALIKE __attribute__((no_sanitize("function")))
 #else
@@ -57,14 +57,14 @@ void* find(const Functions& functions, const std::string& name)
     return found == functions.end() ? nullptr : found->second;
 }
 
-/// Of a function or of a lambda that captures nothing.
+/// The address of a function, or of a lambda without captures.
 template<class FUNCTION>
 void* address(FUNCTION function)
 {
     return reinterpret_cast<void*>(+function);
 }
 
-/// What look-ups give, whatever the mode: everything that either helper may ask for.
+/// What look-ups return, with the fake and with the driver: all that the helpers look up.
 const Functions& recordedFunctions()
 {
     // clang-format off

@@ -1,8 +1,8 @@
-/// A GL that stands between the helpers and the driver: it writes down every call and either passes
-/// it on or answers it by itself.
+/// A GL between the helpers and the driver. It records each call, and then either passes it on or
+/// answers it itself.
 ///
-/// GLRecorder.cpp defines `glXGetProcAddress` and the entry points that the library links directly,
-/// so a test program that contains it and the static library has its GL calls arrive here.
+/// GLRecorder.cpp defines `glXGetProcAddress` and the entry points that the library links directly.
+/// In a test program with it and the static library, all GL calls of the library come here.
 #pragma once
 
 #include <cstdint>
@@ -17,11 +17,11 @@
 
 namespace kestrix::test {
 
-/// Stands for an argument that a test does not care about.
+/// In an expected call: this argument can have any value.
 inline constexpr double kAny = std::numeric_limits<double>::quiet_NaN();
 
-/// A call, made or expected. Every argument is a number: a double has room for all integers that GL
-/// is given, for floats and for the 48 bits of an address.
+/// A call, made or expected. All arguments are numbers. A double can hold all integers that the
+/// helpers pass, floats, and the 48 bits of an address.
 struct GLCall {
     std::string name;
     std::vector<double> arguments;
@@ -35,7 +35,7 @@ struct GLCall {
 
 std::ostream& operator<<(std::ostream& out, const GLCall& call);
 
-/// Writes an expected call as it would stand in code.
+/// An expected call, written like a call in code.
 template<class... ARGUMENTS>
 GLCall call(const char* name, ARGUMENTS... arguments)
 {
@@ -50,7 +50,7 @@ GLCall call(const char* name, ARGUMENTS... arguments)
     return {name, {number(arguments)...}};
 }
 
-/// What the fake answers, and what it was told.
+/// What the fake answers, and its state.
 struct FakeGL {
     int majorVersion = 4;
     int minorVersion = 5;
@@ -67,7 +67,7 @@ struct FakeGL {
     std::map<unsigned, std::vector<std::uint8_t>> bufferBytes;
 
     unsigned make(const char* kind);
-    /// Where a uniform or an attribute lies; any fixed and distinct number will do.
+    /// The location of a uniform or an attribute: a fixed number for each name.
     static int location(const char* name);
     std::vector<unsigned> liveOf(const std::string& kind) const;
 };
@@ -77,9 +77,9 @@ class GLRecorder {
 public:
     static GLRecorder& get();
 
-    /// Forgets everything and answers calls by a fresh fake, for which no context is needed.
+    /// Forgets everything. A new fake answers calls from now on. It needs no context.
     void useFake() { *this = GLRecorder(false); }
-    /// Forgets everything and passes calls on to libGL, which needs a current context.
+    /// Forgets everything and passes calls on to libGL. It needs a current context.
     void useDriver() { *this = GLRecorder(true); }
 
     /// Calls since the last `clear`, in order, look-ups excluded.
@@ -87,7 +87,7 @@ public:
     /// Those of them to certain functions.
     std::vector<GLCall> callsTo(const std::set<std::string>& names) const;
     std::vector<std::string> callNames() const;
-    /// Names asked of `glXGetProcAddress` since the last `clear`.
+    /// Names that `glXGetProcAddress` was called with since the last `clear`.
     const std::vector<std::string>& lookups() const { return m_lookups; }
     void clear();
 
@@ -97,15 +97,15 @@ public:
         m_observers.emplace(name, std::move(observer));
     }
 
-    /// Has calls to `name` answered by `function`, whatever the mode.
+    /// Lets `function` answer calls to `name`, with the fake and with the driver.
     template<class FUNCTION>
     void replace(const std::string& name, FUNCTION* function)
     {
         m_replacements[name] = reinterpret_cast<void*>(function);
     }
 
-    /// Has `glXGetProcAddress` give null at the look-up of that number from the last `clear`,
-    /// counted from 0; none for a negative number.
+    /// Lets one look-up after the last `clear` return null. The first one is number 0; with a
+    /// negative number none fails.
     void failLookup(int number) { m_failingLookup = number; }
 
     FakeGL fake;
@@ -126,10 +126,10 @@ private:
     std::map<std::string, void*> m_replacements;
 };
 
-/// The driver's own entry point, past the recorder.
+/// The driver's own entry point. Calls to it are not recorded.
 void* driverEntryPoint(const char* name);
 
-/// The same of its type, as in `driverGL<decltype(glGetError)>("glGetError")`.
+/// The same with its type, as in `driverGL<decltype(glGetError)>("glGetError")`.
 template<class FUNCTION>
 FUNCTION* driverGL(const char* name)
 {

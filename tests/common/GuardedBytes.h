@@ -10,8 +10,8 @@
 
 namespace kestrix::test {
 
-/// Zeroed bytes that end where an unreadable page begins. Another lies in front of them, at a
-/// distance of less than a page; a whole number of pages begins right behind it.
+/// Zeroed bytes. A page that can't be read begins at their end. Another one ends less than a page
+/// before them, or directly before them if they are whole pages.
 class GuardedBytes {
 public:
     explicit GuardedBytes(std::size_t size) : m_size(size)

@@ -1,4 +1,4 @@
-/// A picture in memory that shows every byte touched outside its rows.
+/// A picture in memory that shows each byte that is written outside its rows.
 #pragma once
 
 #include "tests/common/GuardedBytes.h"
@@ -11,16 +11,16 @@
 
 namespace kestrix::test {
 
-/// Where the rows of a picture lie. `padding` bytes stand between rows, and `slack` bytes behind
-/// the one that is last in memory before the page that can't be touched.
+/// Where the rows of a picture lie. There are `padding` bytes between rows, and `slack` bytes from
+/// the end of the last row in memory to the page that can't be read or written.
 struct PictureLayout {
     std::size_t padding = 0;
     bool bottomUp = false;
     std::size_t slack = 0;
 };
 
-/// Rows of exact size with guard bytes before, between and behind them, and an unreadable page
-/// behind it all. An odd padding puts rows at every alignment.
+/// Rows of exact size. There are guard bytes before, between and after them, and then a page that
+/// can't be read. If the padding is odd, rows have every alignment.
 class GuardedPicture {
 public:
     GuardedPicture(unsigned height, std::size_t rowBytes, PictureLayout layout = {})

@@ -1,11 +1,13 @@
-/// What the tests of the helpers share: codes, helpers, frames of two eyes, the fake GL.
+/// What the tests of the helpers share: matchers, codes, helpers, frames of two eyes, the fake GL.
 #pragma once
 
 #include "api/KestrixPreviewAPI.h"
 #include "host/Owned.h"
+#include "tests/common/GLContext.h"
 #include "tests/common/GLRecorder.h"
 #include "tests/common/TestFrame.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -15,8 +17,29 @@
 
 namespace kestrix::test {
 
+using host::MemoryFrameOptions;
+using testing::Contains;
+using testing::Each;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+
 using Helper = host::Owned<IKestrixGLScreenPreviewHelper>;
 using Frame = host::Owned<TestFrame>;
+
+/// Both helpers, for the tests of what they have in common.
+struct HelperKind {
+    const char* name;
+    CreateScreenPreviewHelperFunction create;
+    CreateScreenPreviewHelperFunction_v14_2_1 createOld;
+    GLContext::Kind context;
+};
+inline const HelperKind kHelperKinds[] = {
+    {"FixedFunction", CreateOpenGLScreenPreviewHelper_0002, CreateOpenGLScreenPreviewHelper_0001,
+     GLContext::Kind::Legacy},
+    {"OpenGL3", CreateOpenGL3ScreenPreviewHelper_0002, CreateOpenGL3ScreenPreviewHelper_0001,
+     GLContext::Kind::Core32},
+};
 
 /// The code that a FourCC stands for, its first character in the top byte.
 constexpr std::uint32_t code(std::string_view text)
@@ -31,15 +54,15 @@ constexpr std::uint32_t code(std::string_view text)
 inline constexpr std::uint32_t kARGB = 32;
 
 /// `options` of the left eye of a pair.
-inline host::MemoryFrameOptions stereo(host::MemoryFrameOptions options, const Frame& right,
-                                       std::uint32_t packing = Packing3DLeftOnly)
+inline MemoryFrameOptions stereo(MemoryFrameOptions options, const Frame& right,
+                                 std::uint32_t packing = Packing3DLeftOnly)
 {
     options.packing3D = packing;
     options.rightEye = right.get();
     return options;
 }
 
-/// Ends a test's child process with the outcome of the expectations in it, past all destructors.
+/// Ends a test's child process with the outcome of its expectations. No destructor runs.
 [[noreturn]] inline void exitWithOutcome()
 {
     std::fflush(nullptr);

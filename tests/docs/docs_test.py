@@ -66,7 +66,7 @@ def check_excerpts():
             for line, _, block in blocks(page, "cpp"):
                 for part in "\n".join(lines(block)).split("// ..."):
                     if not any(part.strip() in text for text in code):
-                        fault(page, f"line {line}: no source has\n{part.strip()}")
+                        fault(page, f"line {line}: this is not in a source\n{part.strip()}")
 
 
 def run(page, block, folder, limit):
@@ -76,7 +76,7 @@ def run(page, block, folder, limit):
                             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                             stderr=subprocess.STDOUT, text=True, timeout=limit)
     if result.returncode != 0:
-        fault(page, f"{block}answers {result.returncode}:\n{result.stdout[-2000:]}")
+        fault(page, f"{block}exits with status {result.returncode}:\n{result.stdout[-2000:]}")
 
 
 def check_commands(slow):
@@ -100,7 +100,7 @@ def check_commands(slow):
         count = 0
         for page in PAGES:
             if COMMAND.search(FENCE.sub("", page.read_text())):
-                fault(page, "a command in an indented block; put it into a fenced one of sh")
+                fault(page, "a command in an indented block: use a fenced block of sh")
             for line, mark, block in blocks(page, "sh"):
                 where = f"{page.relative_to(SOURCE)}:{line}"
                 if mark.startswith("not-run: "):
@@ -112,7 +112,7 @@ def check_commands(slow):
                     run(page, block, folder, 5400 if slow else 60)
                     count += 1
                 else:
-                    print(f"{where}: slow, see the test docs.slow_commands\n{block}", end="")
+                    print(f"{where}: slow; the test docs.slow_commands runs it\n{block}", end="")
         print(f"{count} blocks were run")
 
 

@@ -1,4 +1,4 @@
-/// Runs a fuzz target over the files in a folder, and over so many inputs of noise.
+/// Runs a fuzz target over the files in a folder, and over a number of random inputs.
 #include "tests/fuzz/FuzzTarget.h"
 
 #include <algorithm>

@@ -5,8 +5,6 @@
 #include <GL/gl.h>
 #include <GL/glext.h>
 
-#include <gmock/gmock.h>
-
 #include <algorithm>
 #include <chrono>
 #include <future>
@@ -15,12 +13,6 @@
 
 namespace kestrix::test {
 namespace {
-
-using host::MemoryFrameOptions;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Not;
 
 // 16 by 8 pixels of 4 bytes, and 16 bytes of padding a line: rows of 20 texels, 4 of them in a
 // texture.

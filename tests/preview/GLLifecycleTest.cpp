@@ -6,8 +6,6 @@
 
 #include <GL/glext.h>
 
-#include <gmock/gmock.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -19,9 +17,7 @@
 namespace kestrix::test {
 namespace {
 
-using testing::Contains;
-using testing::IsEmpty;
-
+GLRecorder& gl = GLRecorder::get();
 constexpr const char* kPixelBuffers = "GL_ARB_texture_non_power_of_two GL_ARB_pixel_buffer_object";
 
 Frame pictureOf(int width, int height)
@@ -34,7 +30,6 @@ Frame pictureOf(int width, int height)
 // Look-ups that fail have a test of their own, in processes of their own.
 TEST(GLObjects, AreDeletedAfterAnInitialisationThatFailed)
 {
-    GLRecorder& gl = GLRecorder::get();
     const struct {
         const char* step;
         HRESULT status;
@@ -80,7 +75,6 @@ TEST(GLObjects, AreDeletedAfterAnInitialisationThatFailed)
 
 TEST(GL3Initialization, IsNeededBeforePaintingAndNeedsVersion32)
 {
-    GLRecorder& gl = GLRecorder::get();
     gl.useFake();
     const Helper helper(CreateOpenGL3ScreenPreviewHelper_0002());
     EXPECT_EQ(helper->SetFrame(nullptr), S_OK);
@@ -111,7 +105,6 @@ TEST(GL3EntryPointsDeathTest, AreLookedUpOnceAndMustAllBeThere)
 {
     constexpr std::size_t kEntryPoints = 45;
     ScreenPreviewLut::Generate(LutFormat_RGBA32F); // once for all the processes below
-    GLRecorder& gl = GLRecorder::get();
     const auto failAt = [&](std::size_t position) {
         gl.useFake();
         auto* const helper = CreateOpenGL3ScreenPreviewHelper_0002();
@@ -148,7 +141,6 @@ TEST(GL3EntryPointsDeathTest, AreLookedUpOnceAndMustAllBeThere)
 // In processes of their own, because a process keeps the entry points that it has found.
 TEST(GLEntryPointsDeathTest, OfPixelBuffersAreLookedUpOnceAndOnlyWithTheExtension)
 {
-    GLRecorder& gl = GLRecorder::get();
     const std::vector<std::string> names = {
         "glGenBuffers",    "glBindBuffer",           "glBufferData", "glBufferSubData",
         "glDeleteBuffers", "glGetBufferParameteriv", "glMapBuffer",  "glUnmapBuffer"};
@@ -183,7 +175,6 @@ TEST(GLEntryPointsDeathTest, OfPixelBuffersAreLookedUpOnceAndOnlyWithTheExtensio
 
 TEST(GLTrouble, NoFenceAndNoEndOfTheWaitDoNoHarm)
 {
-    GLRecorder& gl = GLRecorder::get();
     gl.useFake();
     Helper helper(CreateOpenGL3ScreenPreviewHelper_0002());
     EXPECT_EQ(helper->InitializeGL(), S_OK);
@@ -210,20 +201,14 @@ TEST(GLTrouble, NoFenceAndNoEndOfTheWaitDoNoHarm)
 
 // --- Contexts ------------------------------------------------------------------------------------
 
-struct Kind {
-    const char* name;
-    GLContext::Kind context;
-    CreateScreenPreviewHelperFunction create;
-};
-
-class Contexts : public testing::TestWithParam<Kind> {
+class Contexts : public testing::TestWithParam<HelperKind> {
 protected:
     /// Makes a context current, with the recorder in front of it.
     void open()
     {
         context.emplace(GetParam().context);
         ASSERT_EQ(context->failure(), "");
-        GLRecorder::get().useDriver();
+        gl.useDriver();
     }
 
     std::vector<std::array<float, 4>> painted(int width, int height)
@@ -290,18 +275,13 @@ TEST_P(Contexts, GoBeforeTheHelperOrAreNotThere)
     EXPECT_EQ(context->messages(), "");
 }
 
-INSTANTIATE_TEST_SUITE_P(Helpers, Contexts,
-                         testing::Values(Kind{"OpenGL3", GLContext::Kind::Core32,
-                                              CreateOpenGL3ScreenPreviewHelper_0002},
-                                         Kind{"FixedFunction", GLContext::Kind::Legacy,
-                                              CreateOpenGLScreenPreviewHelper_0002}),
-                         caseName);
+INSTANTIATE_TEST_SUITE_P(Helpers, Contexts, testing::ValuesIn(kHelperKinds), caseName);
 
 TEST(WrongContexts, ACoreProfileDoesNoHarmToTheFixedFunctionHelper)
 {
     const GLContext context(GLContext::Kind::Core32);
     ASSERT_EQ(context.failure(), "");
-    GLRecorder::get().useDriver();
+    gl.useDriver();
     const Helper helper(CreateOpenGLScreenPreviewHelper_0002());
     EXPECT_EQ(helper->InitializeGL(), S_OK);
     for (int i = 0; i < 2; ++i) {

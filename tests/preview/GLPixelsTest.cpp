@@ -19,8 +19,6 @@
 namespace kestrix::test {
 namespace {
 
-using host::MemoryFrameOptions;
-
 // --- The fixed-function helper -------------------------------------------------------------------
 
 class GLPixels : public DriverTest {

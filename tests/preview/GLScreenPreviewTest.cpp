@@ -7,8 +7,6 @@
 #include <GL/gl.h>
 #include <GL/glext.h>
 
-#include <gmock/gmock.h>
-
 #include <algorithm>
 #include <limits>
 #include <optional>
@@ -19,13 +17,6 @@
 
 namespace kestrix::test {
 namespace {
-
-using host::MemoryFrameOptions;
-using testing::Contains;
-using testing::Each;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Not;
 
 constexpr MemoryFrameOptions rgba(std::int64_t width, std::int64_t height)
 {
@@ -94,12 +85,8 @@ protected:
     {
         gl.fake.extensions = extensions;
         EXPECT_EQ(helper->InitializeGL(), S_OK);
-        gl.observe("glTexImage2D", [this](const GLCall& made) {
-            take(true, made.arguments[3], made.arguments[4], made.address(8));
-        });
-        gl.observe("glTexSubImage2D", [this](const GLCall& made) {
-            take(false, made.arguments[4], made.arguments[5], made.address(8));
-        });
+        gl.observe("glTexImage2D", [this](const GLCall& made) { take(true, 3, made); });
+        gl.observe("glTexSubImage2D", [this](const GLCall& made) { take(false, 4, made); });
     }
 
     /// Paints and returns what was uploaded.
@@ -130,10 +117,13 @@ protected:
     Helper helper{CreateOpenGLScreenPreviewHelper_0002()};
 
 private:
-    void take(bool newTexture, double width, double height, const void* source)
+    void take(bool newTexture, std::size_t firstSize, const GLCall& made)
     {
-        m_upload = Upload{newTexture, static_cast<int>(width), static_cast<int>(height), {}};
+        const auto width = static_cast<int>(made.arguments[firstSize]);
+        const auto height = static_cast<int>(made.arguments[firstSize + 1]);
+        m_upload = Upload{newTexture, width, height, {}};
         const auto size = static_cast<std::size_t>(width * height) * 4;
+        const void* const source = made.address(8);
         if (const unsigned buffer = gl.fake.boundBuffers[GL_PIXEL_UNPACK_BUFFER]) {
             EXPECT_EQ(source, nullptr);
             // The buffer is as large as the slot's memory, which never shrinks.
@@ -207,6 +197,10 @@ TEST_P(GLPreviewWith, MakesATextureASlotAndUpdatesItThen)
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(show(TestFrame::create(rgba(8, 8))).newTexture, i < 2);
     EXPECT_EQ(gl.fake.liveOf("texture").size(), 2u);
+
+    // After another initialisation, the picture gets a new texture.
+    EXPECT_EQ(helper->InitializeGL(), S_OK);
+    EXPECT_TRUE(paint().value_or(Upload{}).newTexture);
 
     // The helper deletes its buffers; the textures stay.
     gl.clear();
@@ -320,11 +314,10 @@ TEST_F(GLPreview, TakesSlotsInTurnAndGivesThemBack)
 TEST_F(GLPreview, KeepsThePictureWhereAFrameCanNotBeShown)
 {
     const Frame right = small(1);
-    MemoryFrameOptions unknown = rgba(16, 8);
-    unknown.rowBytes = 64;
-    unknown.format = code("none");
-    MemoryFrameOptions unspecified = rgba(16, 8);
-    unspecified.colorspace = code("unsp");
+    const MemoryFrameOptions unknown{
+        .width = 16, .height = 8, .format = code("none"), .rowBytes = 64};
+    const MemoryFrameOptions unspecified{
+        .width = 16, .height = 8, .format = code("RGBA"), .colorspace = code("unsp")};
     struct {
         MemoryFrameOptions options;
         HRESULT status;
@@ -481,10 +474,9 @@ TEST_F(GLPreview, ShowsTheEyesAsTold)
 
 TEST_F(GLPreview, LeavesTheOldRightEyeWhereTheNewIsOfAnotherKind)
 {
-    MemoryFrameOptions otherFormat = rgba(16, 8);
-    otherFormat.format = code("BGRA");
-    MemoryFrameOptions otherColours = rgba(16, 8);
-    otherColours.colorspace = code("2020");
+    const MemoryFrameOptions otherFormat{.width = 16, .height = 8, .format = code("BGRA")};
+    const MemoryFrameOptions otherColours{
+        .width = 16, .height = 8, .format = code("RGBA"), .colorspace = code("2020")};
     const Frame oldRight = small(2);
     const Frame oldLeft = taggedFrame(stereo(rgba(16, 8), oldRight), 1);
     for (const MemoryFrameOptions& options : {otherFormat, otherColours})

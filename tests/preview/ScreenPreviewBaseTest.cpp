@@ -12,7 +12,6 @@
 namespace kestrix::test {
 namespace {
 
-using host::MemoryFrameOptions;
 using KSX::PixelConversion::PixelFormat;
 
 bool setUp(ScreenPreviewBase& preview, const MemoryFrameOptions& options, std::uint32_t destination)

@@ -88,7 +88,7 @@ TEST(Threads, AreJoinedAndTheirResultIsTold)
     EXPECT_TRUE(pthread_current_thread_equals(pthread_self(), {}));
 }
 
-/// What a thread finds when it joins itself. Nobody can wait for it after that, so it meets the
+/// What a thread finds if it joins itself. No thread can wait for it after that, so it meets the
 /// test at a barrier. The object is kept until the process ends, because the thread may still be
 /// leaving the barrier when the test ends.
 struct SelfJoin {
