@@ -78,16 +78,14 @@ struct Picture {
             static_cast<std::size_t>((fits ? size : 0) + kReadableBehind));
 
         const unsigned flags = input.byte();
-        host::MemoryFrameOptions options;
-        options.rowBytes = 0;
+        host::MemoryFrameOptions options{
+            .rowBytes = 0, .captured = (flags & 1) != 0, .rightEye = right};
         options.bytes = bytes->begin() + std::max(above, std::int64_t{0});
-        options.captured = (flags & 1) != 0;
         if (flags & 2)
             options.colorspace =
                 (flags & 4) ? std::int64_t{ColorspaceCodeRec2020} : std::int64_t{input.dword()};
         if (right || flags & 8)
             options.packing3D = (flags & 16) ? input.dword() : std::uint32_t{Packing3DLeftOnly};
-        options.rightEye = right;
         frame = TestFrame::create(options);
         const std::int64_t pixelFormat = format(input);
         frame->answers = {{Question::Width, {width}},
@@ -103,16 +101,11 @@ struct Picture {
         const REFIID kInterfaces[] = {IID_IKestrixVideoBuffer, IID_IKestrixVideoFrameMetadata,
                                       IID_IKestrixVideoFrame3DExtensions,
                                       IID_IKestrixVideoInputFrame};
-        if (!fits || fault == 1)
-            frame->startAccessStatus = E_FAIL;
-        if (fault == 2)
-            frame->getBytesStatus = E_FAIL;
-        if (fault == 3)
-            frame->givesNullBytes = true;
-        if (fault == 4)
-            frame->getIntStatus = E_FAIL;
-        if (fault == 5)
-            frame->rightEyeStatus = E_FAIL;
+        frame->startAccessStatus = !fits || fault == 1 ? E_FAIL : S_OK;
+        frame->getBytesStatus = fault == 2 ? E_FAIL : S_OK;
+        frame->givesNullBytes = fault == 3;
+        frame->getIntStatus = fault == 4 ? E_FAIL : S_OK;
+        frame->rightEyeStatus = fault == 5 ? E_FAIL : S_OK;
         if (fault >= 8 && fault < 16) {
             frame->lacks = {kInterfaces[fault % 4]};
             frame->lacksStatus = fault < 12 ? E_NOINTERFACE : S_OK;
