@@ -10,6 +10,8 @@
 #include "conversion/stages/Deep.h"
 #include "conversion/stages/RGB8.h"
 
+#include <algorithm>
+
 using namespace KSX::PixelConversion;
 
 namespace {
@@ -22,13 +24,23 @@ using ToRec709 = COLOURSPACE_CONV_RGBv4<Rec709OETF<10u, V1>, MATRIX, Rec709OETF<
 
 using StudioToFull = RGBv4_RESCALE<10, false, 10, true, P1>;
 
-/// Runs stages over every entry. For the stages, the table is a picture with one pixel per row.
+/// Runs stages over every entry. For the stages, a plane of the table is a row of pixels. The row is
+/// in memory of its own, because the pixels of the float layouts have no A.
 template<class... STAGES>
 void convert(float* table)
 {
-    constexpr int kEntryBytes = ScreenPreviewLut::kFloatsPerEntry * sizeof(float);
-    Transform<BindAll<STAGES...>, kAnyWidth, kPrefetchBlocks>::apply(
-        table, kEntryBytes, table, kEntryBytes, 1, ScreenPreviewLut::kEntries, nullptr);
+    constexpr unsigned kFloats = ScreenPreviewLut::kFloatsPerEntry;
+    constexpr unsigned kPlane = ScreenPreviewLut::kEdge * ScreenPreviewLut::kEdge;
+    float row[3 * kPlane];
+    for (unsigned plane = 0; plane < ScreenPreviewLut::kEdge; ++plane) {
+        for (unsigned i = 0; i < kPlane; ++i)
+            std::copy_n(table + kFloats * i, 3, row + 3 * i);
+        Transform<BindAll<STAGES...>, kAnyWidth, kPrefetchBlocks>::apply(row, 0, row, 0, kPlane, 1,
+                                                                         nullptr);
+        for (unsigned i = 0; i < kPlane; ++i)
+            std::copy_n(row + 3 * i, 3, table + kFloats * i);
+        table += kFloats * kPlane;
+    }
 }
 
 template<class RANGE, class... GAMUT>

@@ -80,7 +80,7 @@ public:
             const reference::Matrix matrices[] = {
                 reference::kYUVToStudio601, reference::kYUVToStudio601, reference::kYUVToStudio709,
                 reference::kYUVToStudio2020};
-            // An entry is a picture of one pixel, so its pixel is an even one.
+            // At these points the formula for odd pixels gives the same codes.
             codes =
                 reference::toRGB({matrices[m_id], 10, 10}, {codes[0], codes[1], codes[2]}, false);
         }
