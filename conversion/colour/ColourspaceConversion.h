@@ -39,31 +39,6 @@ KSX_INLINE FloatVector limitLight(FloatVector light)
         return light;
 }
 
-/// Output component `ROW` of four pixels. The vectors of the input's components are `STRIDE` apart.
-/// Products are added in the order of components `A`, `B` and `C`.
-template<class MATRIX, class CURVE, int ROW, int A, int B, int C, std::size_t STRIDE>
-KSX_INLINE FloatVector component(const FloatVector* rgb)
-{
-    constexpr const float* row = MATRIX::get() + 3 * ROW;
-    return limitLight<MATRIX, CURVE>(
-        add(add(mul(rgb[A * STRIDE], v4f(row[A])), mul(rgb[B * STRIDE], v4f(row[B]))),
-            mul(rgb[C * STRIDE], v4f(row[C]))));
-}
-
-/// Converts `N` vectors, R of all pixels, then G, then B. All are converted side by side: a look-up
-/// in a table takes long, and the processor can work on the others meanwhile.
-template<class IN, class MATRIX, class OUT, int A, int B, int C, std::size_t N>
-KSX_INLINE Codes<N> convertPlanes(const Codes<N>& rgb)
-{
-    constexpr std::size_t kStride = N / 3;
-    const Light<N> in = IN::template inverse<4, N>(rgb);
-    Light<N> out;
-    unrolled<0, N>([&]<unsigned I>() KSX_INLINE_LAMBDA {
-        out.v[I] = component<MATRIX, OUT, I / kStride, A, B, C, kStride>(in.v + I % kStride);
-    });
-    return OUT::template forward<4, N>(out);
-}
-
 } // namespace details
 
 /// Converts BGRAv8. 2 pixels a step. Alpha passes.
@@ -121,9 +96,20 @@ public:
 
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
+        const Light<3> rgb = IN::template inverse<4, 3>({in[0], in[1], in[2]});
         const Codes<3> out =
-            details::convertPlanes<IN, MATRIX, OUT, 2, 1, 0, 3>({in[0], in[1], in[2]});
+            OUT::template forward<4, 3>({component<0>(rgb), component<1>(rgb), component<2>(rgb)});
         return {{out.v[0], out.v[1], out.v[2]}};
+    }
+
+private:
+    template<int ROW>
+    KSX_INLINE static FloatVector component(const Light<3>& rgb)
+    {
+        constexpr const float* row = MATRIX::get() + 3 * ROW;
+        return details::limitLight<MATRIX, OUT>(
+            add(add(mul(rgb.v[2], v4f(row[2])), mul(rgb.v[1], v4f(row[1]))),
+                mul(rgb.v[0], v4f(row[0]))));
     }
 };
 

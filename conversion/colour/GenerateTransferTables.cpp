@@ -1,5 +1,6 @@
 /// Writes the tables of the transfer curves as C++ source, for the build. The argument is the name
 /// of the file.
+#include "conversion/colour/GamutMatrices.h"
 #include "conversion/colour/TransferCharacteristicPQ.h"
 
 #include <algorithm>
@@ -93,6 +94,24 @@ void write(std::ostream& out, const char* type, const char* name, std::size_t en
     out << "};\n";
 }
 
+/// The products of a matrix with the light of each code: an entry has the parts of B, G and R.
+template<class MATRIX>
+void writeProducts(std::ostream& out, const char* matrix, const std::vector<float>& toLinear8)
+{
+    out << "template<> const TableRow fast::LightProducts<" << matrix << ">::at[3][256] = {\n";
+    for (int component = 0; component < 3; ++component) {
+        out << "{\n";
+        for (const float light : toLinear8) {
+            out << "{{";
+            for (const int row : {2, 1, 0})
+                out << light * MATRIX::get()[3 * row + component] << ", ";
+            out << "0}},\n";
+        }
+        out << "},\n";
+    }
+    out << "};\n";
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -103,13 +122,15 @@ int main(int argc, char** argv)
     }
     std::ofstream out(argv[1]);
     out << "#include \"conversion/colour/TransferCharacteristicPQ.h\"\n"
-           "#include \"conversion/colour/TransferCharacteristicRec709OETF.h\"\n"
+           "#include \"conversion/fast/Primaries.h\"\n"
            "namespace KSX::PixelConversion {\n"
         << std::hexfloat;
 
-    write(out, "float", "kRec709OETFToLinear8", 256, [](std::size_t i) {
-        return static_cast<float>(rec709ToLinear(static_cast<double>(i) / 255));
-    });
+    std::vector<float> toLinear8(256);
+    for (std::size_t i = 0; i < toLinear8.size(); ++i)
+        toLinear8[i] = static_cast<float>(rec709ToLinear(static_cast<double>(i) / 255));
+    write(out, "float", "kRec709OETFToLinear8", toLinear8.size(),
+          [&](std::size_t i) { return toLinear8[i]; });
     std::vector<float> fromLinear(1280);
     for (std::size_t i = 0; i < fromLinear.size(); ++i)
         fromLinear[i] = static_cast<float>(255 * rec709FromLinear(static_cast<double>(i) / 1279));
@@ -135,6 +156,17 @@ int main(int argc, char** argv)
                                              (10000 - kPQOETFFromLinear12BitHiLUTMin) * part;
         return findIn(toLinear, light) / 4095;
     });
+
+    writeProducts<RGB_2020_TO_709>(out, "RGB_2020_TO_709", toLinear8);
+    writeProducts<RGB_2020_TO_601PAL>(out, "RGB_2020_TO_601PAL", toLinear8);
+    writeProducts<RGB_2020_TO_601NTSC>(out, "RGB_2020_TO_601NTSC", toLinear8);
+    writeProducts<RGB_709_TO_2020>(out, "RGB_709_TO_2020", toLinear8);
+    writeProducts<RGB_601PAL_TO_2020>(out, "RGB_601PAL_TO_2020", toLinear8);
+    writeProducts<RGB_601NTSC_TO_2020>(out, "RGB_601NTSC_TO_2020", toLinear8);
+    writeProducts<RGB_601PAL_TO_709>(out, "RGB_601PAL_TO_709", toLinear8);
+    writeProducts<RGB_601NTSC_TO_709>(out, "RGB_601NTSC_TO_709", toLinear8);
+    writeProducts<RGB_709_TO_601PAL>(out, "RGB_709_TO_601PAL", toLinear8);
+    writeProducts<RGB_709_TO_601NTSC>(out, "RGB_709_TO_601NTSC", toLinear8);
 
     out << "}\n";
     out.close();

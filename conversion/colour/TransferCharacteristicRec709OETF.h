@@ -13,7 +13,7 @@
 #pragma once
 
 #include "conversion/colour/Flags.h"
-#include "conversion/pipeline/Kernel.h"
+#include "conversion/pipeline/LookUp.h"
 
 #include <cstdint>
 
@@ -92,10 +92,8 @@ private:
         const FloatVector scaled = mul(linear, last);
         const FloatVector f = max(min(scaled, last), v4f(0));
         const Vector i0 = truncate32(f);
-        const Entries64 rises = lookUp64<LANES>(kRec709OETFRises8, i0);
-        const FloatVector from = shuffle32<0, 2, 0, 2>(rises.low, rises.high);
-        const Vector code = bitsOf(shuffle32<1, 3, 1, 3>(rises.low, rises.high));
-        return sub32(code, bitsOf(lessOrEqual(from, f)));
+        const LookedUp rise = lookUpPairs<LANES>(kRec709OETFRises8, i0);
+        return sub32(bitsOf(rise.second), bitsOf(lessOrEqual(rise.first, f)));
     }
 };
 

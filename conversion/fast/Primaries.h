@@ -1,35 +1,104 @@
-/// Fast forms of changes of primaries, on planes.
+/// Fast forms of changes of primaries.
 #pragma once
 
 #include "conversion/colour/ColourspaceConversion.h"
-#include "conversion/fast/Planes.h"
+#include "conversion/pipeline/Pipeline.h"
+#include "conversion/stages/RGB8.h"
 
 namespace KSX::PixelConversion::fast {
 
+/// The products of `MATRIX` and the linear light of 8-bit codes, rounded as the listed stages round
+/// them: for each input component R, G, B and each code its parts of B, G and R, and a 0.
+template<class MATRIX>
+struct LightProducts {
+    static const TableRow at[3][256];
+};
+
+// Made at build time.
+template<>
+const TableRow LightProducts<RGB_2020_TO_709>::at[3][256];
+template<>
+const TableRow LightProducts<RGB_2020_TO_601PAL>::at[3][256];
+template<>
+const TableRow LightProducts<RGB_2020_TO_601NTSC>::at[3][256];
+template<>
+const TableRow LightProducts<RGB_709_TO_2020>::at[3][256];
+template<>
+const TableRow LightProducts<RGB_601PAL_TO_2020>::at[3][256];
+template<>
+const TableRow LightProducts<RGB_601NTSC_TO_2020>::at[3][256];
+template<>
+const TableRow LightProducts<RGB_601PAL_TO_709>::at[3][256];
+template<>
+const TableRow LightProducts<RGB_601NTSC_TO_709>::at[3][256];
+template<>
+const TableRow LightProducts<RGB_709_TO_601PAL>::at[3][256];
+template<>
+const TableRow LightProducts<RGB_709_TO_601NTSC>::at[3][256];
+
 /// Runs in the place of `COLOURSPACE_CONV_RGBv4` and `COLOURSPACE_CONV_BGRAv8` with the curve of 8
-/// bits. Converts planes of 8-bit codes. 8 pixels a step. Alpha passes, if there is one.
-///
-/// Products are added in the order of components `A`, `B` and `C`, which is the listed stage's
-/// order, so that the sums round in the same way.
-template<class PLANES, class MATRIX, VectorTypeFlag V, int A, int B, int C>
-class COLOURSPACE_CONV_PLANES : public Kernel<8, 8> {
-    using Curve = Rec709OETF<8, V>;
+/// bits, between bytes. A vector holds the light of a pixel, which is the sum of three rows of a
+/// table. Component `LAST`, R G B, is added last, as in the listed stage, so that the sums round in
+/// the same way. Components lie where `UNPACK` and `PACK` have them; alpha is kept. 4 pixels a
+/// step: 16 bytes in, 16 bytes out.
+template<class MATRIX, int LAST, class UNPACK, class PACK>
+class COLOURSPACE_CONV_BYTES : public Kernel<4, 4> {
+    using Curve = Rec709OETF<8, V1>;
 
 public:
-    static constexpr Range kRange = Range::Given;
-    using Input = PLANES;
-    using Output = PLANES;
+    using Input = Packed<4>;
+    using Output = Packed<4>;
 
-    KSX_INLINE Pixels<Output, 8> step(const Pixels<Input, 8>& in) const
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
-        const Codes<6> codes = details::convertPlanes<Curve, MATRIX, Curve, A, B, C, 6>(
-            {interleaveLow16(in[0], v0), interleaveHigh16(in[0], v0), interleaveLow16(in[1], v0),
-             interleaveHigh16(in[1], v0), interleaveLow16(in[2], v0), interleaveHigh16(in[2], v0)});
-        Pixels<Output, 8> out = in;
-        for (std::size_t c = 0; c < 3; ++c)
-            out[c] = packSaturate32To16(codes.v[2 * c], codes.v[2 * c + 1]);
-        return out;
+        const LookedUpRows g = products<1>(in[0]);
+        const LookedUpRows other = products<2 - LAST>(in[0]);
+        const LookedUpRows last = products<LAST>(in[0]);
+        Light<4> light;
+        for (std::size_t i = 0; i < 4; ++i)
+            light.v[i] = add(add(g.v[i], other.v[i]), last.v[i]);
+        const Codes<4> bgr = Curve::forward<3, 4>(light);
+        const Vector bytes = packSaturate16ToU8(packSaturate32To16(bgr.v[0], bgr.v[1]),
+                                                packSaturate32To16(bgr.v[2], bgr.v[3]));
+        return {{ordered(bitOr(bitAnd(bytes, v4i(0xffffff)), alpha(in[0])))}};
+    }
+
+private:
+    template<int COMPONENT>
+    KSX_INLINE static LookedUpRows products(Vector pixels)
+    {
+        return lookUpRows<UNPACK::kByteOf[COMPONENT]>(LightProducts<MATRIX>::at[COMPONENT], pixels);
+    }
+
+    /// Alpha in the top byte; zeros in the others.
+    KSX_INLINE static Vector alpha(Vector pixels)
+    {
+        constexpr int kByte = 6 - UNPACK::kByteOf[0] - UNPACK::kByteOf[1] - UNPACK::kByteOf[2];
+        static_assert(kByte == 0 || kByte == 3);
+        return kByte == 3 ? bitAnd(pixels, v4i_0xff000000) : shiftLeft32(pixels, 24);
+    }
+
+    /// Moves B, G, R, A to their bytes.
+    KSX_INLINE static Vector ordered(Vector bgra)
+    {
+        constexpr auto from = [](int byte) {
+            constexpr int kByteOfBGRA[4] = {2, 1, 0, 3};
+            int component = 0;
+            while (PACK::kByteOf[component] != byte % 4)
+                ++component;
+            return static_cast<char>(byte - byte % 4 + kByteOfBGRA[component]);
+        };
+        if constexpr (from(0) == 0 && from(1) == 1 && from(2) == 2)
+            return bgra;
+        return shuffleBytes(bgra, v16i(from(0), from(1), from(2), from(3), from(4), from(5),
+                                       from(6), from(7), from(8), from(9), from(10), from(11),
+                                       from(12), from(13), from(14), from(15)));
     }
 };
+
+/// The stage in a loop of its own, because look-ups take long.
+template<class MATRIX, int LAST, class UNPACK = UNPACK_BGRA_TO_RGBv4,
+         class PACK = PACK_RGBv4_TO_BGRA>
+using PrimariesInBytes = Alone<COLOURSPACE_CONV_BYTES<MATRIX, LAST, UNPACK, PACK>>;
 
 } // namespace KSX::PixelConversion::fast

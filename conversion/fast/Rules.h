@@ -152,30 +152,55 @@ struct NoLimitToV210 {
         form(StageList<A, B, C, PACK_UYVYv8_TO_V210>);
 };
 
-// --- Planes --------------------------------------------------------------------------------------
+// --- Changes of primaries ------------------------------------------------------------------------
 
-/// Primaries of 8-bit `BGRAv8`, on planes. The listed stage works on one pixel per vector: the lane
-/// of alpha is wasted, and every input component has to be copied to three lanes.
-struct PrimariesOnPlanes {
+/// A change of primaries at 8 bits. The other rules remove the pack and the unpack that bytes do
+/// not need.
+struct PrimariesThroughBytes {
     template<VectorTypeFlag V, class MATRIX>
-    static StageList<BGRAv8_TO_RGBAv8, COLOURSPACE_CONV_PLANES<RGBAv8, MATRIX, V, 1, 0, 2>,
-                     RGBAv8_TO_BGRAv8>
+    static StageList<PACK_BGRAv8_TO_BGRA, PrimariesInBytes<MATRIX, 2>, UNPACK_BGRA_TO_BGRAv8>
         form(StageList<COLOURSPACE_CONV_BGRAv8<Rec709OETF<8, V>, MATRIX, Rec709OETF<8, V>>>);
+    template<VectorTypeFlag V, class MATRIX>
+    static StageList<PACK_RGBv4_TO_BGRA, PrimariesInBytes<MATRIX, 0>, UNPACK_BGRA_TO_RGBv4>
+        form(StageList<COLOURSPACE_CONV_RGBv4<Rec709OETF<8, V>, MATRIX, Rec709OETF<8, V>>>);
 };
 
-/// Bytes directly to planes with alpha, and back.
-struct BytesToPlanes {
-    static StageList<UNPACK_BYTES_TO_RGBAv8<false>>
-        form(StageList<UNPACK_BGRA_TO_BGRAv8, BGRAv8_TO_RGBAv8>);
-    static StageList<UNPACK_BYTES_TO_RGBAv8<true>>
-        form(StageList<UNPACK_ARGB_TO_BGRAv8, BGRAv8_TO_RGBAv8>);
+/// Bytes that come as BGRA or ARGB.
+struct PrimariesFromBytes {
+    template<class MATRIX, int LAST, class UNPACK, class PACK>
+    static StageList<PrimariesInBytes<MATRIX, LAST, UNPACK, PACK>>
+        form(StageList<UNPACK_BGRA_TO_BGRAv8, PACK_BGRAv8_TO_BGRA,
+                       PrimariesInBytes<MATRIX, LAST, UNPACK, PACK>>);
+    template<class MATRIX, int LAST, class PACK>
+    static StageList<PrimariesInBytes<MATRIX, LAST, UNPACK_ARGB_TO_RGBv4, PACK>>
+        form(StageList<UNPACK_ARGB_TO_BGRAv8, PACK_BGRAv8_TO_BGRA,
+                       PrimariesInBytes<MATRIX, LAST, UNPACK_BGRA_TO_RGBv4, PACK>>);
 };
-struct PlanesToBytes {
-    static StageList<PACK_RGBAv8_TO_BYTES<2, 1, 0, 3>>
-        form(StageList<RGBAv8_TO_BGRAv8, PACK_BGRAv8_TO_BGRA>);
-    static StageList<PACK_RGBAv8_TO_BYTES<0, 1, 2, 3>>
-        form(StageList<RGBAv8_TO_BGRAv8, PACK_BGRAv8_TO_RGBA>);
+
+/// Bytes that go out as BGRA or RGBA. Before `RGBv4` alpha is 255, so the pack after it need not
+/// set it again.
+struct PrimariesToBytes {
+    template<class MATRIX, int LAST, class UNPACK>
+    static StageList<PrimariesInBytes<MATRIX, LAST, UNPACK>>
+        form(StageList<PrimariesInBytes<MATRIX, LAST, UNPACK>, UNPACK_BGRA_TO_BGRAv8,
+                       PACK_BGRAv8_TO_BGRA>);
+    template<class MATRIX, int LAST, class UNPACK>
+    static StageList<PrimariesInBytes<MATRIX, LAST, UNPACK, PACK_RGBv4_TO_RGBA>>
+        form(StageList<PrimariesInBytes<MATRIX, LAST, UNPACK>, UNPACK_BGRA_TO_BGRAv8,
+                       PACK_BGRAv8_TO_RGBA>);
+    template<class MATRIX, PacksRGBv4ToBytes PACK>
+    static StageList<PrimariesInBytes<MATRIX, 0, UNPACK_BGRA_TO_RGBv4, PACK>>
+        form(StageList<PrimariesInBytes<MATRIX, 0>, UNPACK_BGRA_TO_RGBv4, PACK>);
 };
+
+/// Bytes that go on as `BGRAv8`. The stages after it set alpha or ignore it.
+struct PrimariesToBGRAv8 {
+    template<class MATRIX>
+    static StageList<PrimariesInBytes<MATRIX, 0>, UNPACK_BGRA_TO_BGRAv8>
+        form(StageList<PrimariesInBytes<MATRIX, 0>, UNPACK_BGRA_TO_RGBv4, RGBv4_TO_BGRAv8>);
+};
+
+// --- Planes --------------------------------------------------------------------------------------
 
 /// The matrix to video levels and the stretch to full range in one stage. The pack sets the limits.
 struct MatrixToFullRange {
@@ -250,18 +275,11 @@ struct Levels {
     static StageList<decltype(onRGBv8(std::declval<RESCALE>()))> form(StageList<RESCALE>);
 };
 
-struct Primaries {
-    template<VectorTypeFlag V, class MATRIX>
-    static StageList<COLOURSPACE_CONV_PLANES<RGBv8, MATRIX, V, 2, 1, 0>>
-        form(StageList<COLOURSPACE_CONV_RGBv4<Rec709OETF<8, V>, MATRIX, Rec709OETF<8, V>>>);
-};
-
 struct Regroup {
     static StageList<RGBv8_TO_BGRAv8> form(StageList<RGBv4_TO_BGRAv8>);
 };
 
-using Rules =
-    RuleList<Bytes, BytesWithAlpha, RGB10, YUV422, YUVA, Matrix, Depth, Levels, Primaries, Regroup>;
+using Rules = RuleList<Bytes, BytesWithAlpha, RGB10, YUV422, YUVA, Matrix, Depth, Levels, Regroup>;
 
 template<class STAGE, class RULE, class... RULES>
 consteval auto find(RuleList<RULE, RULES...>)
@@ -319,7 +337,8 @@ struct FastRules
                fast::BytesToStudioRGB10, fast::RGB10ToBytes, fast::StudioRGB10ToBytes,
                fast::BytesToRGB12, fast::UYVYToV210, fast::V210To8Bits, fast::RGB12To8Bits,
                fast::DeepRGBTo8Bits, fast::Deep422To10Bits, fast::RescaleOfBytes,
-               fast::NoLimitToV210, fast::PrimariesOnPlanes, fast::BytesToPlanes,
-               fast::PlanesToBytes, fast::MatrixToFullRange, fast::OnPlanes> {};
+               fast::NoLimitToV210, fast::PrimariesThroughBytes, fast::PrimariesFromBytes,
+               fast::PrimariesToBytes, fast::PrimariesToBGRAv8, fast::MatrixToFullRange,
+               fast::OnPlanes> {};
 
 } // namespace KSX::PixelConversion

@@ -97,6 +97,31 @@ private:
     BYTE* m_at;
 };
 
+/// The same blocks in steps of `BYTES`.
+template<std::size_t BYTES, class BYTE, std::size_t DISTANCE>
+KSX_INLINE Neighbours<BYTE, BYTES> stepsOf(Neighbours<BYTE, DISTANCE> blocks)
+{
+    return {blocks.at};
+}
+template<std::size_t BYTES, class BYTE>
+KSX_INLINE Separate<BYTE> stepsOf(const Separate<BYTE>& blocks)
+{
+    return blocks;
+}
+
+/// Memory for blocks of `BLOCK` bytes between two loops of which one works at `blocks`. If units
+/// are separate, each has `STRIP` bytes.
+template<std::size_t BLOCK, std::size_t STRIP, class BYTE, std::size_t DISTANCE>
+KSX_INLINE Neighbours<BYTE, BLOCK> stripFor(Neighbours<BYTE, DISTANCE> /*blocks*/, BYTE* strip)
+{
+    return {strip};
+}
+template<std::size_t BLOCK, std::size_t STRIP, class BYTE>
+KSX_INLINE Separate<BYTE> stripFor(const Separate<BYTE>& /*blocks*/, BYTE* strip)
+{
+    return Separate<BYTE>(strip, STRIP, kUnits);
+}
+
 template<std::size_t DISTANCE>
 KSX_INLINE Vector load(Neighbours<const std::byte, DISTANCE> from)
 {

@@ -108,6 +108,60 @@ private:
     std::tuple<Nx<BLOCK / STAGES::kPart, STAGES>...> m_stages;
 };
 
+/// Stages of which one is `Alone`. They run in two halves over a strip of the row at a time: those
+/// before that stage, then the rest. If that stage is the first one, it is the first half.
+template<unsigned BLOCK, class... STAGES>
+requires(sizeof...(STAGES) > 1 &&
+         (kIsAlone<STAGES> || ...)) class Composition<BLOCK, StageList<STAGES...>> {
+    static consteval std::size_t cut()
+    {
+        constexpr bool kAlone[] = {kIsAlone<STAGES>...};
+        std::size_t first = 0;
+        while (!kAlone[first])
+            ++first;
+        return first == 0 ? 1 : first;
+    }
+
+    using Halves = details::Split<cut(), StageList<>, StageList<STAGES...>>;
+
+public:
+    using First = Composition<BLOCK, typename Halves::Head>;
+    using Second = Composition<BLOCK, typename Halves::Tail>;
+    static_assert(std::same_as<typename First::Output, typename Second::Input>,
+                  "the second half takes what the first one gives");
+
+    using Input = typename First::Input;
+    using Output = typename Second::Output;
+    static constexpr unsigned kInBytes = First::kInBytes;
+    static constexpr unsigned kOutBytes = Second::kOutBytes;
+    static constexpr bool kLooksBack = First::kLooksBack || Second::kLooksBack;
+
+    /// Blocks in a strip. The strips of all halves fit into the innermost cache, beside tables.
+    static constexpr unsigned kStripBlocks = 384 / BLOCK;
+    static_assert(kStripBlocks != 0);
+
+    void setUserContext(const void* context)
+    {
+        first.setUserContext(context);
+        second.setUserContext(context);
+    }
+
+    First first;
+    Second second;
+};
+
+/// A stage that is `Alone`, in blocks of its own step. So all pipelines share its loop, whatever
+/// their block.
+template<unsigned BLOCK, class KERNEL>
+class Composition<BLOCK, StageList<Alone<KERNEL>>>
+    : public Composition<KERNEL::kIn, StageList<KERNEL>> {
+public:
+    using Step = Composition<KERNEL::kIn, StageList<KERNEL>>;
+    static constexpr unsigned kSteps = BLOCK / KERNEL::kIn;
+    static constexpr unsigned kInBytes = kSteps * Step::kInBytes;
+    static constexpr unsigned kOutBytes = kSteps * Step::kOutBytes;
+};
+
 /// The stage objects that run `PIPELINE` in blocks of `BLOCK` pixels, after its rules are applied.
 template<class PIPELINE, unsigned BLOCK = PIPELINE::kBlock>
 using CompositionOf = Composition<BLOCK, typename RewrittenIn<PIPELINE, BLOCK>::Stages>;

@@ -78,6 +78,18 @@ public:
     }
 };
 
+/// A stage that runs in a loop of its own, with memory before and after it. Fast forms use this for
+/// look-ups in tables: addresses that come straight from memory are ready long before the processor
+/// needs them, while those that come out of other stages hold it up.
+template<Stage KERNEL>
+class Alone : public KERNEL {
+};
+
+template<class STAGE>
+inline constexpr bool kIsAlone = false;
+template<class KERNEL>
+inline constexpr bool kIsAlone<Alone<KERNEL>> = true;
+
 namespace details {
 
 template<class MEMBER>

@@ -106,6 +106,44 @@ requires(LooksAhead<FIRST> && sizeof...(REST) != 0 &&
     }
 };
 
+/// The same for a stage that is `Alone`.
+template<bool FIRST, unsigned END, unsigned PREFETCH, class COMPOSITION, class SOURCE,
+         class DESTINATION>
+requires(COMPOSITION::kSteps != 0) void runBlocks(COMPOSITION& stages, SOURCE src, DESTINATION dst,
+                                                  unsigned count)
+{
+    using Step = typename COMPOSITION::Step;
+    Step& steps = stages;
+    runBlocks<false, 0, kPrefetchBlocks>(steps, stepsOf<Step::kInBytes>(src),
+                                         stepsOf<Step::kOutBytes>(dst),
+                                         count * COMPOSITION::kSteps);
+}
+
+/// The same for stages of which one is `Alone`.
+template<bool FIRST, unsigned END, unsigned PREFETCH, class COMPOSITION, class SOURCE,
+         class DESTINATION>
+requires(COMPOSITION::kStripBlocks != 0) void runBlocks(COMPOSITION& stages, SOURCE src,
+                                                        DESTINATION dst, unsigned count)
+{
+    using First = typename COMPOSITION::First;
+    constexpr unsigned kBytes = COMPOSITION::kStripBlocks * First::kOutBytes;
+    alignas(kUnitBytes) std::byte strip[kUnits * kBytes];
+    const auto between = stripFor<First::kOutBytes, kBytes>(dst, strip);
+    const auto betweenRead =
+        stripFor<First::kOutBytes, kBytes>(src, static_cast<const std::byte*>(strip));
+    while (count != 0) {
+        const unsigned blocks = std::min(count, COMPOSITION::kStripBlocks);
+        if constexpr (END != 0)
+            FewBlocks<First>::template run<END, PREFETCH>(stages.first, src, between, blocks);
+        else
+            runBlocks<FIRST, 0, PREFETCH>(stages.first, src, between, blocks);
+        runBlocks<FIRST, 0, PREFETCH>(stages.second, betweenRead, dst, blocks);
+        src += blocks * SOURCE::kBlocks * COMPOSITION::kInBytes;
+        dst += blocks * DESTINATION::kBlocks * COMPOSITION::kOutBytes;
+        count -= blocks;
+    }
+}
+
 /// Runs `PIPELINE` over a picture. `FLAGS` is one of `WalkerFlags`; `PREFETCH` is in blocks.
 ///
 /// A row runs in one of four forms, which depend on the kinds of its stages:

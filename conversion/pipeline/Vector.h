@@ -123,74 +123,46 @@ KSX_VECTOR_OP void prefetchNonTemporal(const void* at)
     _mm_prefetch(static_cast<const char*>(at), _MM_HINT_NTA);
 }
 
-// --- Tables --------------------------------------------------------------------------------------
+// Parts of one unit, for look-ups in tables.
 
-// Plain loads are faster than the gathers of wide vectors.
-
-namespace details {
-
-/// Four lanes that are at least 0, as indices. Two lanes go from the vector to a general register
-/// at once, because the processor can do few such moves at a time.
-struct Indices {
-    KSX_VECTOR_OP explicit Indices(Unit lanes)
-    {
-        const auto low = static_cast<std::uint64_t>(_mm_cvtsi128_si64(lanes));
-        const auto high =
-            static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(lanes, lanes)));
-        a = static_cast<std::uint32_t>(low);
-        b = low >> 32;
-        c = static_cast<std::uint32_t>(high);
-        d = high >> 32;
-    }
-    std::uint64_t a, b, c, d;
-};
-
-} // namespace details
-
-/// `table[index]` for each of the first `LANES` lanes of each unit, 3 or 4. Indices are at least 0.
-/// If `LANES` is 3, the fourth lane of the result has no meaning.
-template<int LANES>
-KSX_VECTOR_OP FloatVector lookUp(const float* table, Vector index)
+/// Four floats at an address that is a multiple of 16.
+KSX_VECTOR_OP FloatUnit loadAligned(const float* at)
 {
-    return joinFloatUnits([&]<unsigned U>() __attribute__((always_inline)) {
-        const details::Indices i(unitOf<U>(index));
-        const FloatUnit a = _mm_load_ss(table + i.a);
-        const FloatUnit b = _mm_load_ss(table + i.b);
-        const FloatUnit c = _mm_load_ss(table + i.c);
-        if constexpr (LANES == 3)
-            return _mm_movelh_ps(_mm_unpacklo_ps(a, b), c);
-        const FloatUnit d = _mm_load_ss(table + i.d);
-        return _mm_movelh_ps(_mm_unpacklo_ps(a, b), _mm_unpacklo_ps(c, d));
-    });
+    return _mm_load_ps(at);
 }
-
-/// As `lookUp`, for entries of 8 bytes: the first two lanes of each unit in `low`, the others in
-/// `high`.
-struct Entries64 {
-    FloatVector low, high;
-};
-template<int LANES, class ENTRY>
-KSX_VECTOR_OP Entries64 lookUp64(const ENTRY* table, Vector index)
+/// One float in lane 0, zeros in the others.
+KSX_VECTOR_OP FloatUnit loadLane32(const float* at)
 {
-    static_assert(sizeof(ENTRY) == 8);
-    const auto one = [&](std::uint64_t i) __attribute__((always_inline))
-    {
-        return _mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const Unit*>(table + i)));
-    };
-    const auto two = [&](std::uint64_t i, std::uint64_t j) __attribute__((always_inline))
-    {
-        return _mm_loadh_pi(one(i), reinterpret_cast<const __m64*>(table + j));
-    };
-    Entries64 entries;
-    entries.low = joinFloatUnits([&]<unsigned U>() __attribute__((always_inline)) {
-        const details::Indices i(unitOf<U>(index));
-        return two(i.a, i.b);
-    });
-    entries.high = joinFloatUnits([&]<unsigned U>() __attribute__((always_inline)) {
-        const details::Indices i(unitOf<U>(index));
-        return LANES == 3 ? one(i.c) : two(i.c, i.d);
-    });
-    return entries;
+    return _mm_load_ss(at);
+}
+/// 8 bytes in the lower half, zeros in the upper one.
+KSX_VECTOR_OP FloatUnit loadLow64(const void* at)
+{
+    return _mm_castsi128_ps(_mm_loadl_epi64(static_cast<const Unit*>(at)));
+}
+/// The lower half of `unit`, and 8 bytes in the upper one.
+KSX_VECTOR_OP FloatUnit loadHigh64(FloatUnit unit, const void* at)
+{
+    return _mm_loadh_pi(unit, static_cast<const __m64*>(at));
+}
+/// Lane 0 of `a`, then lane 0 of `b`.
+KSX_VECTOR_OP FloatUnit joinLanes32(FloatUnit a, FloatUnit b)
+{
+    return _mm_unpacklo_ps(a, b);
+}
+/// The lower half of `a`, then the lower half of `b`.
+KSX_VECTOR_OP FloatUnit joinHalves(FloatUnit a, FloatUnit b)
+{
+    return _mm_movelh_ps(a, b);
+}
+/// The lower and the upper half of `unit`.
+KSX_VECTOR_OP std::uint64_t low64(Unit unit)
+{
+    return static_cast<std::uint64_t>(_mm_cvtsi128_si64(unit));
+}
+KSX_VECTOR_OP std::uint64_t high64(Unit unit)
+{
+    return low64(_mm_unpackhi_epi64(unit, unit));
 }
 
 // --- Bits ----------------------------------------------------------------------------------------

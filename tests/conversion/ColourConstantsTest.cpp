@@ -9,6 +9,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <numeric>
 #include <variant>
 
 #include <gtest/gtest.h>
@@ -64,11 +65,15 @@ TEST_P(Rec709OETFForward, IsThatOfTheFormulaForEveryFloat)
 {
     constexpr auto kOne = std::bit_cast<std::int32_t>(1.0f);
     constexpr std::int32_t kQuarter = kOne / 4;
-    for (std::int32_t bits = GetParam() * kQuarter; bits < (GetParam() + 1) * kQuarter; bits += 4) {
-        const __m128i lanes = _mm_add_epi32(_mm_set1_epi32(bits), _mm_setr_epi32(0, 1, 2, 3));
-        const Codes<1> codes = Rec709OETF<8, V1>::forward<4, 1>({{_mm_castsi128_ps(lanes)}});
-        const auto got = std::bit_cast<std::array<int, 4>>(codes);
-        for (std::int32_t i = 0; i < 4; ++i) {
+    constexpr std::int32_t kLanes = 4 * kUnits;
+    for (std::int32_t bits = GetParam() * kQuarter; bits < (GetParam() + 1) * kQuarter;
+         bits += kLanes) {
+        std::array<std::int32_t, kLanes> lanes;
+        std::iota(lanes.begin(), lanes.end(), bits);
+        const Codes<1> codes =
+            Rec709OETF<8, V1>::forward<4, 1>({{std::bit_cast<FloatVector>(lanes)}});
+        const auto got = std::bit_cast<std::array<int, kLanes>>(codes);
+        for (std::int32_t i = 0; i < kLanes; ++i) {
             const auto light = std::bit_cast<float>(bits + i);
             ASSERT_EQ(got[static_cast<std::size_t>(i)],
                       reference::roundedCode(reference::encoded8(light)))
