@@ -1,27 +1,9 @@
-# Installs the library. The component `runtime` contains the shared object. The component `dev` contains what
-# a host needs at build time: headers, the link to the library, the CMake package and the pkg-config file.
+# Installs the libraries. Each has a component for programs to run, with the shared object, and one for
+# programs to be built: headers, the link to the library, the CMake package and the pkg-config file.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
-install(TARGETS KestrixPreviewAPI EXPORT KestrixPreviewAPI
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev
-  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(FILES
-  ${PROJECT_SOURCE_DIR}/api/KestrixPreviewAPI.h
-  ${PROJECT_SOURCE_DIR}/api/KestrixPreviewAPI_v14_2_1.h
-  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT dev)
-
-# find_package(KestrixPreviewAPI) defines Kestrix::PreviewAPI. A major version is one ABI.
-set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/KestrixPreviewAPI)
-set_target_properties(KestrixPreviewAPI PROPERTIES EXPORT_NAME PreviewAPI)
-install(EXPORT KestrixPreviewAPI NAMESPACE Kestrix:: FILE KestrixPreviewAPIConfig.cmake
-  DESTINATION ${package_dir} COMPONENT dev)
-write_basic_package_version_file(${PROJECT_BINARY_DIR}/KestrixPreviewAPIConfigVersion.cmake
-  COMPATIBILITY SameMajorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/KestrixPreviewAPIConfigVersion.cmake
-  DESTINATION ${package_dir} COMPONENT dev)
-
-# Folders below the prefix are relative to the pkg-config file, so an installed tree can be moved. Folders
+# Folders below the prefix are relative to a pkg-config file, so an installed tree can be moved. Folders
 # given as absolute paths stay absolute.
 if(IS_ABSOLUTE ${CMAKE_INSTALL_LIBDIR})
   set(pc_prefix ${CMAKE_INSTALL_PREFIX})
@@ -34,10 +16,38 @@ foreach(folder LIBDIR INCLUDEDIR)
   set(pc_${folder} "\${prefix}")
   cmake_path(APPEND pc_${folder} ${CMAKE_INSTALL_${folder}})
 endforeach()
-configure_file(${CMAKE_CURRENT_LIST_DIR}/KestrixPreviewAPI.pc.in
-  ${PROJECT_BINARY_DIR}/KestrixPreviewAPI.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/KestrixPreviewAPI.pc
-  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
+
+# kestrix_install(TARGET DESCRIPTION TEXT RUNTIME COMPONENT DEV COMPONENT HEADERS FILE...): find_package(TARGET)
+# then gives Kestrix::NAME, as kestrix_make_public does. A major version is one ABI.
+function(kestrix_install target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "DESCRIPTION;RUNTIME;DEV" "HEADERS")
+  set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/${target})
+  install(TARGETS ${target} EXPORT ${target}
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${arg_RUNTIME} NAMELINK_COMPONENT ${arg_DEV}
+    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  install(FILES ${arg_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT ${arg_DEV})
+  install(EXPORT ${target} NAMESPACE Kestrix:: FILE ${target}Config.cmake
+    DESTINATION ${package_dir} COMPONENT ${arg_DEV})
+  write_basic_package_version_file(${PROJECT_BINARY_DIR}/${target}ConfigVersion.cmake
+    COMPATIBILITY SameMajorVersion)
+  install(FILES ${PROJECT_BINARY_DIR}/${target}ConfigVersion.cmake
+    DESTINATION ${package_dir} COMPONENT ${arg_DEV})
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/Library.pc.in ${PROJECT_BINARY_DIR}/${target}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${target}.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT ${arg_DEV})
+endfunction()
+
+if(KESTRIX_BUILD_PREVIEW)
+  kestrix_install(KestrixPreviewAPI RUNTIME runtime DEV dev
+    DESCRIPTION "${PROJECT_DESCRIPTION}"
+    HEADERS ${PROJECT_SOURCE_DIR}/api/KestrixPreviewAPI.h
+      ${PROJECT_SOURCE_DIR}/api/KestrixPreviewAPI_v14_2_1.h)
+endif()
+if(KESTRIX_BUILD_CONVERSION)
+  kestrix_install(KestrixPixelConversion RUNTIME conversion-runtime DEV conversion-dev
+    DESCRIPTION "Converts pictures between 30 packed pixel formats"
+    HEADERS ${PROJECT_SOURCE_DIR}/convert/KestrixPixelConversion.h)
+endif()
 
 if(PROJECT_IS_TOP_LEVEL)
   include(${CMAKE_CURRENT_LIST_DIR}/Package.cmake)

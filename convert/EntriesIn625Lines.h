@@ -1,0 +1,54 @@
+/// The entries that tell the line standards of Rec. 601 apart by a picture's height, each in the
+/// form for 625 lines. A part of a picture has another height than the picture, so it needs them.
+#pragma once
+
+#include "conversion/ConversionEntries.h"
+
+namespace KSX::PixelConversion::lines625 {
+
+// From 8YUV422
+ConversionSignature Convert_8YUV422_HD_To_8YUY422_SD;
+ConversionSignature Convert_8YUV422_601_To_8BGRA_FULL_709;
+ConversionSignature Convert_8YUV422_601_To_8RGBA_FULL_709;
+ConversionSignature Convert_8YUV422_601_To_8YUV422_709;
+ConversionSignature Convert_8YUV422_709_To_8YUV422_601;
+
+// From 8YUY422
+ConversionSignature Convert_8YUY422_SD_To_8YUV422_HD;
+
+// From 10YUV422_LE
+ConversionSignature Convert_10YUV422_LE_601_To_8BGRA_FULL_709;
+ConversionSignature Convert_10YUV422_LE_601_To_8RGBA_FULL_709;
+ConversionSignature Convert_10YUV422_LE_601_To_10YUV422_LE_709;
+ConversionSignature Convert_10YUV422_LE_709_To_10YUV422_LE_601;
+
+// From 10YUVA422_BE_SMPTE_FullA
+ConversionSignature Convert_10YUVA422_BE_SMPTE_FullA_SD_To_8BGRA_FULL_709;
+
+// From 8ARGB_FULL
+ConversionSignature Convert_8ARGB_FULL_601_To_8BGRA_FULL_709;
+ConversionSignature Convert_8ARGB_FULL_601_To_8RGBA_FULL_709;
+
+// From 8BGRA_FULL
+ConversionSignature Convert_8BGRA_FULL_601_To_8YUV422_HD;
+ConversionSignature Convert_8BGRA_FULL_709_To_8YUV422_SD;
+ConversionSignature Convert_8BGRA_FULL_601_To_8YUV422_2020;
+ConversionSignature Convert_8BGRA_FULL_2020_To_8YUV422_SD;
+ConversionSignature Convert_8BGRA_FULL_601_To_8RGBA_FULL_709;
+ConversionSignature Convert_8BGRA_FULL_601_To_8BGRA_FULL_709;
+ConversionSignature Convert_8BGRA_FULL_601_To_8BGRA_FULL_2020;
+ConversionSignature Convert_8BGRA_FULL_2020_To_8BGRA_FULL_601;
+ConversionSignature Convert_8BGRA_FULL_709_To_8BGRA_FULL_601;
+
+// From 8ARGB_SMPTE
+ConversionSignature Convert_8ARGB_SMPTE_601_To_8BGRA_FULL_709;
+ConversionSignature Convert_8ARGB_SMPTE_601_To_8RGBA_FULL_709;
+
+// From 8BGRA_SMPTE
+ConversionSignature Convert_8BGRA_SMPTE_601_To_8BGRA_FULL_709;
+ConversionSignature Convert_8BGRA_SMPTE_601_To_8RGBA_FULL_709;
+
+// From 10XRGB_BE_SMPTE
+ConversionSignature Convert_10XRGB_BE_SMPTE_601_To_8BGRA_FULL_709;
+
+} // namespace KSX::PixelConversion::lines625
