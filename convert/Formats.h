@@ -15,7 +15,8 @@ struct FormatFacts {
     unsigned depth;
     kestrix_range range;
     kestrix_range alphaRange;
-    unsigned step; ///< Pixels that the engine's stages of the format take at a time.
+    unsigned
+        step; ///< A multiple of the pixels that the engine's stages of the format take at a time.
     const char* words;
 };
 

@@ -203,8 +203,8 @@ typedef struct kestrix_conversion {
     uint32_t lines;          /**< the line standard whose primaries Rec. 601 has here: 625 for
                                   pictures of 576 rows, 525 for all others; 0 if the conversion does
                                   not depend on it */
-    uint32_t block;          /**< pixels that are converted at a time. Widths that are a multiple of
-                                  it are fastest */
+    uint32_t block;          /**< rows whose width is a multiple of it are converted where they are,
+                                  to their ends, without a way through memory of the library */
     uint32_t least_width;    /**< the narrowest row that is converted where it is. Narrower rows are
                                   converted too, through memory of the library, and are slower */
 } kestrix_conversion;
