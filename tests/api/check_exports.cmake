@@ -1,11 +1,8 @@
-# Fails unless LIBRARY shows the factories and nothing else, under its lasting name, and can be
-# unloaded: a symbol that is unique in the process would keep it there for good.
-# Takes LIBRARY, SONAME, NM and READELF.
-set(expected
-  CreateOpenGL3ScreenPreviewHelper_0001
-  CreateOpenGL3ScreenPreviewHelper_0002
-  CreateOpenGLScreenPreviewHelper_0001
-  CreateOpenGLScreenPreviewHelper_0002)
+# Fails unless LIBRARY shows the names EXPECTED and nothing else, under its lasting name, and can be
+# unloaded: a symbol that is unique in the process would keep it there for good. With NODE, all names
+# have that version.
+# Takes LIBRARY, SONAME, EXPECTED (sorted, with commas between), NODE, NM and READELF.
+string(REPLACE "," ";" expected "${EXPECTED}")
 
 execute_process(COMMAND ${NM} -D --defined-only --format=posix ${LIBRARY}
   OUTPUT_VARIABLE listing COMMAND_ERROR_IS_FATAL ANY)
@@ -13,6 +10,12 @@ string(REGEX MATCHALL "[^\n]+" lines "${listing}")
 set(exported)
 foreach(line IN LISTS lines)
   string(REGEX REPLACE "[ @].*" "" name "${line}")
+  if(name STREQUAL "${NODE}")
+    continue() # the version itself
+  endif()
+  if(NODE AND NOT line MATCHES "@@${NODE} ")
+    message(FATAL_ERROR "not of version ${NODE}: ${line}")
+  endif()
   list(APPEND exported ${name})
 endforeach()
 list(SORT exported)
