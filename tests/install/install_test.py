@@ -3,7 +3,7 @@
 
 install_test.py CASE BUILD SCRATCH installs the build folder BUILD below SCRATCH. For some values of CASE
 it builds a consumer there: cmake, pkg_config, dlopen, subdirectory (only configures the sources;
-subdirectory_built also builds them). Other values check packages, folders (of the pkg-config file),
+subdirectory_built also builds them); without_gl does so for the C library. Other values check packages, folders (of the pkg-config file),
 binary, or reproducible (another build in another folder). Exits with 77 if a tool is missing.
 """
 
@@ -18,6 +18,7 @@ import sys
 HERE = pathlib.Path(__file__).resolve().parent
 SOURCE = HERE.parents[1]
 CONSUMER = HERE / "consumer"
+C_CONSUMER = HERE / "c_consumer"
 
 
 def run(*command, **options):
@@ -46,17 +47,19 @@ def install(build, scratch):
     return (scratch / "first").rename(scratch / "installed")
 
 
-def built_by_cmake(scratch, *options):
-    run("cmake", "-G", "Ninja", "-S", CONSUMER, "-B", scratch / "consumer",
+def built_by_cmake(scratch, *options, consumer=CONSUMER):
+    folder = scratch / consumer.name
+    run("cmake", "-G", "Ninja", "-S", consumer, "-B", folder,
         "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON", *options)
-    return scratch / "consumer"
+    return folder
 
 
 def cmake(build, scratch):
     prefix = install(build, scratch)
-    folder = built_by_cmake(scratch, f"-DCMAKE_PREFIX_PATH={prefix}")
-    run("cmake", "--build", folder)
-    run(folder / "consumer")
+    for consumer in CONSUMER, C_CONSUMER:
+        folder = built_by_cmake(scratch, f"-DCMAKE_PREFIX_PATH={prefix}", consumer=consumer)
+        run("cmake", "--build", folder)
+        run(folder / "consumer")
 
 
 def pkg_config(build, scratch):
@@ -66,6 +69,32 @@ def pkg_config(build, scratch):
     flags = run("pkg-config", "--cflags", "--libs", "KestrixPreviewAPI", env=environment).split()
     run("g++", CONSUMER / "main.cpp", "-o", scratch / "consumer", *flags)
     run(scratch / "consumer", env=os.environ | {"LD_LIBRARY_PATH": str(file.parents[1])})
+
+    flags = run("pkg-config", "--cflags", "--libs", "KestrixPixelConversion", env=environment).split()
+    run("gcc", "-std=c99", C_CONSUMER / "main.c", "-o", scratch / "consumer", *flags)
+    run(scratch / "consumer", env=os.environ | {"LD_LIBRARY_PATH": str(file.parents[1])})
+
+
+def without_gl(build, scratch):
+    """Configures the C library alone, as on a machine that has neither libGL nor libuuid."""
+    folder = built_by_cmake(scratch, f"-DKESTRIX_SOURCE={SOURCE}", "-DCMAKE_BUILD_TYPE=Release",
+                            "-DKESTRIX_BUILD_PREVIEW=OFF", "-DKESTRIX_BUILD_CONVERSION=ON",
+                            "-DCMAKE_DISABLE_FIND_PACKAGE_OpenGL=ON",
+                            "-DCMAKE_DISABLE_FIND_PACKAGE_LibUUID=ON",
+                            "-DCMAKE_CXX_COMPILER_LAUNCHER=ccache", consumer=C_CONSUMER)
+    commands = json.loads((folder / "compile_commands.json").read_text())
+    parts = {pathlib.Path(c["file"]).relative_to(SOURCE).parts[0] for c in commands
+             if pathlib.Path(c["file"]).is_relative_to(SOURCE)
+             and not pathlib.Path(c["file"]).is_relative_to(HERE)
+             and not pathlib.Path(c["file"]).is_relative_to(folder)}
+    check(parts == {"conversion", "convert"}, f"the parent builds {parts}")
+    return folder
+
+
+def without_gl_built(build, scratch):
+    folder = without_gl(build, scratch)
+    run("cmake", "--build", folder)
+    run(folder / "consumer")
 
 
 def dlopen(build, scratch):
@@ -133,6 +162,13 @@ def binary(build, scratch):
     text = library.read_bytes()
     check(str(SOURCE).encode() not in text, "tells where it was built")
 
+    converter = next((scratch / "installed").rglob("libKestrixPixelConversion.so.1.*"))
+    dynamic = run("readelf", "--wide", "--dynamic", converter)
+    needed = set(re.findall(r"NEEDED.*\[(.*)\]", dynamic))
+    check(needed == {"libc.so.6"}, f"the C library needs {sorted(needed)}")
+    check(not re.search(r"RPATH|RUNPATH|TEXTREL", dynamic), "has a run path or text relocations")
+    check(str(SOURCE).encode() not in converter.read_bytes(), "tells where it was built")
+
 
 def reproducible(build, scratch):
     compiler = re.search(r"^CMAKE_CXX_COMPILER:\w+=(.*)$", (build / "CMakeCache.txt").read_text(), re.M)
@@ -150,17 +186,19 @@ def packages(build, scratch):
     run("fakeroot", "cpack", "-G", "DEB", "-B", scratch, "--config", build / "CPackConfig.cmake")
     debs = sorted(scratch.glob("*.deb"))
     names = [deb.name.split("_")[0] for deb in debs]
-    check(names == ["libkestrixpreviewapi-dev", "libkestrixpreviewapi1"], f"packages are {names}")
+    check(names == ["libkestrixpixelconversion-dev", "libkestrixpixelconversion1",
+                    "libkestrixpreviewapi-dev", "libkestrixpreviewapi1"], f"packages are {names}")
     print(run("lintian", "--allow-root", "--fail-on", "error", *debs))
     for deb in debs:
         run("dpkg-deb", "--extract", deb, scratch / "root")
-    folder = built_by_cmake(scratch, f"-DCMAKE_PREFIX_PATH={scratch}/root/usr")
-    run("cmake", "--build", folder)
-    run(folder / "consumer")
+    for consumer in CONSUMER, C_CONSUMER:
+        folder = built_by_cmake(scratch, f"-DCMAKE_PREFIX_PATH={scratch}/root/usr", consumer=consumer)
+        run("cmake", "--build", folder)
+        run(folder / "consumer")
 
 
-CASES = [cmake, pkg_config, dlopen, subdirectory, subdirectory_built, folders, binary, reproducible,
-         packages]
+CASES = [cmake, pkg_config, dlopen, subdirectory, subdirectory_built, without_gl, without_gl_built,
+         folders, binary, reproducible, packages]
 
 if __name__ == "__main__":
     case, build, scratch = sys.argv[1], pathlib.Path(sys.argv[2]), pathlib.Path(sys.argv[3])
