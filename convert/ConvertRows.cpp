@@ -39,12 +39,12 @@ RowConverter::RowConverter(const Conversion& conversion, unsigned width)
         return;
 
     // The piece has the last whole block of the row, because a change at the end of the row has an
-    // effect there, and the block before that one, because a chroma filter looks back.
+    // effect there. If a chroma filter looks back, it has the block before that one too.
     const unsigned blocks = width / block;
     m_total = std::max(2u, (width + block - 1) / block) * block;
     m_direct = blocks < 2 ? 0 : blocks * block;
     m_keep = blocks < 2 ? 0 : m_direct - block;
-    m_piece = m_keep < block ? 0 : m_keep - block;
+    m_piece = m_keep < block || !conversion.filtersChroma() ? m_keep : m_keep - block;
 }
 
 void RowConverter::convert(const Rows& src, const Rows& dst, unsigned first, unsigned end) const
