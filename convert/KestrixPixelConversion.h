@@ -140,7 +140,7 @@ typedef enum kestrix_chroma {
 
 /** A pixel format. */
 typedef struct kestrix_format_info {
-    size_t struct_size;
+    size_t struct_size;    /**< of the caller */
     uint32_t code;         /**< a kestrix_format */
     uint32_t components;   /**< a kestrix_components */
     uint32_t depth;        /**< bits of a sample: 8, 10, 12 or 16 */
@@ -193,7 +193,7 @@ typedef enum kestrix_colorspace {
 
 /** A conversion: a row of the table. */
 typedef struct kestrix_conversion {
-    size_t struct_size;
+    size_t struct_size;      /**< of the caller */
     uint32_t row;            /**< its number in the table, from 0 */
     uint32_t src_format;     /**< a kestrix_format */
     uint32_t src_colorspace; /**< a kestrix_colorspace; unspecified if the conversion is the same in
@@ -252,7 +252,7 @@ enum { KESTRIX_WORDS_SIZE = 256 };
  * Nothing needs an alignment.
  */
 typedef struct kestrix_picture {
-    size_t struct_size;
+    size_t struct_size;  /**< of the caller */
     uint32_t format;     /**< a kestrix_format */
     uint32_t colorspace; /**< a kestrix_colorspace */
     uint32_t width;      /**< pixels of a row, from 1 */
