@@ -89,7 +89,7 @@ template<unsigned BLOCK, class FIRST, class... REST>
 requires(LooksAhead<FIRST> && sizeof...(REST) != 0 &&
          !(LooksBack<REST> ||
            ...)) struct FewBlocks<Composition<BLOCK, StageList<FIRST, REST...>>> {
-    /// No stage looks back, so all units run the same block.
+    /// The units can be different rows: a stage can look back in a half after these stages.
     template<unsigned END, unsigned PREFETCH>
     static void run(Composition<BLOCK, StageList<FIRST, REST...>>& /*stages*/, Source src,
                     Destination dst, unsigned count)
@@ -97,9 +97,10 @@ requires(LooksAhead<FIRST> && sizeof...(REST) != 0 &&
         Composition<BLOCK, StageList<FIRST>> first;
         Composition<BLOCK, StageList<REST...>> rest;
         for (; count != 0; --count) {
-            alignas(kUnitBytes) std::byte between[first.kOutBytes];
-            runBlocks<false, END, PREFETCH>(first, src, Destination(between), 1);
-            runBlocks<false, 0, PREFETCH>(rest, Source(between), dst, 1);
+            alignas(kUnitBytes) std::byte between[kUnits * first.kOutBytes];
+            runBlocks<false, END, PREFETCH>(
+                first, src, Destination(between, first.kOutBytes, kUnits), 1);
+            runBlocks<false, 0, PREFETCH>(rest, Source(between, first.kOutBytes, kUnits), dst, 1);
             src += first.kInBytes;
             dst += rest.kOutBytes;
         }
