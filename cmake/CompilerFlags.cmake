@@ -18,9 +18,23 @@ if(KESTRIX_SANITIZE)
   target_compile_definitions(kestrix_flags INTERFACE KSX_KEEP_FUNCTIONS)
 endif()
 
-# The flags of the library: the x86-64 baseline and SSSE3 without later instructions, floating point as
-# written (a fused multiply-add would change a bit), and no symbol visible by default.
+# The flags of the library: floating point as written (a fused multiply-add would change a bit), no symbol
+# visible by default, and the instructions of one kind of processor.
 add_library(kestrix_engine_flags INTERFACE)
 target_compile_options(kestrix_engine_flags INTERFACE
-  -mssse3 -ffp-contract=off -fvisibility=hidden -fvisibility-inlines-hidden
+  -ffp-contract=off -fvisibility=hidden -fvisibility-inlines-hidden
   $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
+if(NOT KESTRIX_LEVEL)
+  # The x86-64 baseline and SSSE3 without later instructions.
+  target_compile_options(kestrix_engine_flags INTERFACE -mssse3)
+elseif(KESTRIX_LEVEL STREQUAL "v3")
+  target_compile_options(kestrix_engine_flags INTERFACE -march=x86-64-v3)
+  target_compile_definitions(kestrix_engine_flags INTERFACE KSX_VECTOR_BYTES=32)
+elseif(KESTRIX_LEVEL STREQUAL "v4")
+  # g++ 12 warns of the undefined vectors in its own headers.
+  target_compile_options(kestrix_engine_flags INTERFACE -march=x86-64-v4
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-uninitialized -Wno-maybe-uninitialized>)
+  target_compile_definitions(kestrix_engine_flags INTERFACE KSX_VECTOR_BYTES=64)
+else()
+  message(FATAL_ERROR "KESTRIX_LEVEL is empty, v3 or v4, not \"${KESTRIX_LEVEL}\"")
+endif()

@@ -21,6 +21,12 @@ endforeach()
 # then gives Kestrix::NAME, as kestrix_make_public does. A major version is one ABI.
 function(kestrix_install target)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "DESCRIPTION;RUNTIME;DEV" "HEADERS")
+  if(KESTRIX_LEVEL)
+    # Programs are built with the library for any processor.
+    install(TARGETS ${target} LIBRARY COMPONENT ${arg_RUNTIME} NAMELINK_SKIP
+      DESTINATION ${CMAKE_INSTALL_LIBDIR}/glibc-hwcaps/x86-64-${KESTRIX_LEVEL})
+    return()
+  endif()
   set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/${target})
   install(TARGETS ${target} EXPORT ${target}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${arg_RUNTIME} NAMELINK_COMPONENT ${arg_DEV}
@@ -49,6 +55,6 @@ if(KESTRIX_BUILD_CONVERSION)
     HEADERS ${PROJECT_SOURCE_DIR}/convert/KestrixPixelConversion.h)
 endif()
 
-if(PROJECT_IS_TOP_LEVEL)
+if(PROJECT_IS_TOP_LEVEL AND NOT KESTRIX_LEVEL)
   include(${CMAKE_CURRENT_LIST_DIR}/Package.cmake)
 endif()
