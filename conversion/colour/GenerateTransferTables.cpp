@@ -2,6 +2,7 @@
 /// of the file.
 #include "conversion/colour/GamutMatrices.h"
 #include "conversion/colour/TransferCharacteristicPQ.h"
+#include "conversion/fast/Rec709OETF10.h"
 
 #include <algorithm>
 #include <bit>
@@ -56,6 +57,88 @@ float findRise(const std::vector<float>& table, float begin, float end)
     }
     return std::bit_cast<float>(high);
 }
+
+/// `Rec709OETF<10, V1>` for one value, in the same order of operations.
+using Curve10 = Rec709OETF<10, V1>;
+
+template<std::size_t TERMS>
+double evaluate(const double (&polynomial)[TERMS], double x)
+{
+    double sum = polynomial[TERMS - 1];
+    for (std::size_t i = TERMS - 1; i-- > 0;)
+        sum = sum * x + polynomial[i];
+    return sum;
+}
+
+double decode10(std::size_t code)
+{
+    const double v = static_cast<double>(code) * Curve10::kSignalOfCode;
+    return v < Curve10::kLineEndInSignal ? v * Curve10::kLineToLight
+                                         : evaluate(Curve10::kToLight, v);
+}
+
+/// The code of the float with these bits.
+int encode10(std::uint32_t bits)
+{
+    const double l = std::bit_cast<float>(bits);
+    const double v = l < Curve10::kLineEndInLight
+                         ? l * 4.5
+                         : evaluate(Curve10::kPower, l) * Curve10::kAlpha - Curve10::kAlphaMinus1;
+    return static_cast<int>(std::nearbyint(v * 1023));
+}
+
+/// The first number from `begin` to `end` for which `reached` holds, if all after it do.
+template<class REACHED>
+std::uint32_t findFirst(std::uint32_t begin, std::uint32_t end, const REACHED& reached)
+{
+    while (begin < end) {
+        const std::uint32_t middle = begin + (end - begin) / 2;
+        if (reached(middle))
+            end = middle;
+        else
+            begin = middle + 1;
+    }
+    return begin;
+}
+
+/// The bits of the floats at which the codes rise. No edge wavers over more floats than `kWavers`.
+struct Edges10 {
+    static constexpr std::uint32_t kWavers = 64;
+
+    Edges10()
+    {
+        const auto end = std::bit_cast<std::uint32_t>(fast::kRec709EdgesHighest);
+        for (int code = 1; code < 1024; ++code) {
+            std::uint32_t rise =
+                findFirst(0, end, [&](std::uint32_t bits) { return encode10(bits) >= code; });
+            for (std::uint32_t before = 1; before <= kWavers; ++before)
+                if (encode10(rise - before) >= code) {
+                    rise -= before;
+                    before = 0;
+                }
+            rises.push_back(rise);
+        }
+    }
+
+    /// The entry for the floats from `first` to `last`.
+    fast::Rec709Edge between(std::uint32_t first, std::uint32_t last) const
+    {
+        const auto above = std::upper_bound(rises.begin(), rises.end(), last);
+        const auto code = static_cast<int>(above - rises.begin()) - 1;
+        // If no edge is in the range, every float of it is above one.
+        fast::Rec709Edge edge{first, 0};
+        if (const std::uint32_t rise = *(above - 1); rise + kWavers > first) {
+            edge.rise = rise;
+            for (std::uint32_t i = 0; i < 31; ++i)
+                if (encode10(rise + i + 1) < code)
+                    edge.falls |= 1u << i;
+        }
+        edge.rise = (static_cast<std::uint32_t>(code) << 22) - edge.rise;
+        return edge;
+    }
+
+    std::vector<std::uint32_t> rises{0};
+};
 
 // SMPTE ST 2084, 5.
 double pqToLinear(double signal)
@@ -143,6 +226,23 @@ int main(int argc, char** argv)
              << encode8(fromLinear, begin) << '}';
         return rise.str();
     });
+
+    write(out, "float", "fast::kRec709OETFToLinear10", 1024,
+          [](std::size_t i) { return static_cast<float>(decode10(i)); });
+    const Edges10 edges;
+    auto first = std::bit_cast<std::uint32_t>(fast::kRec709EdgesLowest);
+    write(out, "fast::Rec709Edge", "fast::kRec709Edges10", fast::kRec709EdgesCount,
+          [&](std::size_t i) {
+              const std::uint32_t next = findFirst(first, 0x3f900000, [&](std::uint32_t bits) {
+                  return fast::rec709EdgesRange(std::bit_cast<float>(bits)) >
+                         fast::kRec709EdgesFirst + i;
+              });
+              const fast::Rec709Edge edge = edges.between(first, next - 1);
+              first = next;
+              std::ostringstream entry;
+              entry << '{' << edge.rise << "u, " << edge.falls << "u}";
+              return entry.str();
+          });
 
     std::vector<double> toLinear(4096);
     for (std::size_t i = 0; i < toLinear.size(); ++i)

@@ -105,25 +105,40 @@ class Rec709OETF<10, V1> {
 public:
     static constexpr bool kLimitsLight = false;
 
+    /// V between 0 and 1 from a code; L from V on the line; the V at which the line ends; L from V
+    /// above it.
+    static constexpr double kSignalOfCode = 0.0009775171065493646;  // 1/1023
+    static constexpr double kLineToLight = 0.2222222222222222;      // 1/4.5
+    static constexpr double kLineEndInSignal = 0.08124285829863151; // 4.5 beta
+    static constexpr double kToLight[] = {0.004865568031467749, 0.10452784606688573,
+                                          0.6875632497840137,   0.3078302450546515,
+                                          -0.1441316641773179,  0.039394104289797664};
+    /// The way back: the L at which the line ends, L^0.45, and alpha.
+    static constexpr double kLineEndInLight = 0.018053968510807; // beta
+    static constexpr double kPower[] = {
+        0.06373368751399863, 7.720267954128315, -166.68729271213184, 3382.921137362854,
+        -50373.74587257034,  543705.7770209931, -4318820.723638247,  25702894.239978567,
+        -116399992.15534373, 405935276.6501572, -1098990803.1316366, 2319149708.2613387,
+        -3813837177.1323824, 4862393749.276773, -4751661644.016214,  3488413059.3608203,
+        -1860229944.5869374, 679796309.953305,  -152180100.8505276,  15730929.805408714};
+    static constexpr double kAlpha = 1.099296826809442;
+    static constexpr double kAlphaMinus1 = 0.09929682680944207;
+
     /// The error is within 5e-5.
     template<int LANES, std::size_t N>
     KSX_INLINE static Light<N> inverse(const Codes<N>& codes)
     {
-        constexpr double kPolynomial[] = {0.004865568031467749, 0.10452784606688573,
-                                          0.6875632497840137,   0.3078302450546515,
-                                          -0.1441316641773179,  0.039394104289797664};
         Pairs<N> signal;
         unrolled<0, N>([&]<unsigned I>() KSX_INLINE_LAMBDA {
-            const DoubleVector scale = v2d(0.0009775171065493646); // 1/1023
+            const DoubleVector scale = v2d(kSignalOfCode);
             const Doubles code = toDoubles(codes.v[I]);
             signal.v[2 * I] = mul(code.first, scale);
             signal.v[2 * I + 1] = mul(code.second, scale);
         });
-        Pairs<N> light = evaluate<N>(kPolynomial, signal);
+        Pairs<N> light = evaluate<N>(kToLight, signal);
         for (std::size_t i = 0; i < 2 * N; ++i) {
-            const DoubleVector line = mul(signal.v[i], v2d(0.2222222222222222)); // 1/4.5
-            light.v[i] = select(lessThan(signal.v[i], v2d(0.08124285829863151)), // 4.5 beta
-                                line, light.v[i]);
+            const DoubleVector line = mul(signal.v[i], v2d(kLineToLight));
+            light.v[i] = select(lessThan(signal.v[i], v2d(kLineEndInSignal)), line, light.v[i]);
         }
         Light<N> result;
         for (std::size_t i = 0; i < N; ++i)
@@ -136,20 +151,13 @@ public:
     template<int LANES, std::size_t N>
     KSX_INLINE static Codes<N> forward(const Light<N>& light)
     {
-        // L^0.45.
-        constexpr double kPolynomial[] = {
-            0.06373368751399863, 7.720267954128315, -166.68729271213184, 3382.921137362854,
-            -50373.74587257034,  543705.7770209931, -4318820.723638247,  25702894.239978567,
-            -116399992.15534373, 405935276.6501572, -1098990803.1316366, 2319149708.2613387,
-            -3813837177.1323824, 4862393749.276773, -4751661644.016214,  3488413059.3608203,
-            -1860229944.5869374, 679796309.953305,  -152180100.8505276,  15730929.805408714};
         Pairs<N> l;
         for (std::size_t i = 0; i < N; ++i) {
             const Doubles linear = toDoubles(light.v[i]);
             l.v[2 * i] = linear.first;
             l.v[2 * i + 1] = linear.second;
         }
-        const Pairs<N> power = evaluate<N>(kPolynomial, l);
+        const Pairs<N> power = evaluate<N>(kPower, l);
         Codes<N> codes;
         for (std::size_t i = 0; i < N; ++i)
             codes.v[i] = toNearest32(encode(l.v[2 * i], power.v[2 * i]),
@@ -186,9 +194,8 @@ private:
     KSX_INLINE static DoubleVector encode(DoubleVector l, DoubleVector power)
     {
         const DoubleVector line = mul(l, v2d(4.5));
-        const DoubleVector curve =
-            sub(mul(power, v2d(1.099296826809442)), v2d(0.09929682680944207));
-        const DoubleVector isLine = lessThan(l, v2d(0.018053968510807)); // beta
+        const DoubleVector curve = sub(mul(power, v2d(kAlpha)), v2d(kAlphaMinus1));
+        const DoubleVector isLine = lessThan(l, v2d(kLineEndInLight));
         return mul(select(isLine, line, curve), v2d(1023));
     }
 

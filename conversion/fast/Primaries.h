@@ -2,6 +2,8 @@
 #pragma once
 
 #include "conversion/colour/ColourspaceConversion.h"
+#include "conversion/fast/Rec709OETF10.h"
+#include "conversion/pipeline/EachVector.h"
 #include "conversion/pipeline/Pipeline.h"
 #include "conversion/stages/RGB8.h"
 
@@ -100,5 +102,69 @@ private:
 template<class MATRIX, int LAST, class UNPACK = UNPACK_BGRA_TO_RGBv4,
          class PACK = PACK_RGBv4_TO_BGRA>
 using PrimariesInBytes = Alone<COLOURSPACE_CONV_BYTES<MATRIX, LAST, UNPACK, PACK>>;
+
+// --- 10 bits -------------------------------------------------------------------------------------
+
+/// Whether `MATRIX` gives light from 0 to `kRec709EdgesHighest` for all codes of 10 bits. The light
+/// of the largest code is 1.00005.
+template<class MATRIX>
+consteval bool givesLightInRange()
+{
+    for (int row = 0; row < 3; ++row) {
+        const float* m = MATRIX::get() + 3 * row;
+        if (m[0] < 0 || m[1] < 0 || m[2] < 0 || m[0] + m[1] + m[2] > 1.00001f)
+            return false;
+    }
+    return true;
+}
+
+struct LimitTo10Bits {
+    KSX_INLINE static Vector apply(Vector x) { return sub16(x, subSaturateU16(x, v8i_0x3ff)); }
+};
+
+/// Limits all lanes of BGRAv8 to 1023, so that they are places in a table. Codes of 10 bits stay as
+/// they are. 2 pixels a step.
+class BGRAv8_LIMIT_TO_10_BITS : public EachVector<BGRAv8, 2, LimitTo10Bits> {};
+
+/// Runs in the place of `COLOURSPACE_CONV_BGRAv8` with the curve of 10 bits, by tables in place of
+/// polynomials. Codes have to be 0 to 1023. 4 pixels a step: 2 vectors in, 2 out.
+template<class MATRIX>
+class COLOURSPACE_CONV_10BIT_BGRAv8 : public Kernel<4, 4> {
+public:
+    static constexpr Range kRange = Range::Given;
+    using Input = BGRAv8;
+    using Output = BGRAv8;
+
+    KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
+    {
+        return {{convert(in[0]), convert(in[1])}};
+    }
+
+private:
+    KSX_INLINE static Vector convert(Vector bgra)
+    {
+        const Vector first = Rec709OETF10::forward<3>(light<0>(bgra));
+        const Vector second = Rec709OETF10::forward<3>(light<1>(bgra));
+        return bitOr(bitAnd(packSaturate32To16(first, second), v8i_mask_x654x210),
+                     bitAnd(bgra, v8i_mask_7xxx3xxx));
+    }
+
+    /// Blue, green and red of a pixel, summed in the order of the listed stage.
+    template<int PIXEL>
+    KSX_INLINE static FloatVector light(Vector bgra)
+    {
+        const FloatVector b = Rec709OETF10::inverse<4 * PIXEL>(bgra);
+        const FloatVector g = Rec709OETF10::inverse<4 * PIXEL + 1>(bgra);
+        const FloatVector r = Rec709OETF10::inverse<4 * PIXEL + 2>(bgra);
+        return add(add(mul(g, column(1)), mul(r, column(0))), mul(b, column(2)));
+    }
+
+    /// The weights of input component `c`, R G B, in each output component.
+    static constexpr FloatVector column(int c)
+    {
+        const float* m = MATRIX::get();
+        return v4f(m[6 + c], m[3 + c], m[c], 0);
+    }
+};
 
 } // namespace KSX::PixelConversion::fast

@@ -200,6 +200,17 @@ struct PrimariesToBGRAv8 {
         form(StageList<PrimariesInBytes<MATRIX, 0>, UNPACK_BGRA_TO_RGBv4, RGBv4_TO_BGRAv8>);
 };
 
+/// A change of primaries at 10 bits.
+struct PrimariesByTables {
+    template<class MATRIX>
+    requires(givesLightInRange<MATRIX>()) //
+        static StageList<
+            BGRAv8_LIMIT_TO_10_BITS,
+            Alone<COLOURSPACE_CONV_10BIT_BGRAv8<
+                MATRIX>>> form(StageList<COLOURSPACE_CONV_BGRAv8<Rec709OETF<10, V1>, MATRIX,
+                                                                 Rec709OETF<10, V1>>>);
+};
+
 // --- Planes --------------------------------------------------------------------------------------
 
 /// The matrix to video levels and the stretch to full range in one stage. The pack sets the limits.
@@ -338,7 +349,7 @@ struct FastRules
                fast::BytesToRGB12, fast::UYVYToV210, fast::V210To8Bits, fast::RGB12To8Bits,
                fast::DeepRGBTo8Bits, fast::Deep422To10Bits, fast::RescaleOfBytes,
                fast::NoLimitToV210, fast::PrimariesThroughBytes, fast::PrimariesFromBytes,
-               fast::PrimariesToBytes, fast::PrimariesToBGRAv8, fast::MatrixToFullRange,
-               fast::OnPlanes> {};
+               fast::PrimariesToBytes, fast::PrimariesToBGRAv8, fast::PrimariesByTables,
+               fast::MatrixToFullRange, fast::OnPlanes> {};
 
 } // namespace KSX::PixelConversion

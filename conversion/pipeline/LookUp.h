@@ -43,26 +43,35 @@ KSX_INLINE FloatVector lookUp(const float* table, Vector indices)
     });
 }
 
+/// All lanes of each unit are `table[index]`. The index is lane `LANE` of 16 bits of `words`.
+template<int LANE>
+KSX_INLINE FloatVector lookUpRepeated(const float* table, Vector words)
+{
+    return joinFloatUnits([&]<unsigned U>() KSX_INLINE_LAMBDA {
+        return loadRepeated32(table + laneU16<LANE>(unitOf<U>(words)));
+    });
+}
+
 /// The two members of table entries.
 struct LookedUp {
     FloatVector first;
     FloatVector second;
 };
 
-/// Lane i of each unit has the members of `table[index i]`, for the first `LANES` lanes, 3 or 4. An
-/// entry is two members of 32 bits.
-template<int LANES, class ENTRY>
+/// Lane i of each unit has the members of `table[index i - FIRST]`, for the first `LANES` lanes, 3
+/// or 4. An entry is two members of 32 bits.
+template<int LANES, unsigned FIRST = 0, class ENTRY>
 KSX_INLINE LookedUp lookUpPairs(const ENTRY* table, Vector indices)
 {
     static_assert(sizeof(ENTRY) == 8);
     const FloatVector ab = joinFloatUnits([&]<unsigned U>() KSX_INLINE_LAMBDA {
         const details::Indices i(unitOf<U>(indices));
-        return loadHigh64(loadLow64(table + i.a), table + i.b);
+        return loadHigh64(loadLow64(table + (i.a - FIRST)), table + (i.b - FIRST));
     });
     const FloatVector cd = joinFloatUnits([&]<unsigned U>() KSX_INLINE_LAMBDA {
         const details::Indices i(unitOf<U>(indices));
-        const FloatUnit c = loadLow64(table + i.c);
-        return LANES == 3 ? c : loadHigh64(c, table + i.d);
+        const FloatUnit c = loadLow64(table + (i.c - FIRST));
+        return LANES == 3 ? c : loadHigh64(c, table + (i.d - FIRST));
     });
     return {shuffle32<0, 2, 0, 2>(ab, cd), shuffle32<1, 3, 1, 3>(ab, cd)};
 }

@@ -135,6 +135,11 @@ KSX_VECTOR_OP FloatUnit loadLane32(const float* at)
 {
     return _mm_load_ss(at);
 }
+/// One float in all lanes.
+KSX_VECTOR_OP FloatUnit loadRepeated32(const float* at)
+{
+    return _mm_load1_ps(at);
+}
 /// 8 bytes in the lower half, zeros in the upper one.
 KSX_VECTOR_OP FloatUnit loadLow64(const void* at)
 {
@@ -163,6 +168,12 @@ KSX_VECTOR_OP std::uint64_t low64(Unit unit)
 KSX_VECTOR_OP std::uint64_t high64(Unit unit)
 {
     return low64(_mm_unpackhi_epi64(unit, unit));
+}
+/// Lane `LANE` of 16 bits, unsigned.
+template<int LANE>
+KSX_VECTOR_OP std::uint64_t laneU16(Unit unit)
+{
+    return static_cast<std::uint16_t>(_mm_extract_epi16(unit, LANE));
 }
 
 // --- Bits ----------------------------------------------------------------------------------------
@@ -305,6 +316,12 @@ KSX_VECTOR_OP Vector mulAddPairs16(Vector a, Vector b)
 KSX_VECTOR_OP Vector addPairs32(Vector a, Vector b)
 {
     return intrinsics::addPairs32(a, b);
+}
+
+/// Sets all bits of a lane if `a` is greater than `b`, and clears them if it is not.
+KSX_VECTOR_OP Vector greater32(Vector a, Vector b)
+{
+    return intrinsics::greater32(a, b);
 }
 
 // --- Moves between lanes -------------------------------------------------------------------------

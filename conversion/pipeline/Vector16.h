@@ -69,6 +69,10 @@ KSX_VECTOR_OP FloatVector floatsOfBits(Vector v)
 {
     return _mm_castsi128_ps(v);
 }
+KSX_VECTOR_OP Vector greater32(Vector a, Vector b)
+{
+    return _mm_cmpgt_epi32(a, b);
+}
 KSX_VECTOR_OP FloatVector lessOrEqual(FloatVector a, FloatVector b)
 {
     return _mm_cmple_ps(a, b);

@@ -74,6 +74,10 @@ KSX_VECTOR_OP FloatVector floatsOfBits(Vector v)
 {
     return _mm256_castsi256_ps(v);
 }
+KSX_VECTOR_OP Vector greater32(Vector a, Vector b)
+{
+    return _mm256_cmpgt_epi32(a, b);
+}
 KSX_VECTOR_OP FloatVector lessOrEqual(FloatVector a, FloatVector b)
 {
     return _mm256_cmp_ps(a, b, _CMP_LE_OS);

@@ -88,6 +88,10 @@ KSX_VECTOR_OP FloatVector interleaveLow64(FloatVector a, FloatVector b)
 {
     return _mm512_shuffle_ps(a, b, _MM_SHUFFLE(1, 0, 1, 0));
 }
+KSX_VECTOR_OP Vector greater32(Vector a, Vector b)
+{
+    return _mm512_movm_epi32(_mm512_cmpgt_epi32_mask(a, b));
+}
 KSX_VECTOR_OP FloatVector lessOrEqual(FloatVector a, FloatVector b)
 {
     return floatsOfBits(_mm512_movm_epi32(_mm512_cmp_ps_mask(a, b, _CMP_LE_OS)));

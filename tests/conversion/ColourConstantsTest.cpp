@@ -3,6 +3,7 @@
 #include "conversion/colour/Primaries.h"
 #include "conversion/colour/TransferCharacteristicPQ.h"
 #include "conversion/colour/TransferCharacteristicRec709OETF.h"
+#include "conversion/fast/Rec709OETF10.h"
 #include "tests/reference/Gamut.h"
 
 #include <algorithm>
@@ -57,32 +58,72 @@ TEST(Primaries, HaveCoordinatesThatAddUpToOne)
         EXPECT_NEAR(double{c.x} + c.y + c.z, 1, 1e-7) << c.x << ", " << c.y;
 }
 
-/// A quarter of all floats from 0 to 1. Only these floats can go wrong in the comparison with a
-/// table's entry.
-class Rec709OETFForward : public testing::TestWithParam<std::int32_t> {};
-
-TEST_P(Rec709OETFForward, IsThatOfTheFormulaForEveryFloat)
+/// Compares the code of every float in one of four parts of those from 0 to `last`.
+template<class GOT, class EXPECTED>
+void expectCodesOfEveryFloat(float last, int part, const GOT& got, const EXPECTED& expected)
 {
-    constexpr auto kOne = std::bit_cast<std::int32_t>(1.0f);
-    constexpr std::int32_t kQuarter = kOne / 4;
+    const auto end = std::bit_cast<std::int32_t>(last) + 1;
     constexpr std::int32_t kLanes = 4 * kUnits;
-    for (std::int32_t bits = GetParam() * kQuarter; bits < (GetParam() + 1) * kQuarter;
+    for (std::int32_t bits = end / 4 * part; bits < (part == 3 ? end : end / 4 * (part + 1));
          bits += kLanes) {
         std::array<std::int32_t, kLanes> lanes;
         std::iota(lanes.begin(), lanes.end(), bits);
-        const Codes<1> codes =
-            Rec709OETF<8, V1>::forward<4, 1>({{std::bit_cast<FloatVector>(lanes)}});
-        const auto got = std::bit_cast<std::array<int, kLanes>>(codes);
+        const auto codes =
+            std::bit_cast<std::array<int, kLanes>>(got(std::bit_cast<FloatVector>(lanes)));
         for (std::int32_t i = 0; i < kLanes; ++i) {
             const auto light = std::bit_cast<float>(bits + i);
-            ASSERT_EQ(got[static_cast<std::size_t>(i)],
-                      reference::roundedCode(reference::encoded8(light)))
-                << light;
+            ASSERT_EQ(codes[static_cast<std::size_t>(i)], expected(light)) << light;
         }
     }
 }
 
+class Rec709OETFForward : public testing::TestWithParam<int> {};
+
+TEST_P(Rec709OETFForward, IsThatOfTheFormulaForEveryFloatAt8Bits)
+{
+    // Other floats cannot go wrong in the comparison with a table's entry.
+    expectCodesOfEveryFloat(
+        1, GetParam(),
+        [](FloatVector light) { return Rec709OETF<8, V1>::forward<4, 1>({{light}}).v[0]; },
+        [](float light) { return reference::roundedCode(reference::encoded8(light)); });
+}
+
+/// The tables of 10 bits have no place for these floats, which come out one code too high.
+constexpr float kTooHigh[] = {0x1.fc9314p-1f, 0x1.fe884ep-1f, 0x1.ff756cp-1f};
+
+TEST_P(Rec709OETFForward, IsThatOfTheFormulaForEveryFloatAt10Bits)
+{
+    expectCodesOfEveryFloat(1.00005f, GetParam(), fast::Rec709OETF10::forward<4>, [](float light) {
+        return reference::roundedCode(reference::encoded10(light)) +
+               static_cast<int>(std::ranges::count(kTooHigh, light));
+    });
+}
+
 INSTANTIATE_TEST_SUITE_P(Quarters, Rec709OETFForward, testing::Range(0, 4));
+
+TEST(Rec709OETF10, IsWrongForNoLightThatColoursHave)
+{
+    std::array<float, 1024> light;
+    for (std::size_t code = 0; code < light.size(); ++code) {
+        light[code] = static_cast<float>(reference::decoded10(static_cast<double>(code)));
+        EXPECT_EQ(fast::kRec709OETFToLinear10[code], light[code]) << code;
+    }
+    int sums = 0;
+    for (int row = 0; row < 3; ++row) {
+        const float* m = RGB_709_TO_2020::get() + 3 * row;
+        // From the brightest colour down, as long as the light can be that of `kTooHigh`.
+        const auto brightEnough = [&](std::size_t r, std::size_t g, std::size_t b) {
+            return (light[g] * m[1] + light[r] * m[0]) + light[b] * m[2] >= kTooHigh[0];
+        };
+        for (std::size_t r = 1023; brightEnough(r, 1023, 1023); --r)
+            for (std::size_t g = 1023; brightEnough(r, g, 1023); --g)
+                for (std::size_t b = 1023; brightEnough(r, g, b); --b, ++sums) {
+                    const float sum = (light[g] * m[1] + light[r] * m[0]) + light[b] * m[2];
+                    EXPECT_EQ(std::ranges::count(kTooHigh, sum), 0) << r << ' ' << g << ' ' << b;
+                }
+    }
+    EXPECT_GT(sums, 1000);
+}
 
 TEST(PQ, TablesHoldTheCurve)
 {

@@ -2,8 +2,10 @@
 #include "conversion/chains/Primaries.h"
 #include "conversion/fast/Rules.h"
 #include "conversion/pipeline/Transform.h"
+#include "conversion/stages/RGB10.h"
 #include "conversion/stages/RGB8.h"
 
+#include <algorithm>
 #include <numeric>
 #include <vector>
 
@@ -52,6 +54,23 @@ TYPED_TEST(PrimariesOfBytes, AreThoseOfTheListedStagesForEveryColour)
         BIND3<UNPACK_BGRA_TO_BGRAv8, PrimariesInBGRAv8<TypeParam>, PACK_BGRAv8_TO_RGBA>>();
     expectSameForEveryColour<
         BIND3<UNPACK_BGRA_TO_RGBv4, PrimariesInRGBv4<TypeParam>, PACK_RGBv4_TO_BGRA>>();
+}
+
+TEST(PrimariesOf10Bits, TakeSamplesAboveTheLargestCodeAsThatCode)
+{
+    using Convert = BIND<PrimariesIn10BitBGRAv8<RGB_709_TO_2020>, BGRAv8_TO_RGBv4>;
+    constexpr std::size_t kPixels = 1 << 14;
+    std::vector<std::uint16_t> samples(4 * kPixels), limited(samples.size());
+    std::iota(samples.begin(), samples.end(), 0);
+    std::ranges::transform(samples, limited.begin(),
+                           [](std::uint16_t x) { return std::min<std::uint16_t>(x, 1023); });
+    const auto convert = [](const std::vector<std::uint16_t>& src) {
+        std::vector<std::uint32_t> dst(3 * kPixels);
+        Transform<Convert, kWholeBlocks, kPrefetchBlocks>::apply(src.data(), 0, dst.data(), 0,
+                                                                 kPixels, 1, nullptr);
+        return dst;
+    };
+    EXPECT_EQ(convert(samples), convert(limited));
 }
 
 } // namespace
