@@ -14,6 +14,13 @@ concept UnpacksBytesToRGBv4 = std::same_as<typename STAGE::Output, RGBv4> && req
     STAGE::kByteOf;
 };
 
+/// Unpacks pixels of 4 bytes to `BGRAv8`, and names the byte of each component.
+template<class STAGE>
+concept UnpacksBytesToBGRAv8 = std::same_as<typename STAGE::Output, BGRAv8> && requires
+{
+    STAGE::kByteOf;
+};
+
 /// Packs `RGBv4` to pixels of 4 bytes with an opaque alpha, and names the byte of each component
 /// and of alpha.
 template<class STAGE>

@@ -10,6 +10,7 @@
 #include "conversion/fast/RGB10.h"
 #include "conversion/fast/RGB12.h"
 #include "conversion/fast/RGB8.h"
+#include "conversion/fast/RGBToYUV.h"
 #include "conversion/fast/Rescale.h"
 #include "conversion/fast/V210.h"
 #include "conversion/fast/YUV8.h"
@@ -43,6 +44,18 @@ struct DropAlpha {
 struct ExchangeBytes {
     static StageList<EXCHANGE_BYTES> form(StageList<UNPACK_UYVY_TO_UYVYv8, PACK_UYVYv8_TO_YUY2>);
     static StageList<EXCHANGE_BYTES> form(StageList<UNPACK_YUY2_TO_UYVYv8, PACK_UYVYv8_TO_UYVY>);
+};
+
+/// Bytes in full range to 8-bit 4:2:2.
+struct BytesTo422 {
+    template<UnpacksBytesToBGRAv8 UNPACK, class STUDIO>
+    static StageList<BYTES_TO_422<FullRange<8, STUDIO>, UNPACK, 0>>
+        form(StageList<UNPACK, BGRAv8_TO_UYVYv8<FullRange<8, STUDIO>, 8, 8, P1, C0>,
+                       PACK_UYVYv8_TO_UYVY>);
+    template<UnpacksBytesToBGRAv8 UNPACK, class STUDIO>
+    static StageList<BYTES_TO_422<FullRange<8, STUDIO>, UNPACK, 1>>
+        form(StageList<UNPACK, BGRAv8_TO_UYVYv8<FullRange<8, STUDIO>, 8, 8, P1, C0>,
+                       PACK_UYVYv8_TO_YUY2>);
 };
 
 // --- Between bytes and words ---------------------------------------------------------------------
@@ -344,12 +357,12 @@ struct OnPlanes {
 
 /// If two rules fit the same run, the one listed first is taken.
 struct FastRules
-    : RuleList<fast::ReorderBytes, fast::DropAlpha, fast::ExchangeBytes, fast::BytesToRGB10,
-               fast::BytesToStudioRGB10, fast::RGB10ToBytes, fast::StudioRGB10ToBytes,
-               fast::BytesToRGB12, fast::UYVYToV210, fast::V210To8Bits, fast::RGB12To8Bits,
-               fast::DeepRGBTo8Bits, fast::Deep422To10Bits, fast::RescaleOfBytes,
-               fast::NoLimitToV210, fast::PrimariesThroughBytes, fast::PrimariesFromBytes,
-               fast::PrimariesToBytes, fast::PrimariesToBGRAv8, fast::PrimariesByTables,
-               fast::MatrixToFullRange, fast::OnPlanes> {};
+    : RuleList<fast::ReorderBytes, fast::DropAlpha, fast::ExchangeBytes, fast::BytesTo422,
+               fast::BytesToRGB10, fast::BytesToStudioRGB10, fast::RGB10ToBytes,
+               fast::StudioRGB10ToBytes, fast::BytesToRGB12, fast::UYVYToV210, fast::V210To8Bits,
+               fast::RGB12To8Bits, fast::DeepRGBTo8Bits, fast::Deep422To10Bits,
+               fast::RescaleOfBytes, fast::NoLimitToV210, fast::PrimariesThroughBytes,
+               fast::PrimariesFromBytes, fast::PrimariesToBytes, fast::PrimariesToBGRAv8,
+               fast::PrimariesByTables, fast::MatrixToFullRange, fast::OnPlanes> {};
 
 } // namespace KSX::PixelConversion

@@ -43,17 +43,20 @@ public:
 
 private:
     /// Averages all bytes, of which only those of chroma are used. The means and the stored bytes
-    /// make the chroma of a pixel pair: Cb even, Cb odd, Cr even, Cr odd.
+    /// make the chroma of a pixel pair: Cb even, Cb odd, Cr even, Cr odd. Bytes less 128 are the
+    /// bytes with their top bit inverted, read as signed; they go to the top of their lanes.
     KSX_INLINE static Pixels<Output, 8> unpack(Vector v, Vector successors)
     {
         const Vector mean = averageU8(v, successors);
         const Vector chroma = CHROMA_BYTE == 0
                                   ? bitOr(bitAnd(v, v8i_0xff), shiftLeft16(mean, 8))
                                   : bitOr(shiftRightU16(v, 8), bitAndNot(v8i_0xff, mean));
-        const Vector luma = CHROMA_BYTE == 0 ? shiftRightU16(v, 8) : bitAnd(v, v8i_0xff);
-        const Vector cb = v16i(0, -1, 1, -1, 4, -1, 5, -1, 8, -1, 9, -1, 12, -1, 13, -1);
-        const Vector cr = v16i(2, -1, 3, -1, 6, -1, 7, -1, 10, -1, 11, -1, 14, -1, 15, -1);
-        return {{luma, shuffleBytes(chroma, cb), shuffleBytes(chroma, cr)}};
+        const Vector luma = mulAddPairsU8(v, v8i(CHROMA_BYTE == 0 ? 64 << 8 : 64));
+        const Vector around0 = bitXor(chroma, v8i(0x8080));
+        const Vector cb = v16i(-1, 0, -1, 1, -1, 4, -1, 5, -1, 8, -1, 9, -1, 12, -1, 13);
+        const Vector cr = v16i(-1, 2, -1, 3, -1, 6, -1, 7, -1, 10, -1, 11, -1, 14, -1, 15);
+        return {{luma, shiftRight16(shuffleBytes(around0, cb), 1),
+                 shiftRight16(shuffleBytes(around0, cr), 1)}};
     }
 };
 

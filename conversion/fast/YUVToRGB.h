@@ -34,11 +34,9 @@ protected:
         static_assert(r.at[0] == 1 << 14 && g.at[0] == 1 << 14 && b.at[0] == 1 << 13);
 
         constexpr int kRounding = 1 << (kShift - 1);
-        const Vector y = add16(shiftLeft16(in[0], 14 - A),
-                               v8i(static_cast<std::uint16_t>(kRounding - (BELOW << kShift))));
-        const Vector middle = v8i(128 << 7); // of chroma, at 15 bits
-        const Vector cb = sub16(shiftLeft16(in[1], 15 - A), middle);
-        const Vector cr = sub16(shiftLeft16(in[2], 15 - A), middle);
+        const Vector y =
+            add16(in[0], v8i(static_cast<std::uint16_t>(kRounding - (BELOW << kShift))));
+        const Vector cb = in[1], cr = in[2];
 
         const Vector red = mulRound16(cr, v8i(static_cast<std::uint16_t>(r.at[2])));
         const Vector green = add16(mulRound16(cb, v8i(static_cast<std::uint16_t>(g.at[1]))),

@@ -186,6 +186,10 @@ KSX_VECTOR_OP Vector bitOr(Vector a, Vector b)
 {
     return KSX_MM_BITS(or)(a, b);
 }
+KSX_VECTOR_OP Vector bitXor(Vector a, Vector b)
+{
+    return KSX_MM_BITS(xor)(a, b);
+}
 /// The bits of `b` at which `a` has a 0.
 KSX_VECTOR_OP Vector bitAndNot(Vector a, Vector b)
 {
@@ -311,6 +315,12 @@ KSX_VECTOR_OP Vector mulRound16(Vector a, Vector b)
 KSX_VECTOR_OP Vector mulAddPairs16(Vector a, Vector b)
 {
     return KSX_MM(madd_epi16)(a, b);
+}
+/// Products of the unsigned bytes of `a` and the signed bytes of `b`. Each two neighbours are added
+/// into a lane of 16 bits, with saturation.
+KSX_VECTOR_OP Vector mulAddPairsU8(Vector a, Vector b)
+{
+    return KSX_MM(maddubs_epi16)(a, b);
 }
 /// Sums of neighbouring lanes: two sums from `a`, then two from `b`.
 KSX_VECTOR_OP Vector addPairs32(Vector a, Vector b)

@@ -25,6 +25,7 @@ namespace KSX::PixelConversion {
 ///     out[i] = in[i]                                B, G, R, A, 0..255
 class UNPACK_BGRA_TO_BGRAv8 : public Kernel<4, 4> {
 public:
+    static constexpr int kByteOf[3] = {2, 1, 0}; ///< R, G, B
     static constexpr int kLargestCode = 255;
     static constexpr Range kRange = Range::Given;
     using Input = Packed<4>;
@@ -52,6 +53,7 @@ KSX_INLINE Vector shufflePixels(Vector bgra)
 ///     out[4p + c] = in[4p + 3 - c]
 class UNPACK_ARGB_TO_BGRAv8 : public UNPACK_BGRA_TO_BGRAv8 {
 public:
+    static constexpr int kByteOf[3] = {1, 2, 3};
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
         const auto argb = UNPACK_BGRA_TO_BGRAv8::step(in);
@@ -64,6 +66,7 @@ public:
 /// change places.
 class UNPACK_RGBA_TO_BGRAv8 : public UNPACK_BGRA_TO_BGRAv8 {
 public:
+    static constexpr int kByteOf[3] = {0, 1, 2};
     KSX_INLINE Pixels<Output, 4> step(const Pixels<Input, 4>& in) const
     {
         const auto rgba = UNPACK_BGRA_TO_BGRAv8::step(in);
