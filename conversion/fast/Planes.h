@@ -7,7 +7,7 @@
 namespace KSX::PixelConversion {
 
 /// Three vectors Y, Cb, Cr, one pixel per lane of 16 bits, as the matrix to RGB takes them: codes
-/// of n bits are Y 2^(14 - n), and Cb and Cr less their middle, 2^(15 - n) times. 8 pixels.
+/// of n bits are Y 2^(14 - n), and Cb and Cr less their middle, 2^(16 - n) times. 8 pixels.
 struct YUVv8 : Representation<6, 1> {};
 
 /// Four vectors Y, Cb, Cr, A, one pixel per lane of 16 bits. 8 pixels.

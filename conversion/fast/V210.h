@@ -63,14 +63,14 @@ private:
         unrolled<0, 3>([&]<std::size_t V>() KSX_INLINE_LAMBDA {
             const Vector even = chroma[V];
             const Vector odd = averageU16(even, combineShiftRightBytes<4>(chroma[V + 1], even));
-            const Vector y = packSaturate32To16(shiftRightU32(samples.v[2 * V], 16),
-                                                shiftRightU32(samples.v[2 * V + 1], 16));
             const Vector cb = bitOr(bitAnd(even, v4i_0xffff), shiftLeft32(odd, 16));
             const Vector cr = bitOr(shiftRightU32(even, 16), bitAndNot(v4i_0xffff, odd));
-            const Vector middle = v8i(512 << 5);
-            out[3 * V] = shiftLeft16(y, 4);
-            out[3 * V + 1] = sub16(shiftLeft16(cb, 5), middle);
-            out[3 * V + 2] = sub16(shiftLeft16(cr, 5), middle);
+            constexpr Vector lumaTimes16 = v4i(16 << 16);
+            const Vector middle = v8i(512 << 6);
+            out[3 * V] = packSaturate32To16(mulAddPairs16(samples.v[2 * V], lumaTimes16),
+                                            mulAddPairs16(samples.v[2 * V + 1], lumaTimes16));
+            out[3 * V + 1] = sub16(shiftLeft16(cb, 6), middle);
+            out[3 * V + 2] = sub16(shiftLeft16(cr, 6), middle);
         });
         return out;
     }

@@ -55,8 +55,7 @@ private:
         const Vector around0 = bitXor(chroma, v8i(0x8080));
         const Vector cb = v16i(-1, 0, -1, 1, -1, 4, -1, 5, -1, 8, -1, 9, -1, 12, -1, 13);
         const Vector cr = v16i(-1, 2, -1, 3, -1, 6, -1, 7, -1, 10, -1, 11, -1, 14, -1, 15);
-        return {{luma, shiftRight16(shuffleBytes(around0, cb), 1),
-                 shiftRight16(shuffleBytes(around0, cr), 1)}};
+        return {{luma, shuffleBytes(around0, cb), shuffleBytes(around0, cr)}};
     }
 };
 

@@ -36,15 +36,25 @@ protected:
         constexpr int kRounding = 1 << (kShift - 1);
         const Vector y =
             add16(in[0], v8i(static_cast<std::uint16_t>(kRounding - (BELOW << kShift))));
-        const Vector cb = in[1], cr = in[2];
-
-        const Vector red = mulRound16(cr, v8i(static_cast<std::uint16_t>(r.at[2])));
-        const Vector green = add16(mulRound16(cb, v8i(static_cast<std::uint16_t>(g.at[1]))),
-                                   mulRound16(cr, v8i(static_cast<std::uint16_t>(g.at[2]))));
+        const Vector red = part<r.at[2]>(in[2]);
+        const Vector green = add16(part<g.at[1]>(in[1]), part<g.at[2]>(in[2]));
         // Blue's row is at half the scale.
-        const Vector blue = mulRound16(add16(cb, cb), v8i(static_cast<std::uint16_t>(b.at[1])));
+        const Vector blue = part<2 * b.at[1]>(in[1]);
         return {{shiftRight16(add16(y, red), kShift), shiftRight16(add16(y, green), kShift),
                  shiftRight16(add16(y, blue), kShift)}};
+    }
+
+private:
+    /// The part of chroma with a coefficient. If the coefficient is even, half of it makes up for
+    /// the 16th bit of chroma.
+    template<int COEFFICIENT>
+    KSX_INLINE static Vector part(Vector chroma)
+    {
+        if constexpr (COEFFICIENT % 2 == 0)
+            return mulRound16(chroma, v8i(static_cast<std::uint16_t>(COEFFICIENT / 2)));
+        else
+            return mulRound16(shiftRight16(chroma, 1),
+                              v8i(static_cast<std::uint16_t>(COEFFICIENT)));
     }
 };
 

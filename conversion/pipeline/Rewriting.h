@@ -14,6 +14,7 @@
 
 #include "conversion/pipeline/Pipeline.h"
 
+#include <algorithm>
 #include <concepts>
 #include <cstddef>
 #include <numeric>
@@ -152,8 +153,8 @@ using AsListed = typename AsPipeline<PIPELINE>::template ByRules<RuleList<>>;
 
 /// The block in which the inside of a row runs. If all stages are plain, any multiple of the block
 /// gives the same result. Short blocks are then joined, because the loop itself costs as much as a
-/// few of their instructions. A pipeline that looks ahead gets a wider block if more rules fit in
-/// it. A pipeline that looks back carries pixels from block to block and keeps its block.
+/// few of their instructions. A pipeline that looks ahead also reads less then, and more rules can
+/// fit. A pipeline that looks back carries pixels from block to block and keeps its block.
 template<class PIPELINE>
 constexpr unsigned wideBlock()
 {
@@ -161,10 +162,7 @@ constexpr unsigned wideBlock()
     if constexpr (P::kLooksBack) {
         return P::kBlock;
     } else if constexpr (P::kLooksAhead) {
-        constexpr unsigned kWide = std::lcm(P::kBlock, 8u);
-        constexpr bool kSame = std::same_as<typename RewrittenIn<P, kWide>::Stages,
-                                            typename RewrittenIn<P, P::kBlock>::Stages>;
-        return kSame ? P::kBlock : kWide;
+        return std::max(std::lcm(P::kBlock, 8u), 16u);
     } else {
         return P::kBlock < 16 ? std::lcm(P::kBlock, 16u) : P::kBlock;
     }
