@@ -255,6 +255,13 @@ protected:
 ///   frames under the helper's lock: these two must not call the helper, and must not wait for a
 ///   lock that the host holds when it calls the helper.
 /// - Fixed-function helper: no two calls on a helper may run at the same time.
+/// - The operations of a frame must not call the helper that calls them. If one does, the picture
+///   is undefined, and `SetFrame` of the fixed-function helper returns `E_OUTOFMEMORY` for the
+///   second frame. No memory outside the frames is read or written.
+///
+/// Exceptions. An exception of a frame's operation passes through the helper's operation that
+/// called it. The helper holds no lock, reference or access then, and the previous picture stays.
+/// `AddRef` and `Release` must not throw. An exception of `EndAccess` is dropped.
 ///
 /// GL state. The helpers never touch viewport, scissor, blending, depth, masks or the framebuffer
 /// binding: the quad fills the viewport that the host has set, in the framebuffer that the host has
@@ -277,6 +284,9 @@ class IKestrixGLScreenPreviewHelper : public IUnknown {
 public:
     /// Makes the helper's GL objects in the current context. May be called again, for instance in a
     /// new context. Then it first deletes the names of the earlier objects in the current context.
+    /// A new context that does not share objects with the earlier one may have given these names to
+    /// objects of the host, which are then deleted: call this operation before the host makes
+    /// objects there, or release the helper in the earlier context and make a new one.
     /// After that the fixed-function helper still shows its picture; the OpenGL 3 helper shows
     /// black until the next frame.
     ///
@@ -286,7 +296,11 @@ public:
     virtual HRESULT InitializeGL() = 0;
 
     /// Paints the newest frame; without a new one it paints the last picture again. The OpenGL 3
-    /// helper returns `E_FAIL` before the first successful `InitializeGL`.
+    /// helper returns `E_FAIL` before the first successful `InitializeGL`. After an `InitializeGL`
+    /// that failed later, it returns `S_OK` and draws nothing.
+    ///
+    /// If no texture of the driver can have the frame's size, the OpenGL 3 helper paints the
+    /// previous picture, and the fixed-function helper paints black.
     virtual HRESULT PaintGL() = 0;
 
     /// Sets the frame that the next paint shows. Null shows black: in the fixed-function helper

@@ -2,6 +2,7 @@
 #include "preview/FrameTextureBuffer.h"
 
 #include "preview/GLProcAddress.h"
+#include "preview/TextureSize.h"
 
 #include <GL/glext.h>
 
@@ -104,6 +105,12 @@ void FrameTextureBuffer::deletePixelBuffer() const
 {
     if (pixelBuffer)
         s_glDeleteBuffers(1, &pixelBuffer);
+}
+
+bool FrameTextureBuffer::fits() const
+{
+    return textureFits(static_cast<GLsizei>(textureWidth), static_cast<GLsizei>(textureHeight),
+                       &glGetIntegerv);
 }
 
 void FrameTextureBuffer::upload(bool throughPixelBuffer)

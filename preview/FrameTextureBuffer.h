@@ -27,8 +27,11 @@ struct FrameTextureBuffer {
     /// Deletes the pixel buffer, if there is one. The name stays in the slot.
     void deletePixelBuffer() const;
 
-    /// Uploads the picture if it is newer than the texture. In this case it leaves the texture
-    /// bound, and `GL_PIXEL_UNPACK_BUFFER` 0.
+    /// Whether the current context takes a texture of the picture's size.
+    [[nodiscard]] bool fits() const;
+
+    /// Only if `fits` is true. Uploads the picture if it is newer than the texture. In this case it
+    /// leaves the texture bound, and `GL_PIXEL_UNPACK_BUFFER` 0.
     void upload(bool throughPixelBuffer);
 
     /// Draws the texture over the viewport, the picture's first line at the top. The current colour

@@ -3,6 +3,7 @@
 
 #include "api/ScopedBufferBytes.h"
 #include "preview/ShaderFormats.h"
+#include "preview/TextureSize.h"
 
 #include <cstddef>
 #include <limits>
@@ -181,6 +182,7 @@ void CGL3ScreenPreview::Renderer::update(IKestrixVideoFrame* frame, Preview3DFor
     if (height < 0 || height > kMaxHeight || rowBytes < 0 || rowBytes > kMaxRowBytes)
         return;
     const auto texelsPerRow = static_cast<GLsizei>(rowBytes / 4);
+    const auto rows = static_cast<GLsizei>(height / 2);
     const std::shared_ptr<void> left = ReadableFrameBytes(frame);
     if (!left)
         return;
@@ -199,8 +201,13 @@ void CGL3ScreenPreview::Renderer::update(IKestrixVideoFrame* frame, Preview3DFor
     if (!right)
         m_3DFormat = Preview3DFormat::LeftOnly;
 
+    if (!textureFits(texelsPerRow * eyesAcross(m_3DFormat), rows * eyesDown(m_3DFormat),
+                     gl3.GetIntegerv)) {
+        m_rowBytes = -1; // the storage does not have this frame's size
+        return;
+    }
     bindTexture(kFrameUnit, GL_TEXTURE_2D, m_frameTexture);
-    uploadEyes(left.get(), right.get(), texelsPerRow, changed);
+    uploadEyes(left.get(), right.get(), texelsPerRow, rows, changed);
     fence = gl3.FenceSync(GL_SYNC_GPU_COMMANDS_COMPLETE, 0);
     bindTexture(kFrameUnit, GL_TEXTURE_2D, 0);
 }
@@ -232,9 +239,8 @@ void CGL3ScreenPreview::Renderer::selectLut(std::uint32_t colourspaceCode)
 }
 
 void CGL3ScreenPreview::Renderer::uploadEyes(const void* left, const void* right,
-                                             GLsizei texelsPerRow, bool makeStorage)
+                                             GLsizei texelsPerRow, GLsizei rows, bool makeStorage)
 {
-    const GLsizei rows = m_height / 2;
     const GLsizei across = eyesAcross(m_3DFormat);
     const GLsizei down = eyesDown(m_3DFormat);
     const GLenum type = texelType(m_pixelFormat);

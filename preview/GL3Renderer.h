@@ -19,6 +19,8 @@ public:
     /// Clears the colour buffer. Leaves the vertex array bound, unit 0 active, all else unbound.
     HRESULT init();
     [[nodiscard]] bool hasObjects() const { return m_vertexArray != 0; }
+    /// Whether all objects exist. The texture of the colour table is the last that `init` makes.
+    [[nodiscard]] bool canPaint() const { return m_lutTexture != 0; }
 
     /// Deletes all objects and forgets the last frame's size and format, so that the next upload
     /// makes new storage. Allowed at any time, also before `init`.
@@ -27,17 +29,18 @@ public:
     /// Clears the colour buffer to transparent black, and leaves this clear colour set.
     static void clear();
 
-    /// Uploads a frame: every second line, as 32-bit texels. `format` sets how the two eyes of a
-    /// pair are shown; it has no effect on a frame without a right eye. A right eye is used only if
-    /// its height and row bytes are those of the left eye.
+    /// Only if `canPaint` is true. Uploads a frame: every second line, as 32-bit texels. `format`
+    /// sets how the two eyes of a pair are shown; it has no effect on a frame without a right eye.
+    /// A right eye is used only if its height and row bytes are those of the left eye.
     ///
     /// `fence` receives a sync object that is signalled after the frame's bytes have been read. If
     /// the frame returns no bytes, or no texture can have its size, `fence` and the picture stay as
     /// they are. Restores `GL_UNPACK_ROW_LENGTH`; leaves no texture bound, and unit 0 active.
     void update(IKestrixVideoFrame* frame, Preview3DFormat format, GLsync& fence);
 
-    /// Draws what was uploaded last, or black if nothing was. Leaves program, vertex array, both
-    /// buffers and the textures of units 0 and 1 unbound, and unit 0 active.
+    /// Only if `canPaint` is true. Draws what was uploaded last, or black if nothing was. Leaves
+    /// program, vertex array, both buffers and the textures of units 0 and 1 unbound, and unit 0
+    /// active.
     void paint();
 
 private:
@@ -51,8 +54,9 @@ private:
     /// contains it.
     void selectLut(std::uint32_t colourspaceCode);
     /// Fills the bound frame texture as `m_3DFormat` says; `right` is null only if that is
-    /// `LeftOnly`. Makes the storage first if `makeStorage` is true.
-    void uploadEyes(const void* left, const void* right, GLsizei texelsPerRow, bool makeStorage);
+    /// `LeftOnly`. Each eye has `rows` rows. Makes the storage first if `makeStorage` is true.
+    void uploadEyes(const void* left, const void* right, GLsizei texelsPerRow, GLsizei rows,
+                    bool makeStorage);
 
     GLuint m_vertexArray = 0;
     GLuint m_vertexBuffer = 0;

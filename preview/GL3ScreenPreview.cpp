@@ -113,9 +113,20 @@ HRESULT CGL3ScreenPreview::PaintGL()
         return S_OK;
     }
 
+    // An `InitializeGL` after the successful one has failed, and has left nothing to paint with.
+    if (!m_renderer->canPaint())
+        return S_OK;
+
     GLsync uploaded = nullptr;
-    if (frameChanged)
-        m_renderer->update(frame.get(), format, uploaded);
+    if (frameChanged) {
+        try {
+            m_renderer->update(frame.get(), format, uploaded);
+        } catch (...) {
+            // The frame has thrown. The GL state must be as after every paint.
+            m_renderer->paint();
+            throw;
+        }
+    }
     m_renderer->paint();
     if (uploaded) {
         gl3.ClientWaitSync(uploaded, GL_SYNC_FLUSH_COMMANDS_BIT, kUploadWaitNanoseconds);

@@ -138,6 +138,40 @@ struct CGLScreenPreview::PicturePlan {
     std::size_t rightOffset;
 };
 
+/// The free slot that a frame is drawn into, if there is one. While it is taken, nobody else takes
+/// a slot: the helper has only one conversion at a time. A slot that has not become ready is free
+/// again at the end.
+class CGLScreenPreview::TakenSlot {
+public:
+    explicit TakenSlot(CGLScreenPreview& helper) : m_helper(helper)
+    {
+        if (helper.m_slotIsTaken || !helper.m_free)
+            return;
+        m_slot = helper.m_free;
+        helper.m_free = m_slot->next;
+        helper.m_slotIsTaken = true;
+    }
+    ~TakenSlot() { giveBack(); }
+    TakenSlot(const TakenSlot&) = delete;
+    TakenSlot& operator=(const TakenSlot&) = delete;
+
+    [[nodiscard]] FrameTextureBuffer* slot() const { return m_slot; }
+
+    void giveBack()
+    {
+        if (!m_slot)
+            return;
+        if (m_slot != m_helper.m_ready)
+            m_helper.makeFree(m_slot);
+        m_helper.m_slotIsTaken = false;
+        m_slot = nullptr;
+    }
+
+private:
+    CGLScreenPreview& m_helper;
+    FrameTextureBuffer* m_slot = nullptr;
+};
+
 CGLScreenPreview::CGLScreenPreview()
 {
     m_slots[0].next = &m_slots[1];
@@ -202,7 +236,8 @@ HRESULT CGLScreenPreview::SetFrame(IKestrixVideoFrame* frame)
         makeReady(nullptr);
         return S_OK;
     }
-    if (!m_free)
+    TakenSlot taken(*this);
+    if (!taken.slot())
         return E_OUTOFMEMORY;
 
     InterfaceRef<IKestrixVideoFrame3DExtensions> extensions;
@@ -220,29 +255,31 @@ HRESULT CGLScreenPreview::SetFrame(IKestrixVideoFrame* frame)
         !plan.lines.holds(previewFormat(), plan.lineStep))
         return E_INVALIDARG;
     if (plan.isEmpty()) {
+        taken.giveBack();
         makeReady(nullptr);
         return S_OK;
     }
 
-    FrameTextureBuffer& slot = *m_free;
+    FrameTextureBuffer& slot = *taken.slot();
     if (!slot.ReAllocTexture(plan.textureWidth, plan.textureHeight))
         return E_OUTOFMEMORY;
     DrawFrameToTexture(plan, static_cast<std::byte*>(slot.bytes));
     slot.setSizes(plan.width, plan.height, plan.textureWidth, plan.textureHeight);
-
-    m_free = slot.next;
-    slot.next = nullptr;
     makeReady(&slot);
     return S_OK;
 }
 
 void CGLScreenPreview::makeReady(FrameTextureBuffer* slot)
 {
-    if (m_ready) {
-        m_ready->next = m_free;
-        m_free = m_ready;
-    }
+    if (m_ready)
+        makeFree(m_ready);
     m_ready = slot;
+}
+
+void CGLScreenPreview::makeFree(FrameTextureBuffer* slot)
+{
+    slot->next = m_free;
+    m_free = slot;
 }
 
 void CGLScreenPreview::DrawFrameToTexture(const PicturePlan& plan, std::byte* destination) const
@@ -284,7 +321,7 @@ void CGLScreenPreview::drawEye(const PicturePlan& plan, IKestrixVideoFrame* fram
 
 HRESULT CGLScreenPreview::PaintGL()
 {
-    if (!m_ready) {
+    if (!m_ready || !m_ready->fits()) {
         drawBlack();
         return S_OK;
     }

@@ -37,6 +37,7 @@ public:
 private:
     struct FrameLines;
     struct PicturePlan;
+    class TakenSlot;
 
     /// Deletes the pixel buffers. If there are any, this must be the GL thread, with the context
     /// current. Textures stay until their context is destroyed.
@@ -54,6 +55,9 @@ private:
     /// Makes `slot`, or none, the ready slot. The slot that was ready becomes free.
     void makeReady(FrameTextureBuffer* slot);
 
+    /// Puts `slot` at the head of the list of free slots.
+    void makeFree(FrameTextureBuffer* slot);
+
     void deletePixelBuffers() const;
 
     /// The driver accepts textures of any size.
@@ -64,6 +68,8 @@ private:
     /// Contains the picture that is shown. Null shows black.
     FrameTextureBuffer* m_ready = nullptr;
     FrameTextureBuffer* m_free = m_slots;
+    /// A `SetFrame` has taken a slot off the list, and calls operations of its frame.
+    bool m_slotIsTaken = false;
     /// The code that the host set. A code that is not in `Kestrix3DPreviewFormat` counts as the
     /// default.
     std::uint32_t m_3DFormat = Preview3DDefault;

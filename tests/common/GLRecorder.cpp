@@ -112,6 +112,7 @@ void getIntegerv(GLenum name, GLint* out)
     const FakeGL& fake = fakeGL();
     const std::map<GLenum, GLint> answers = {{GL_MAJOR_VERSION, fake.majorVersion},
                                              {GL_MINOR_VERSION, fake.minorVersion},
+                                             {GL_MAX_TEXTURE_SIZE, fake.maxTextureSize},
                                              {GL_UNPACK_ROW_LENGTH, fake.unpackRowLength}};
     *out = answers.at(name);
 }
@@ -325,6 +326,7 @@ KESTRIX_LINKED(void, glColor3f, (GLfloat r, GLfloat g, GLfloat b), (r, g, b))
 KESTRIX_LINKED(void, glTexEnvi, (GLenum target, GLenum name, GLint value), (target, name, value))
 KESTRIX_LINKED(void, glGetTexEnviv, (GLenum target, GLenum name, GLint* out), (target, name, out))
 KESTRIX_LINKED(const GLubyte*, glGetString, (GLenum name), (name))
+KESTRIX_LINKED(void, glGetIntegerv, (GLenum name, GLint* out), (name, out))
 KESTRIX_LINKED(void, glGenTextures, (GLsizei count, GLuint* names), (count, names))
 KESTRIX_LINKED(void, glDeleteTextures, (GLsizei count, const GLuint* names), (count, names))
 KESTRIX_LINKED(void, glBindTexture, (GLenum target, GLuint texture), (target, texture))

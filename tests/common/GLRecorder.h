@@ -54,6 +54,7 @@ GLCall call(const char* name, ARGUMENTS... arguments)
 struct FakeGL {
     int majorVersion = 4;
     int minorVersion = 5;
+    int maxTextureSize = 16384;
     const char* extensions = "";
     std::string doesNotBuild; // "vertex shader", "fragment shader", "program"
     int infoLogLength = 40;

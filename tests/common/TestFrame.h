@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <limits>
 #include <map>
 #include <string>
@@ -49,6 +50,10 @@ public:
     /// The status of `GetInt`, which stores the frame's colourspace even if this is a failure.
     HRESULT getIntStatus = S_OK;
 
+    /// Called at each operation except `AddRef` and `Release`, with its name: it may throw, or call
+    /// a helper.
+    std::function<void(const char* operation)> called;
+
     /// Receives a line for each change of references and accesses: `name` and the operation. Null
     /// if there is no log. Several frames can share one.
     std::vector<std::string>* log = nullptr;
@@ -56,6 +61,7 @@ public:
 
     HRESULT QueryInterface(REFIID id, void** out) override
     {
+        call("QueryInterface");
         if (out && std::find(lacks.begin(), lacks.end(), id) != lacks.end()) {
             *out = nullptr;
             return lacksStatus;
@@ -88,12 +94,14 @@ public:
 
     HRESULT StartAccess(std::uint32_t flags) override
     {
+        call("StartAccess");
         note("StartAccess " + std::to_string(flags));
         return startAccessStatus < 0 ? startAccessStatus : FRAME::StartAccess(flags);
     }
 
     HRESULT GetBytes(void** out) override
     {
+        call("GetBytes");
         note("GetBytes");
         const HRESULT status = FRAME::GetBytes(out);
         if (givesNullBytes)
@@ -106,17 +114,26 @@ public:
         note("EndAccess " + std::to_string(flags));
         const HRESULT status = FRAME::EndAccess(flags);
         EXPECT_EQ(status, S_OK) << "no such access is open";
+        call("EndAccess");
         return status;
     }
 
     HRESULT GetInt(std::uint32_t id, std::int64_t* out) override
     {
+        call("GetInt");
         const HRESULT status = FRAME::GetInt(id, out);
         return status < 0 ? status : getIntStatus;
     }
 
+    std::uint32_t Get3DPackingFormat() override
+    {
+        call("Get3DPackingFormat");
+        return FRAME::Get3DPackingFormat();
+    }
+
     HRESULT GetFrameForRightEye(IKestrixVideoFrame** out) override
     {
+        call("GetFrameForRightEye");
         if (rightEyeStatus < 0) {
             *out = nullptr;
             return rightEyeStatus;
@@ -126,6 +143,7 @@ public:
 
     HRESULT RegisterInterfaceProvider(REFIID id, IUnknown* provider) override
     {
+        call("RegisterInterfaceProvider");
         if (provider && registrationsTaken-- <= 0)
             return kRegistrationRefused;
         std::this_thread::sleep_for(registrationTime);
@@ -142,9 +160,16 @@ private:
             log->push_back(name + operation);
     }
 
+    void call(const char* operation) const
+    {
+        if (called)
+            called(operation);
+    }
+
     template<class NUMBER>
     NUMBER answer(Question question, NUMBER trueValue)
     {
+        call("a property");
         const auto found = answers.find(question);
         if (found == answers.end())
             return trueValue;

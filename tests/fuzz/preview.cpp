@@ -136,8 +136,28 @@ void readRows(GLenum, GLint, GLint, GLint, GLsizei width, GLsizei height, GLenum
 void readNewRows(GLenum target, GLint level, GLint, GLsizei width, GLsizei height, GLint,
                  GLenum format, GLenum type, const void* pixels)
 {
+    const int limit = GLRecorder::get().fake.maxTextureSize;
+    check(width <= limit && height <= limit, "a texture beyond the limit");
     if (pixels)
         readRows(target, level, 0, 0, width, height, format, type, pixels);
+}
+
+/// Only objects that exist are bound, and a draw has a program and a vertex array.
+void checkObjects(GLRecorder& gl)
+{
+    for (const char* const bind :
+         {"glBindTexture", "glBindBuffer", "glBindVertexArray", "glUseProgram"})
+        gl.observe(bind, [&gl](const GLCall& made) {
+            const auto name = static_cast<unsigned>(made.arguments.back());
+            check(name == 0 || gl.fake.live.contains(name), made.name + " of what is gone");
+        });
+    gl.observe("glDrawElements", [&gl](const GLCall&) {
+        for (const char* const bind : {"glBindVertexArray", "glUseProgram"}) {
+            const std::vector<GLCall> binds = gl.callsTo({bind});
+            check(!binds.empty() && binds.back().arguments.back() != 0,
+                  std::string("a draw without ") + bind);
+        }
+    });
 }
 
 } // namespace
@@ -147,6 +167,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     FuzzInput input(data, size);
     GLRecorder& gl = GLRecorder::get();
     gl.useFake();
+    checkObjects(gl);
     gl.replace("glTexSubImage2D", readRows);
     gl.replace("glTexImage2D", readNewRows);
     constexpr const char* kExtensions[] = {
