@@ -40,9 +40,8 @@ public:
     /// Releases the reference, if there is one, and becomes null.
     void reset()
     {
-        if (m_pointer)
-            m_pointer->Release();
-        m_pointer = nullptr;
+        if (Interface* const released = std::exchange(m_pointer, nullptr))
+            released->Release();
     }
 
     /// Releases the old reference, and stores the pointer that `object` returns for `id`. Returns

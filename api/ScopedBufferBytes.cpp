@@ -11,21 +11,31 @@ std::shared_ptr<void> ScopedBufferBytes(IKestrixVideoBuffer* buffer, std::uint32
         return {};
 
     void* bytes = nullptr;
-    if (buffer->GetBytes(&bytes) < 0) {
+    HRESULT status = E_FAIL;
+    try {
+        status = buffer->GetBytes(&bytes);
+    } catch (...) {
+        buffer->EndAccess(flags);
+        throw;
+    }
+    if (status < 0) {
         buffer->EndAccess(flags);
         return {};
     }
 
     buffer->AddRef();
     const auto endAccess = [buffer, flags](void*) {
-        buffer->EndAccess(flags);
+        try {
+            buffer->EndAccess(flags);
+        } catch (...) { // the owner of the pointer can't do anything about it
+        }
         buffer->Release();
     };
     // If allocation of the shared count fails, the pointer calls the deleter before it throws.
     return {bytes, endAccess};
 }
 
-std::shared_ptr<void> ReadableFrameBytes(IKestrixVideoFrame* frame) noexcept
+std::shared_ptr<void> ReadableFrameBytes(IKestrixVideoFrame* frame)
 {
     InterfaceRef<IKestrixVideoBuffer> buffer;
     buffer.query(frame, IID_IKestrixVideoBuffer);

@@ -11,9 +11,10 @@
 /// `KestrixBufferAccessFlags`.
 ///
 /// Empty if the buffer is null, or refuses the access or its bytes. If allocation fails, closes the
-/// access and throws `std::bad_alloc`.
+/// access and throws `std::bad_alloc`. An exception of the buffer passes through, after an open
+/// access has been closed; only an exception of `EndAccess` is dropped.
 std::shared_ptr<void> ScopedBufferBytes(IKestrixVideoBuffer* buffer, std::uint32_t flags);
 
 /// Opens `frame` for reading. Empty if the frame has no buffer, the buffer returns no bytes, or
 /// allocation fails: for a preview all three mean that there is nothing new to show.
-std::shared_ptr<void> ReadableFrameBytes(IKestrixVideoFrame* frame) noexcept;
+std::shared_ptr<void> ReadableFrameBytes(IKestrixVideoFrame* frame);

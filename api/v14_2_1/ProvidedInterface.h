@@ -70,9 +70,14 @@ protected:
         InterfaceRef<IKestrixVideoBuffer> buffer;
         if (frame)
             buffer.query(frame, IID_IKestrixVideoBuffer);
-        if (buffer) {
-            buffer->StartAccess(BufferAccessReadWrite);
+        if (!buffer)
+            return;
+        buffer->StartAccess(BufferAccessReadWrite);
+        try {
             buffer->GetBytes(&m_bytes);
+        } catch (...) {
+            buffer->EndAccess(BufferAccessReadWrite);
+            throw;
         }
     }
     ~CProvidedInterfaceBase() override = default;

@@ -10,6 +10,7 @@
 
 #include <barrier>
 #include <chrono>
+#include <stdexcept>
 #include <thread>
 
 namespace kestrix::test {
@@ -290,6 +291,38 @@ TEST_P(CurrentFrame, HasOneAdapterWhenThreadsMeet)
         for (const auto& adapter : adapters)
             EXPECT_EQ(adapter.get(), found.get());
         EXPECT_EQ(frame->references(), 2U + kThreads);
+    }
+}
+
+// A lock that stayed locked would block the second attempt.
+TEST_P(CurrentFrame, ThatThrowsLeavesNothingOpenAndCanBeAttachedLater)
+{
+    bool done = false;
+    for (int position = 0; !done; ++position) {
+        const auto frame = GetParam().make(1000);
+        int calls = 0;
+        const auto throwing = [&](const char*) {
+            if (calls++ == position)
+                throw std::runtime_error("");
+        };
+        if (auto* const captured = dynamic_cast<TestFrame*>(frame.get()))
+            captured->called = throwing;
+        else
+            dynamic_cast<MutableTestFrame&>(*frame).called = throwing;
+        Owned<Old> old;
+        try {
+            GetParam().attach(frame.get(), old);
+            done = true;
+        } catch (const std::runtime_error&) {
+            EXPECT_EQ(frame->references(), 1U) << position;
+            EXPECT_EQ(GetParam().attach(frame.get(), old), S_OK) << position;
+        }
+        ASSERT_NE(old, nullptr);
+        EXPECT_EQ(old->GetWidth(), 16);
+        old.reset();
+        EXPECT_EQ(frame->references(), 1U) << position;
+        EXPECT_EQ(frame->openAccesses(), 1) << position << ": that of the adapter";
+        EXPECT_EQ(frame->EndAccess(BufferAccessReadWrite), S_OK);
     }
 }
 
