@@ -61,14 +61,13 @@ bool wglInitGLExtProcs()
 bool FrameTextureBuffer::ReAllocTexture(unsigned width, unsigned height)
 {
     const std::uint64_t needed = std::uint64_t{width} * kBytesPerPixel * height;
-    // 0 if a side has no power of two above it.
-    if (needed != 0 && bytes && size >= needed)
+    if (bytes && size >= needed)
         return true;
 
     std::free(bytes);
     bytes = nullptr;
     size = 0;
-    if (needed == 0 || needed > std::numeric_limits<std::uint32_t>::max())
+    if (needed > std::numeric_limits<std::uint32_t>::max())
         return false;
     void* memory = nullptr;
     if (posix_memalign(&memory, kAlignment, needed) != 0)

@@ -2,10 +2,22 @@
 #include "tests/common/CaseName.h"
 #include "tests/common/PreviewFixture.h"
 
+#include <barrier>
 #include <thread>
 
 namespace kestrix::test {
 namespace {
+
+// The walk over the tables in C knows the other ids.
+TEST(OldFrameIds, AreTheOnesThatOldHostsAskFor)
+{
+    constexpr REFIID kMutable = {{0xc4, 0x09, 0x19, 0xed, 0x79, 0xb2, 0x42, 0x4c, 0x9f, 0x27, 0xc8,
+                                  0x71, 0xc6, 0x4b, 0xf0, 0xbf}};
+    constexpr REFIID kInput = {{0xab, 0xde, 0x26, 0x33, 0x08, 0x24, 0x45, 0xbf, 0xaf, 0x70, 0x03,
+                                0xf6, 0x11, 0xeb, 0xd8, 0xae}};
+    EXPECT_EQ(IID_IKestrixMutableVideoFrame_v14_2_1, kMutable);
+    EXPECT_EQ(IID_IKestrixVideoInputFrame_v14_2_1, kInput);
+}
 
 class HelperObject : public FakeGLTest, public testing::WithParamInterface<HelperKind> {};
 
@@ -32,8 +44,10 @@ TEST_P(HelperObject, AnswersForItsInterfacesAndCountsReferences)
     }
     EXPECT_EQ(helper->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
 
+    std::barrier start(2);
     const auto work = [&] {
-        for (int i = 0; i < 20000; ++i) {
+        start.arrive_and_wait();
+        for (int i = 0; i < 500000; ++i) {
             helper->AddRef();
             helper->Release();
         }

@@ -2,6 +2,7 @@
 #include "tests/common/AllocationFaults.h"
 
 #include <cerrno>
+#include <cstring>
 #include <new>
 
 extern "C" {
@@ -115,6 +116,9 @@ int __wrap_posix_memalign(void** out, std::size_t alignment, std::size_t size)
         return ENOMEM;
     const int error = __real_posix_memalign(out, alignment, size);
     live += !error;
+    // Fresh memory is often zero, which would hide that it was never written.
+    if (!error)
+        std::memset(*out, 0xA5, size);
     return error;
 }
 

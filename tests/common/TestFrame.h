@@ -46,7 +46,9 @@ public:
     HRESULT startAccessStatus = S_OK;
     HRESULT getBytesStatus = S_OK;
     bool givesNullBytes = false;
+    /// A failure stores null, any other status the right eye, unless there is none.
     HRESULT rightEyeStatus = S_OK;
+    bool givesNoRightEye = false;
     /// The status of `GetInt`, which stores the frame's colourspace even if this is a failure.
     HRESULT getIntStatus = S_OK;
 
@@ -134,11 +136,12 @@ public:
     HRESULT GetFrameForRightEye(IKestrixVideoFrame** out) override
     {
         call("GetFrameForRightEye");
-        if (rightEyeStatus < 0) {
+        if (rightEyeStatus < 0 || givesNoRightEye) {
             *out = nullptr;
             return rightEyeStatus;
         }
-        return FRAME::GetFrameForRightEye(out);
+        const HRESULT status = FRAME::GetFrameForRightEye(out);
+        return status < 0 ? status : rightEyeStatus;
     }
 
     HRESULT RegisterInterfaceProvider(REFIID id, IUnknown* provider) override

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <malloc.h>
+
 #include <stdexcept>
 #include <vector>
 
@@ -52,6 +54,8 @@ TEST(MemoryFrame, HasAlignedZeroedMemoryOfWholeGroups)
     EXPECT_EQ(frame->GetRowBytes(), 32); // 7 pixels are two groups of 6
     EXPECT_EQ(frame->size(), 96U);
     EXPECT_EQ(reinterpret_cast<std::uintptr_t>(frame->bytes()) % 16, 0U);
+    static_assert(kReadableBehind == 64, "what conversions may read, rounded up");
+    EXPECT_GE(malloc_usable_size(frame->bytes()), frame->size() + 64);
     for (std::size_t i = 0; i < frame->size() + kReadableBehind; ++i)
         ASSERT_EQ(frame->bytes()[i], 0) << i;
 }
@@ -88,6 +92,46 @@ TEST(MemoryFrame, GivesBytesOnlyWhileAnAccessIsOpen)
     EXPECT_EQ(frame->GetBytes(&bytes), E_FAIL);
     EXPECT_EQ(frame->StartAccess(2), E_INVALIDARG);
     EXPECT_EQ(frame->openAccesses(), 0);
+}
+
+/// Asks its frame for an interface when it ends.
+class AskingProvider : public IUnknown {
+public:
+    explicit AskingProvider(MemoryFrame* frame) : m_frame(frame) {}
+    HRESULT QueryInterface(REFIID, void** out) override
+    {
+        *out = nullptr;
+        return E_NOINTERFACE;
+    }
+    std::uint32_t AddRef() override { return ++m_references; }
+    std::uint32_t Release() override
+    {
+        if (--m_references == 0)
+            asked = query<IUnknown>(static_cast<IKestrixVideoFrame*>(m_frame), kId) == nullptr;
+        return m_references;
+    }
+
+    static constexpr REFIID kId = {{1, 2, 3}};
+    bool asked = false;
+
+private:
+    MemoryFrame* m_frame;
+    std::uint32_t m_references = 0;
+};
+
+// If the frame held its lock, the query would wait for ever.
+TEST(MemoryFrame, ReleasesAReplacedProviderOutsideItsLock)
+{
+    MemoryFrameOptions options = smallFrame();
+    options.captured = true;
+    const auto frame = MemoryFrame::create(options);
+    AskingProvider first(frame.get());
+    AskingProvider second(frame.get());
+    EXPECT_EQ(frame->RegisterInterfaceProvider(AskingProvider::kId, &first), S_OK);
+    EXPECT_EQ(frame->RegisterInterfaceProvider(AskingProvider::kId, &second), S_OK);
+    EXPECT_TRUE(first.asked);
+    EXPECT_EQ(frame->RegisterInterfaceProvider(AskingProvider::kId, nullptr), S_OK);
+    EXPECT_TRUE(second.asked);
 }
 
 } // namespace

@@ -234,6 +234,22 @@ TEST_P(BadFrames, ThatThrowLeaveTheHelperIntact)
     EXPECT_GE(thrown.size(), 7u) << "all kinds of operations";
 }
 
+TEST_P(BadFrames, LoseTheAccessBeforeTheReference)
+{
+    std::vector<std::string> log;
+    const Frame frame = noise(kSmall, 1);
+    frame->log = &log;
+    EXPECT_EQ(helper->SetFrame(frame.get()), S_OK);
+    EXPECT_EQ(helper->PaintGL(), S_OK);
+    // The OpenGL 3 helper has a reference of its own to the frame.
+    std::vector<std::string> last = {"EndAccess 1", "Release"};
+    if (GetParam().context == GLContext::Kind::Core32)
+        last.emplace_back("Release");
+    ASSERT_GE(log.size(), last.size());
+    log.erase(log.begin(), log.end() - static_cast<std::ptrdiff_t>(last.size()));
+    EXPECT_EQ(log, last);
+}
+
 // --- Frames that call the helper -----------------------------------------------------------------
 
 TEST_P(BadFrames, ThatCallTheHelperLeaveItIntact)

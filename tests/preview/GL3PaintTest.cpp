@@ -283,7 +283,8 @@ TEST_F(GL3Paint, UploadsNothingOfASizeThatNoFrameHas)
     constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
     constexpr std::int64_t k2To31 = std::int64_t{1} << 31;
     for (const Question question : {Question::Height, Question::RowBytes})
-        for (const std::int64_t value : {std::int64_t{-8}, 2 * k2To31, kLeast, kLeast + 64}) {
+        for (const std::int64_t value : {std::int64_t{-8}, 2 * k2To31, kLeast, kLeast + 64,
+                                         8 * k2To31 + 64}) { // 16 texels in 32 bits
             const Frame frame = TestFrame::create({.width = 16, .height = 8, .format = kARGB});
             frame->answers[question] = {value};
             paint(frame.get());

@@ -7,7 +7,10 @@
 #include <GL/gl.h>
 #include <GL/glext.h>
 
+#include <sys/mman.h>
+
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <optional>
 #include <span>
@@ -293,6 +296,25 @@ TEST_F(GLPreview, TakesFewerLinesOfWiderFrames)
         }
 }
 
+// The first line that is shown begins 4 GiB after the frame's bytes.
+TEST_F(GLPreview, FindsTheLinesOfAFrameOfMoreThan4GiB)
+{
+    constexpr std::size_t kRowBytes = std::size_t{1} << 29;
+    void* const memory = mmap(nullptr, 9 * kRowBytes, PROT_READ | PROT_WRITE,
+                              MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    ASSERT_NE(memory, MAP_FAILED);
+    auto* const bytes = static_cast<std::uint8_t*>(memory);
+    MemoryFrameOptions options = rgba(1, 9);
+    options.rowBytes = kRowBytes;
+    options.flags = FrameFlagFlipVertical;
+    options.bytes = memory;
+    for (std::uint8_t line = 0; line < 9; ++line)
+        std::ranges::copy(std::array<std::uint8_t, 4>{0, line, 5, 77}, bytes + line * kRowBytes);
+    expectPart(show(TestFrame::create(options)),
+               {.tag = 5, .width = 1, .rows = 4, .firstLine = 8, .lineStep = -2});
+    munmap(memory, 9 * kRowBytes);
+}
+
 // --- No frame, bad frames ------------------------------------------------------------------------
 
 TEST_F(GLPreview, TakesSlotsInTurnAndGivesThemBack)
@@ -406,6 +428,14 @@ TEST_F(GLPreview, SurvivesAShortageOfMemory)
             EXPECT_EQ(larger->references(), 1u);
             EXPECT_FALSE(paint());
         }
+    }
+    // Memory of more than 32 bits is not even asked for.
+    {
+        const Frame huge = TestFrame::create(rgba(16, 8));
+        huge->answers[Question::Height] = {(std::int64_t{1} << 27) + 2};
+        const auto faults = AllocationFaults::fromSize(std::size_t{1} << 31);
+        EXPECT_EQ(helper->SetFrame(huge.get()), E_OUTOFMEMORY);
+        EXPECT_EQ(faults.failed(), 0);
     }
     expectPart(show(larger), {.tag = 8, .width = 128, .rows = 32});
     expectPart(show(small(9)), {.tag = 9});
