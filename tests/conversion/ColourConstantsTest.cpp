@@ -49,6 +49,16 @@ TEST(GamutMatrices, HaveTheseSixPlaces)
         }
 }
 
+// Products are computed from doubles whose columns, except the first, have been rounded to floats.
+TEST(GamutMatrices, OfRec2020HasOneColumnInDoublePrecision)
+{
+    const double* const matrix = RGB_2020_TO_XYZ::get();
+    for (int i = 0; i < 9; ++i) {
+        const bool isFloat = static_cast<double>(static_cast<float>(matrix[i])) == matrix[i];
+        EXPECT_EQ(isFloat, i % 3 != 0 || matrix[i] == 0) << i;
+    }
+}
+
 TEST(Primaries, HaveCoordinatesThatAddUpToOne)
 {
     for (const Chromaticity& c :
