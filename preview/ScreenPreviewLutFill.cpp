@@ -24,8 +24,8 @@ using ToRec709 = COLOURSPACE_CONV_RGBv4<Rec709OETF<10u, V1>, MATRIX, Rec709OETF<
 
 using StudioToFull = RGBv4_RESCALE<10, false, 10, true, P1>;
 
-/// Runs stages over every entry. For the stages, a plane of the table is a row of pixels. The row is
-/// in memory of its own, because the pixels of the float layouts have no A.
+/// Runs stages over every entry. For the stages, a plane of the table is a row of pixels. The row
+/// is in memory of its own, because the pixels of the float layouts have no A.
 template<class... STAGES>
 void convert(float* table)
 {
@@ -84,9 +84,26 @@ constexpr Fill kFills[ScreenPreviewLut::kTables] = {
     keepOnly<2>,
 };
 
+/// Floating point as every process starts with it, until the end of the object: round to nearest,
+/// denormal numbers as they are, no traps. A host may have set other modes on its thread, but the
+/// tables belong to the process. These are the modes of SSE. <cfenv> would also set those of the
+/// x87, which nothing here uses, and would add the mathematical library to what the library needs.
+class DefaultFloatingPoint {
+public:
+    DefaultFloatingPoint() { __builtin_ia32_ldmxcsr(kDefault); }
+    ~DefaultFloatingPoint() { __builtin_ia32_ldmxcsr(m_before); }
+    DefaultFloatingPoint(const DefaultFloatingPoint&) = delete;
+    DefaultFloatingPoint& operator=(const DefaultFloatingPoint&) = delete;
+
+private:
+    static constexpr unsigned kDefault = 0x1F80;
+    const unsigned m_before = __builtin_ia32_stmxcsr();
+};
+
 } // namespace
 
 void fillScreenPreviewLut(LutID id, float* table)
 {
+    const DefaultFloatingPoint scope;
     kFills[id](table);
 }

@@ -12,6 +12,8 @@
 #include <optional>
 #include <set>
 
+#include <xmmintrin.h>
+
 namespace kestrix::test {
 namespace {
 
@@ -121,6 +123,22 @@ TEST(TableStore, HoldsThoseOfTheScalarForm)
     const float* const middle = table(2) + 4 * (16 + 33 * (16 + 33 * 16));
     EXPECT_NEAR(middle[0], 0.51124, 5e-6);
     EXPECT_EQ(table(2)[4 * (1 + 33 * (16 + 33 * 16))], 0);
+}
+
+TEST(TableStore, DoesNotDependOnTheModesOfTheThread)
+{
+    generate();
+    const unsigned before = _mm_getcsr();
+    for (const unsigned mode : {_MM_ROUND_DOWN, _MM_ROUND_UP, _MM_ROUND_TOWARD_ZERO, 0x8040})
+        for (unsigned id = 0; id < 15; ++id) {
+            _mm_setcsr(before | mode);
+            const auto made = ScreenPreviewLut::Create(static_cast<LutID>(id), LutFormat_RGBA32F);
+            const unsigned after = _mm_getcsr();
+            _mm_setcsr(before);
+            EXPECT_EQ(after, before | mode) << "the modes and flags of the thread";
+            ASSERT_TRUE(std::equal(made.get(), made.get() + 4 * 33 * 33 * 33, table(id)))
+                << "table " << id << ", mode " << std::hex << mode;
+        }
 }
 
 // --- Choice --------------------------------------------------------------------------------------
