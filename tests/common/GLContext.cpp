@@ -39,7 +39,7 @@ bool startGLFW()
 
 } // namespace
 
-GLContext::GLContext(Kind kind)
+GLContext::GLContext(Kind kind, const GLContext* share)
 {
     if (!startGLFW()) {
         m_failure = "GLFW can't start, is there a display? " + lastError();
@@ -54,7 +54,7 @@ GLContext::GLContext(Kind kind)
         glfwWindowHint(GLFW_OPENGL_FORWARD_COMPAT, GLFW_TRUE);
     }
     glfwWindowHint(GLFW_OPENGL_DEBUG_CONTEXT, GLFW_TRUE);
-    m_window = glfwCreateWindow(64, 64, "test", nullptr, nullptr);
+    m_window = glfwCreateWindow(64, 64, "test", nullptr, share ? share->m_window : nullptr);
     if (!m_window) {
         m_failure = "no context: " + lastError();
         return;
@@ -73,6 +73,11 @@ GLContext::~GLContext()
 {
     if (m_window)
         glfwDestroyWindow(m_window);
+}
+
+void GLContext::makeCurrent() const
+{
+    glfwMakeContextCurrent(m_window);
 }
 
 Canvas::Canvas(int width, int height) : m_width(width), m_height(height)

@@ -19,10 +19,14 @@ public:
         Core32, ///< OpenGL 3.2 or later, core profile, forward compatible
     };
 
-    explicit GLContext(Kind kind);
+    /// With `share`, the two contexts share their objects.
+    explicit GLContext(Kind kind, const GLContext* share = nullptr);
     ~GLContext();
     GLContext(const GLContext&) = delete;
     GLContext& operator=(const GLContext&) = delete;
+
+    /// Makes it current again, after another context was.
+    void makeCurrent() const;
 
     /// Why there is no context. Empty if there is one.
     const std::string& failure() const { return m_failure; }

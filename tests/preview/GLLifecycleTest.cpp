@@ -1,5 +1,6 @@
 /// Both helpers in the situations that a host can cause: contexts that fail, end, and are made
 /// again. The tests count every GL object.
+#define GL_GLEXT_PROTOTYPES
 #include "preview/ScreenPreviewLut.h"
 #include "tests/common/CaseName.h"
 #include "tests/preview/DriverFixture.h"
@@ -284,6 +285,59 @@ TEST_P(Contexts, GoBeforeTheHelperOrAreNotThere)
     open();
     helper.reset(GetParam().create());
     helper.reset();
+    EXPECT_EQ(context->messages(), "");
+}
+
+// Textures, buffers and programs are shared, vertex arrays are not.
+TEST_P(Contexts, ThatShareObjectsShowTheFixedFunctionPictureOnly)
+{
+    open();
+    if (HasFatalFailure())
+        return;
+    const bool fixed = GetParam().context == GLContext::Kind::Legacy;
+    ASSERT_EQ(helper->InitializeGL(), S_OK);
+    ASSERT_EQ(helper->SetFrame(pictureOf(16, 8).get()), S_OK);
+    const auto first = painted(16, 4);
+    {
+        const GLContext other(GetParam().context, &*context);
+        ASSERT_EQ(other.failure(), "");
+        Canvas canvas(16, 4);
+        const auto untouched = canvas.read();
+        EXPECT_EQ(helper->SetFrame(pictureOf(16, 8).get()), S_OK);
+        EXPECT_EQ(helper->PaintGL(), S_OK);
+        EXPECT_EQ(canvas.read(), fixed ? first : untouched);
+        EXPECT_EQ(other.messages().empty(), fixed) << "the vertex array does not exist";
+    }
+    context->makeCurrent();
+    EXPECT_EQ(painted(16, 4), first);
+    helper.reset();
+    EXPECT_EQ(context->messages(), "");
+}
+
+// What a host binds, unbinds and sets between the calls, as its own drawing does.
+TEST_P(Contexts, WhoseStateChangesBetweenFrameAndPaintShowTheSamePicture)
+{
+    open();
+    if (HasFatalFailure())
+        return;
+    const Frame frame = pictureOf(16, 8);
+    ASSERT_EQ(helper->InitializeGL(), S_OK);
+    ASSERT_EQ(helper->SetFrame(frame.get()), S_OK);
+    const auto first = painted(16, 4);
+    for (int round = 0; round < 3; ++round) {
+        unsigned names[3] = {};
+        driverGL<decltype(::glGenTextures)>("glGenTextures")(3, names);
+        ASSERT_EQ(helper->SetFrame(frame.get()), S_OK);
+        for (int unit = 2; unit >= 0; --unit) {
+            driverGL<decltype(::glActiveTexture)>("glActiveTexture")(GL_TEXTURE0 +
+                                                                     static_cast<unsigned>(unit));
+            driverGL<decltype(::glBindTexture)>("glBindTexture")(GL_TEXTURE_2D, names[unit]);
+        }
+        driverGL<decltype(::glClearColor)>("glClearColor")(1, 0, 1, 0);
+        driverGL<decltype(::glDrawBuffer)>("glDrawBuffer")(GL_NONE);
+        EXPECT_EQ(painted(16, 4), first) << round;
+        driverGL<decltype(::glDeleteTextures)>("glDeleteTextures")(3, names);
+    }
     EXPECT_EQ(context->messages(), "");
 }
 
