@@ -248,7 +248,8 @@ protected:
 /// the end of this file make the two helpers, and document what they need of a context.
 ///
 /// Threads. Call `InitializeGL`, `PaintGL` and the last `Release` on the GL thread, while the same
-/// context (or one that shares its objects) is current.
+/// context is current. For the fixed-function helper, a context that shares its objects will do;
+/// the OpenGL 3 helper has a vertex array, which contexts never share.
 ///
 /// - OpenGL 3 helper: `SetFrame` and `Set3DPreviewFormat` may be called on any thread at any time.
 ///   They wait while `InitializeGL` builds the shaders. `SetFrame` calls `AddRef` and `Release` of

@@ -1,4 +1,4 @@
-"""Checks the pages that people read: docs_test.py SOURCE BUILD links|excerpts|commands|slow-commands
+"""Checks the pages that people read: docs_test.py SOURCE BUILD links|excerpts|tests|commands|slow-commands
 
 Commands are in fenced blocks. The first line of a block says how it is used:
 
@@ -8,6 +8,7 @@ Commands are in fenced blocks. The first line of a block says how it is used:
 
 There is no display, so programs must make one. `picture.png` and `clip.mov` are there.
 """
+import json
 import os
 import pathlib
 import re
@@ -69,6 +70,38 @@ def check_excerpts():
                         fault(page, f"line {line}: this is not in a source\n{part.strip()}")
 
 
+def check_tests():
+    """What docs/guarantees.md names as a test is one: a name of CTest or of GoogleTest, a label, or an
+    expression that selects tests. Some tests exist only if their tools are installed."""
+    listing = json.loads(subprocess.run(["ctest", "--show-only=json-v1"], cwd=BUILD, check=True,
+                                        stdout=subprocess.PIPE).stdout)["tests"]
+    labels = {label for test in listing for each in test["properties"] if each["name"] == "LABELS"
+              for label in each["value"]}
+    sources = "\n".join(file.read_text() for folder in ("tests", "docs/printed")
+                        for file in (SOURCE / folder).rglob("*")
+                        if file.suffix in (".cpp", ".cmake") or file.name == "CMakeLists.txt")
+    names = {test["name"] for test in listing}
+    names |= set(re.findall(r"\bNAME ([\w.]+)", sources))
+    names |= {".".join(pair) for pair in re.findall(r"\bTEST(?:_[FP])?\((\w+),\s+(\w+)\)", sources)}
+    page = SOURCE / "docs/guarantees.md"
+    count = 0
+    for code in re.findall(r"`([^`\n]+)`", page.read_text()):
+        chosen = re.findall(r"-L (\w+)", code) if code.startswith("ctest ") else []
+        for label in chosen:
+            if label not in labels and not re.search(rf"LABELS?\b[^)]*\b{label}\b", sources):
+                fault(page, f"no test has the label {label}")
+        expression = re.search(r"ctest .*-R (\S+)", code)
+        group = re.fullmatch(r"(conversion|convert|docs|fuzz|preview|Api|Abi)\.[\w.]+\*?", code)
+        camel = re.fullmatch(r"(?!I?Kestrix)[A-Z][A-Za-z0-9]{17,}", code)
+        if expression or group or camel:
+            count += 1
+            wanted = expression[1] if expression else re.escape(code).replace(r"\*", "")
+            if not any(re.search(wanted, name) for name in names):
+                fault(page, f"no such test: {code}")
+    if count < 20:
+        fault(page, f"only {count} names of tests are found: has the form of the page changed?")
+
+
 def run(page, block, folder, limit):
     environment = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY")}
     environment.update(HOME=str(folder / "home"), LIBGL_ALWAYS_SOFTWARE="1")
@@ -116,7 +149,8 @@ def check_commands(slow):
         print(f"{count} blocks were run")
 
 
-{"links": check_links, "excerpts": check_excerpts, "commands": lambda: check_commands(False),
+{"links": check_links, "excerpts": check_excerpts, "tests": check_tests,
+ "commands": lambda: check_commands(False),
  "slow-commands": lambda: check_commands(True)}[sys.argv[3]]()
 for text in faults:
     print(text, file=sys.stderr)
