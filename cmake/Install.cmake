@@ -47,7 +47,10 @@ if(KESTRIX_BUILD_PREVIEW)
   kestrix_install(KestrixPreviewAPI RUNTIME runtime DEV dev
     DESCRIPTION "${PROJECT_DESCRIPTION}"
     HEADERS ${PROJECT_SOURCE_DIR}/api/KestrixPreviewAPI.h
-      ${PROJECT_SOURCE_DIR}/api/KestrixPreviewAPI_v14_2_1.h)
+      ${PROJECT_SOURCE_DIR}/api/KestrixPreviewAPI_v14_2_1.h
+      ${PROJECT_SOURCE_DIR}/examples/common/KestrixCheckedHelper.h
+      ${PROJECT_SOURCE_DIR}/examples/common/KestrixFrameCheck.h
+      ${PROJECT_SOURCE_DIR}/examples/common/KestrixFrameFacts.h)
 endif()
 if(KESTRIX_BUILD_CONVERSION)
   kestrix_install(KestrixPixelConversion RUNTIME conversion-runtime DEV conversion-dev

@@ -34,6 +34,9 @@ public:
     /// What the driver had to say so far, a line each: errors, misuse, slow paths.
     const std::string& messages() const { return m_messages; }
 
+    /// Forgets them, after a misuse on purpose.
+    void forgetMessages() { m_messages.clear(); }
+
 private:
     GLFWwindow* m_window = nullptr;
     std::string m_failure;
