@@ -7,6 +7,7 @@ import os
 import pty
 import re
 import shutil
+import signal
 import socket
 import subprocess
 import tempfile
@@ -170,7 +171,26 @@ class Showing(HostTest):
     def test_lists_all_formats(self):
         lines = self.run_host("--list-formats").stdout.decode().splitlines()
         self.assertEqual(len(lines), 30)
-        self.assertIn("v210  10YUV422_LE              16 bytes for 6 pixels", lines)
+        self.assertIn("v210  10YUV422_LE              16 bytes for 6 pixels  gl gl3  ffmpeg -f "
+                      "rawvideo -c:v v210", lines)
+        self.assertIn("R10A  10RGBA_BE_FULL            4 bytes for 1 pixel   gl    ", lines)
+        self.assertIn("b64a  16ARGB_BE_FULL            8 bytes for 1 pixel         ", lines)
+
+    def test_ctrl_c_ends_with_report_and_screenshot(self):
+        for settings in {}, NoDisplay.nothing:
+            environment = {k: v for k, v in os.environ.items() if k not in settings}
+            with subprocess.Popen([PREVIEW_HOST, "--helper", "gl", "--size", "64x64", "--frames",
+                                   "100000", "--screenshot", self.shot], env=environment,
+                                  stdout=subprocess.PIPE, start_new_session=True) as host:
+                report = ""
+                while "decided:" not in report:
+                    report += host.stdout.readline().decode()
+                time.sleep(0.2)
+                os.killpg(host.pid, signal.SIGINT)
+                report += host.stdout.read().decode()
+            self.assertEqual(host.returncode, 0)
+            self.assertRegex(report, r"shown: +\d+ frames[^\0]*screenshot: ")
+            self.assertEqual(Image.open(self.shot).size, (64, 64))
 
     def test_reader_of_the_report_may_go(self):
         read_end, write_end = os.pipe()
@@ -213,6 +233,12 @@ class Keys(HostTest):
                                frame=raw_frame(RED))
                     self.assert_fields(*expected, size=size)
 
+    def test_other_formats_are_those_that_the_helper_shows(self):
+        report = self.shoot("--size", "64x64", "--format", "v210", "--keys", "ffF", "--frames", "3",
+                            helper="gl3")
+        self.assertEqual(re.findall("^key .: +(....)", report, re.MULTILINE),
+                         ["Ay10", "ARGB", "Ay10"])
+
     def test_keys_that_can_do_nothing_say_so(self):
         report = self.shoot("--size", "64x64", "--format", "2vuy", "--keys", "r?t", "--frames", "3")
         self.assertIn("key r:       2vuy has one range only\n", report)
@@ -238,19 +264,22 @@ class Decisions(HostTest):
         ("720x486 BGRv", "h", (
             "Rec. 601 by width 720; row 175 of the conversions, BGRv to RGBA of Rec. 709",
             "Rec. 601 of 525 lines by size 720x486; colour table 8, studio-range RGB")),
-        ("1920x16 RGBA", "hch", (
+        ("1920x16 RGBA", "hchc", (
             "Rec. 709 by width 1920; no conversion, the rows are copied",
-            "Rec. 709 by size 1920x16; black: the shader does not know RGBA",
+            "Rec. 709 by size 1920x16; black: the shader does not know RGBA, the fixed-function "
+            "helper does",
             "Rec. 601 of 525 lines as stated and by size 1920x16; "
-            "black: the shader does not know RGBA",
+            "black: the shader does not know RGBA, the fixed-function helper does",
             "Rec. 601 as stated; not shown: no row of the conversions converts RGBA to RGBA of "
-            "Rec. 709")),
+            "Rec. 709, from Rec. 601 as stated; SetFrame returns E_INVALIDARG",
+            "Rec. 709 as stated; no conversion, the rows are copied")),
         ("1280x16 r210", "rhrccc", (
             "Rec. 709 by width 1280; row 188 of the conversions, r210 to RGBA, the same in every "
             "colourspace",
             "Rec. 709 by width 1280; row 203 of the conversions, R210 to RGBA, the same in every "
             "colourspace",
-            "Rec. 709 by size 1280x16; black: the shader does not know R210",
+            "Rec. 709 by size 1280x16; black: the shader does not know R210, the fixed-function "
+            "helper does",
             "Rec. 709 by size 1280x16; colour table 10, studio-range RGB",
             "Rec. 601 of 525 lines as stated and by size 1280x16; colour table 8, studio-range RGB",
             "Rec. 709 as stated; colour table 10, studio-range RGB",
@@ -281,10 +310,25 @@ class Decisions(HostTest):
     def test_black_is_what_is_said_to_be_black(self):
         for code in "ARGB", "YUY2", "ay10", "Ay10", "R12l", "L64A":
             with self.subTest(code):
-                decision, = self.decisions("--size", "64x64", "--format", code, "--frames", "1",
-                                           helper="gl3")
-                self.assertEqual("black:" in decision,
-                                 Image.open(self.shot).getpixel((2, 4)) == BLACK)
+                result = self.run_host("--size", "64x64", "--format", code, "--frames", "1",
+                                       "--rate", "0", "--screenshot", self.shot)
+                if result.returncode:
+                    self.assert_refused(result, "black: the shader does not know " + code)
+                else:
+                    self.assertNotEqual(Image.open(self.shot).getpixel((2, 4)), BLACK)
+
+    def test_narrow_frames_are_refused_for_their_width(self):
+        result = self.run_host("--size", "7x3", "--format", "v210", "--helper", "gl")
+        self.assert_refused(result, "7 pixels is too narrow: v210 needs a width of 13 or more")
+
+    def test_a_last_frame_that_is_not_visible_is_a_failure(self):
+        result = self.run_host("--size", "64x64", "--format", "RGBA", "--helper", "gl", "--keys",
+                               "h", "--frames", "1")
+        self.assert_refused(result, "last frame", "does not know RGBA")
+
+    def test_slow_renderer_is_told_once(self):
+        report = self.shoot("--size", "64x64", "--keys", "hhh", "--frames", "3", helper="gl3")
+        self.assertEqual(report.count("software renderer"), "llvmpipe" in report)
 
 
 class CommandLine(HostTest):
@@ -317,6 +361,15 @@ class CommandLine(HostTest):
                                       "print $_comps[preview_host]")
         self.assertEqual((result.stdout, result.stderr), ("_gnu_generic\n", ""))
 
+    @unittest.skipUnless(shutil.which("zsh"), "needs zsh")
+    def test_completion_goes_where_zsh_looks(self):
+        with open(os.path.join(os.path.dirname(PREVIEW_HOST), "cmake_install.cmake"),
+                  encoding="utf-8") as file:
+            folder = re.search(r"/(share/zsh/[a-z-]+)", file.read())[1]
+        result = subprocess.run(["zsh", "-fc", "print -l $fpath"], capture_output=True, check=True,
+                                timeout=60, text=True)
+        self.assertIn(f"/usr/local/{folder}", result.stdout.splitlines())
+
     def test_man_page_tells_of_every_option_and_key(self):
         with open(os.path.join(MAN, "preview_host.1"), encoding="utf-8") as file:
             page = file.read()
@@ -337,6 +390,9 @@ class CommandLine(HostTest):
             elif name[-1].isdigit():
                 subprocess.run(["mandoc", "-T", "lint", "-W", "warning", path], check=True,
                                timeout=60)
+
+    def test_version(self):
+        self.assertRegex(self.run_host("--version").stdout.decode(), r"\Apreview_host \d+\.\d+\.\d+\n\Z")
 
     def test_progress_only_on_a_terminal(self):
         arguments = "--helper", "gl", "--size", "64x64", "--frames", "40"
@@ -386,7 +442,8 @@ class BadInput(HostTest):
         Image.new("RGB", (8, 8)).save(small)
         for path, word in (
                 (self.path("missing"), "No such file"),
-                (self.folder, "directory"),
+                (self.folder, "is a directory; the input is a PNG picture"),
+                (self.file("picture.jpg", b"\xff\xd8\xff\xe0JFIF"), "is a JPEG picture"),
                 (self.file("empty", b""), "no complete frame"),
                 (self.file("short", b"\0" * 1000), "1000 of 16384 bytes"),
                 (self.file("broken.png", b"\x89PNG\r\n\x1a\n" + b"nonsense"), "broken.png"),
@@ -406,13 +463,22 @@ class BadInput(HostTest):
     def test_what_can_not_be_shown(self):
         for options, environment, word in (
                 (("--screenshot", self.path("no/shot.png")), {}, self.path("no/shot.png")),
-                (("--helper", "gl", "--format", "S12L"), {}, "no conversion"),
+                (("--helper", "gl", "--format", "S12L"), {}, "no row of the conversions"),
                 (("--row-bytes", "4000000"), {}, "textures"),
                 ((), {"MESA_GL_VERSION_OVERRIDE": "2.1"}, "OpenGL 3.2"),
                 ((), {"DISPLAY": ":4711"}, "no display")):
             with self.subTest(word):
                 self.assert_refused(self.run_host("--size", "64x2", "--frames", "1", *options,
                                                   **environment), word)
+
+    def test_unwritable_screenshot_is_found_at_the_start(self):
+        kept = self.file("kept.png", b"as it was")
+        result = self.run_host("--screenshot", self.path("no/shot.png"))
+        self.assert_refused(result, "can't write")
+        self.assertEqual(result.stdout, b"")
+        self.run_host("--screenshot", kept, "--helper", "gl", "--format", "S12L")
+        with open(kept, "rb") as file:
+            self.assertEqual(file.read(), b"as it was")
 
     def test_old_opengl_leaves_the_old_helper_at_the_key(self):
         report = self.shoot("--keys", "h", frame=raw_frame(RED), MESA_GL_VERSION_OVERRIDE="2.1")

@@ -2,28 +2,15 @@
 #include "Decision.h"
 
 #include "conversion/PixelFormats.h"
-#include "host/Owned.h"
+#include "examples/common/KestrixFrameCheck.h"
 #include "preview/ScreenPreviewBase.h"
 #include "preview/ScreenPreviewLut.h"
 #include "preview/ShaderFormats.h"
-
-#include <array>
 
 namespace preview_host {
 namespace {
 
 using namespace KSX::PixelConversion;
-
-/// The code that the frame states for its colourspace, if it states any.
-std::optional<std::uint32_t> statedCode(IKestrixVideoFrame* frame)
-{
-    const auto metadata =
-        kestrix::host::query<IKestrixVideoFrameMetadata>(frame, IID_IKestrixVideoFrameMetadata);
-    std::int64_t code = 0;
-    if (!metadata || metadata->GetInt(MetadataColorspace, &code) != S_OK)
-        return std::nullopt;
-    return static_cast<std::uint32_t>(code);
-}
 
 std::string nameOf(Colorspace colorspace)
 {
@@ -64,44 +51,61 @@ std::string conversionFor(const ScreenPreviewBase& base)
 std::string fixedFunctionDecision(IKestrixVideoFrame* frame)
 {
     ScreenPreviewBase base;
-    const bool canBeShown = base.setup(frame, PixelFormat_RGBA);
-    const std::string colorspace =
-        nameOf(base.previewColourspace()) +
-        (statedCode(frame) ? " as stated" : " by width " + std::to_string(frame->GetWidth()));
-    return colorspace + "; " +
-           (canBeShown
-                ? conversionFor(base)
-                : std::string("not shown: no row of the conversions converts ") +
-                      findPixelFormat(frame->GetPixelFormat())->name + " to RGBA of Rec. 709");
+    base.setup(frame, PixelFormat_RGBA);
+    return conversionFor(base);
 }
 
-std::string openGL3Decision(IKestrixVideoFrame* frame)
+std::string openGL3Decision(const KestrixFrameProperties& frame)
 {
-    // Tables are in the order of their inputs, and then of their colourspaces.
-    constexpr std::array kColorspaces = {"Rec. 601 of 525 lines", "Rec. 601 of 625 lines",
-                                         "Rec. 709", "Rec. 2020"};
+    const LutID table = ScreenPreviewLut::GetID(static_cast<unsigned>(frame.width),
+                                                static_cast<unsigned>(frame.height), frame.format,
+                                                frame.colourspace);
+    return "colour table " + std::to_string(table) + ", " +
+           nameOf(findShaderFormat(frame.format)->input);
+}
 
-    const auto width = static_cast<unsigned>(frame->GetWidth());
-    const auto height = static_cast<unsigned>(frame->GetHeight());
-    const auto format = frame->GetPixelFormat();
-    const auto code = statedCode(frame);
-    const LutID table = ScreenPreviewLut::GetID(width, height, format, code.value_or(0));
-    const std::string size = std::to_string(width) + "x" + std::to_string(height);
-    const ShaderFormat* const known = findShaderFormat(format);
-    std::string reason = " by size " + size;
-    if (code)
-        reason = *code == ColorspaceCodeRec601 ? " as stated and by size " + size : " as stated";
-    return kColorspaces[table % kColorspaces.size()] + reason + "; " +
-           (known
-                ? "colour table " + std::to_string(table) + ", " + nameOf(known->input)
-                : std::string("black: the shader does not know ") + findPixelFormat(format)->name);
+KestrixHelperKind kindOf(HelperKind helper)
+{
+    return helper == HelperKind::OpenGL3 ? KestrixHelperKind::OpenGL3
+                                         : KestrixHelperKind::FixedFunction;
 }
 
 } // namespace
 
-std::string decisionFor(HelperKind helper, IKestrixVideoFrame* frame)
+Decision decisionFor(HelperKind helper, IKestrixVideoFrame* frame)
 {
-    return helper == HelperKind::OpenGL3 ? openGL3Decision(frame) : fixedFunctionDecision(frame);
+    const KestrixFrameProperties properties = KestrixPropertiesOf(kindOf(helper), frame);
+    const KestrixFrameAnswer answer = KestrixWouldBeShown(kindOf(helper), properties);
+    const bool isShown = answer.outcome != KestrixFrameAnswer::NotShown;
+    std::string words = KestrixColourspaceOf(kindOf(helper), properties) + "; ";
+    if (!isShown)
+        words += answer.words;
+    else if (helper == HelperKind::OpenGL3)
+        words += openGL3Decision(properties);
+    else
+        words += fixedFunctionDecision(frame);
+    return {isShown, words};
+}
+
+bool canShow(HelperKind helper, const FrameLayout& layout)
+{
+    KestrixFrameProperties frame;
+    frame.width = layout.size.width;
+    frame.height = layout.size.height;
+    frame.rowBytes = layout.rowBytes;
+    frame.format = layout.format;
+    frame.statesColourspace = layout.colorspace.has_value();
+    frame.colourspace = layout.colorspace.value_or(0);
+    frame.captured = layout.captured;
+    return KestrixWouldBeShown(kindOf(helper), frame).outcome != KestrixFrameAnswer::NotShown;
+}
+
+std::string helpersFor(std::uint32_t format)
+{
+    const KestrixFormatFacts* const facts = KestrixFormatFacts::find(format);
+    if (!facts)
+        return {};
+    return std::string(facts->standard ? "gl" : "  ") + (facts->openGL3 ? " gl3" : "    ");
 }
 
 } // namespace preview_host

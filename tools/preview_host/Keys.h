@@ -27,8 +27,8 @@ struct Key {
 };
 
 inline constexpr Key kKeys[] = {
-    {'f', Action::NextFormat, "show the picture in the next pixel format"},
-    {'F', Action::PreviousFormat, "show it in the previous pixel format"},
+    {'f', Action::NextFormat, "show the picture in the next pixel format that the helper shows"},
+    {'F', Action::PreviousFormat, "show it in the previous one"},
     {'r', Action::OtherRange, "show it in the other range, full or studio, if the format has both"},
     {'c', Action::NextColorspace, "let the frames state r601, r709, 2020 or none, in turn"},
     {'3', Action::Next3D, "use the next 3D mode: default, left, right, side, topbottom"},

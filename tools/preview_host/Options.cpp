@@ -1,6 +1,7 @@
 /// The options, and how their values are read.
 #include "Options.h"
 
+#include "FormatList.h"
 #include "Keys.h"
 
 #include "conversion/PixelFormats.h"
@@ -8,7 +9,6 @@
 #include <CLI/CLI.hpp>
 
 #include <charconv>
-#include <iomanip>
 #include <iostream>
 
 namespace preview_host {
@@ -122,20 +122,13 @@ CLI::Option* addNamed(CLI::App& app, const std::string& name, auto& target,
     return add(app, name, target, read, "not one of " + names, description)->type_name(names);
 }
 
-void listFormats()
-{
-    for (const auto& info : kPixelFormats)
-        std::cout << info.name << "  " << std::left << std::setw(25) << info.engineName
-                  << std::right << std::setw(2) << info.groupBytes << " bytes for "
-                  << info.groupPixels << (info.groupPixels == 1 ? " pixel\n" : " pixels\n");
-}
-
 } // namespace
 
 std::optional<Options> parseOptions(int argc, char** argv)
 {
     Options options;
     bool isListWanted = false;
+    bool isVersionWanted = false;
     const char* completion = nullptr;
 
     CLI::App app(
@@ -196,6 +189,7 @@ std::optional<Options> parseOptions(int argc, char** argv)
     app.option_defaults()->group("Information");
     const CLI::Option* help =
         app.set_help_flag("--help", "Print the options and keys and exit")->group("Information");
+    app.add_flag("--version", isVersionWanted, "Print the version and exit");
     app.add_flag("--list-formats", isListWanted, "List the pixel formats and exit");
     addNamed(app, "--completion", completion, kCompletions,
              "Print a completion script for the shell and exit");
@@ -216,11 +210,13 @@ std::optional<Options> parseOptions(int argc, char** argv)
             throw UsageError(std::string("--keys: '") + key + "' is not a key, see --help");
     if (options.input == "-" && options.rightEye == "-")
         throw UsageError("--right-eye: standard input is already the input of the left eye");
+    if (isVersionWanted)
+        std::cout << "preview_host " KESTRIX_VERSION "\n";
     if (isListWanted)
-        listFormats();
+        listFormats(std::cout);
     if (completion)
         std::cout << completion;
-    return isListWanted || completion ? std::nullopt : std::optional(options);
+    return isVersionWanted || isListWanted || completion ? std::nullopt : std::optional(options);
 }
 
 } // namespace preview_host

@@ -2,6 +2,7 @@
 #include "Session.h"
 
 #include "Decision.h"
+#include "Interrupt.h"
 
 #include "conversion/PixelFormats.h"
 
@@ -60,7 +61,7 @@ void Session::run()
     showFrames();
     m_window->onRefresh(nullptr);
     tellOutcome();
-    if (!m_options.screenshot.empty()) {
+    if (!m_options.screenshot.empty() && m_frames > 0) {
         // After the swap the contents of the back buffer are lost, so the picture is painted again.
         m_window->beginPaint(pictureSize());
         m_preview->paint();
@@ -69,11 +70,13 @@ void Session::run()
     }
     if (!m_reader.fault().empty())
         throw std::runtime_error(m_reader.fault());
+    if (!m_notShown.empty())
+        throw std::runtime_error("the last frame is not visible: " + m_notShown);
 }
 
 void Session::showFrames()
 {
-    while ((!m_limit || m_frames < *m_limit) && !m_quit && !m_window->isClosed()) {
+    while ((!m_limit || m_frames < *m_limit) && !isEnding()) {
         handleEvents(0);
         const Read result = m_reader.next();
         if (result == Read::End)
@@ -104,12 +107,17 @@ void Session::handleEvents(double seconds)
         press(character);
 }
 
+bool Session::isEnding() const
+{
+    return m_quit || m_window->isClosed() || isInterrupted();
+}
+
 void Session::waitForNextFrame()
 {
     if (m_options.rate == 0)
         return;
     const Seconds due(static_cast<double>(m_frames) / m_options.rate);
-    for (Seconds now = Clock::now() - m_start; now < due && !m_quit && !m_window->isClosed();
+    for (Seconds now = Clock::now() - m_start; now < due && !isEnding();
          now = Clock::now() - m_start)
         handleEvents((due - now).count());
 }
@@ -201,10 +209,12 @@ std::string Session::stepFormat(std::size_t step)
     Options next = m_options;
     for (std::size_t at = (now + step) % formats; at != now; at = (at + step) % formats) {
         next.format = kPixelFormats[at].code;
-        if (tryLayout(next).empty())
+        if (canShow(m_options.helper, makeLayout(next, m_reader.layout().size)) &&
+            tryLayout(next).empty())
             return {};
     }
-    return "no other format has rows of " + std::to_string(m_reader.layout().rowBytes) + " bytes";
+    return "the helper shows no other format with rows of " +
+           std::to_string(m_reader.layout().rowBytes) + " bytes";
 }
 
 std::string Session::tryLayout(const Options& next)
@@ -250,6 +260,7 @@ void Session::openHelper(HelperKind helper)
     m_window->reopen(helper);
     m_preview.emplace(helper, m_options.preview3D);
     m_options.helper = helper;
+    tellSlowness();
 }
 
 void Session::tell(const std::string& label, const std::string& text)
@@ -276,14 +287,28 @@ void Session::tellStart()
          layout.colorspace ? named(kColorspaces, layout.colorspace).name : "none stated");
     tell("helper", m_options.helper == HelperKind::OpenGL3 ? "OpenGL 3" : "fixed function");
     tell("OpenGL", m_window->version());
+    tellSlowness();
+}
+
+void Session::tellSlowness()
+{
+    if (m_isSlownessTold || m_options.helper != HelperKind::OpenGL3 || !m_window->isSoftware())
+        return;
+    m_isSlownessTold = true;
+    tell("note",
+         "this OpenGL is a software renderer, which is slow with the helper gl3; --helper gl is "
+         "many times faster here, and a smaller --window helps too");
 }
 
 void Session::tellDecision()
 {
-    const std::string decision = decisionFor(m_options.helper, m_reader.frame());
-    tell("decided", decision);
+    const auto [isShown, words] = decisionFor(m_options.helper, m_reader.frame());
+    tell("decided", words);
     m_window->setTitle(std::string("preview_host: ") + findPixelFormat(m_options.format)->name +
-                       ", " + decision);
+                       ", " + words);
+    m_notShown = isShown ? "" : words;
+    if (!isShown && !m_isChanged)
+        throw FrameRefused(words);
 }
 
 void Session::showChange(const std::string& label)

@@ -35,6 +35,7 @@ private:
 
     void showFrames();
     void handleEvents(double seconds);
+    bool isEnding() const;
     void waitForNextFrame();
     void setFrame();
     void paint();
@@ -51,6 +52,10 @@ private:
 
     void tell(const std::string& label, const std::string& text);
     void tellStart();
+    /// Says once that the OpenGL 3 helper is slow on a software renderer.
+    void tellSlowness();
+    /// Reports the decision about the frame. Throws `FrameRefused` if the helper does not show the
+    /// frames that the user asked for, and no key has changed anything.
     void tellDecision();
     void showChange(const std::string& label);
     void tellTimes();
@@ -76,6 +81,9 @@ private:
     /// When to report the progress again.
     Clock::time_point m_progressDue;
     bool m_isProgressShown = false;
+    /// Why the last frame is not shown; empty if it is.
+    std::string m_notShown;
+    bool m_isSlownessTold = false;
     /// Why the helper refused the last frame; empty if it accepted the frame.
     std::string m_refusal;
     /// The user has changed something: the run no longer ends if the helper refuses a frame.

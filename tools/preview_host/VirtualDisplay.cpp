@@ -21,9 +21,9 @@ bool VirtualDisplay::isNeeded()
 VirtualDisplay::VirtualDisplay(Size size)
 {
     // The shell prints its process id, which the server inherits, and the server prints the number
-    // of the display.
+    // of the display. A Ctrl-C in the terminal must not end the server, so it has its own session.
     const std::string screen = std::to_string(size.width) + "x" + std::to_string(size.height);
-    const std::string command = "echo $$; exec Xvfb -displayfd 1 -screen 0 " + screen +
+    const std::string command = "echo $$; exec setsid Xvfb -displayfd 1 -screen 0 " + screen +
                                 "x24 -nolisten tcp -terminate </dev/null 2>/dev/null";
     m_output.reset(popen(command.c_str(), "re"));
     std::array<char, 16> name{":"};

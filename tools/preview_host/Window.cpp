@@ -17,6 +17,13 @@ std::string lastError()
     return description ? description : "unknown error";
 }
 
+/// A string of the current context.
+std::string text(GLenum name)
+{
+    const auto* value = reinterpret_cast<const char*>(glGetString(name));
+    return value ? value : "unknown";
+}
+
 /// The largest size with the aspect ratio of `size` that fits in `room`.
 Size fit(Size size, Size room)
 {
@@ -162,12 +169,15 @@ unsigned Window::largestTexture() const
     return static_cast<unsigned>(texels);
 }
 
+bool Window::isSoftware() const
+{
+    const std::string renderer = text(GL_RENDERER);
+    return renderer.starts_with("llvmpipe") || renderer.starts_with("softpipe") ||
+           renderer.starts_with("swrast");
+}
+
 std::string Window::version() const
 {
-    const auto text = [](GLenum name) {
-        const auto* value = reinterpret_cast<const char*>(glGetString(name));
-        return std::string(value ? value : "unknown");
-    };
     return text(GL_VERSION) + ", " + text(GL_RENDERER);
 }
 

@@ -55,6 +55,9 @@ public:
     /// The longest side of a texture, in texels.
     unsigned largestTexture() const;
 
+    /// Whether the processor does the work of the GPU: Mesa's software renderers.
+    bool isSoftware() const;
+
     /// The version and the renderer of the context.
     std::string version() const;
 
