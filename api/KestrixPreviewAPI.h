@@ -36,6 +36,13 @@
 /// - Sizes are in pixels, lines and bytes as named. Lines run from the top of the picture unless
 ///   `FrameFlagFlipVertical` is set.
 ///
+/// Another SDK in the same source file may have macros of the names of the status codes: the header
+/// neither uses nor changes them. Compare with the codes of `KestrixStatus` there. If the other SDK
+/// has types of the same names, such as its own `IUnknown`, define `KESTRIX_NAMESPACE` as the name
+/// of a namespace before the first header of this library, in every file of the program that
+/// includes them: all names except the macros are then in that namespace. The binary interface is
+/// the same.
+///
 /// The header needs no other header of the library and compiles as C++11 and later.
 #ifndef KESTRIX_PREVIEW_API_H
 #define KESTRIX_PREVIEW_API_H
@@ -48,6 +55,10 @@
 #define KESTRIX_EXPORT __attribute__((visibility("default")))
 #else
 #define KESTRIX_EXPORT
+#endif
+
+#ifdef KESTRIX_NAMESPACE
+namespace KESTRIX_NAMESPACE {
 #endif
 
 // --- Ids and status codes ------------------------------------------------------------------------
@@ -72,31 +83,74 @@ inline bool operator!=(const REFIID& a, const REFIID& b)
 /// A status: `S_OK` or a negative code.
 using HRESULT = std::int32_t;
 
+/// The status codes by names that other SDKs do not have. The constants below are the same codes.
+enum KestrixStatus : HRESULT {
+    KestrixStatusOK = 0,
+    KestrixStatusNotImplemented = static_cast<HRESULT>(0x80000001u),
+    KestrixStatusOutOfMemory = static_cast<HRESULT>(0x80000002u),
+    KestrixStatusInvalidArgument = static_cast<HRESULT>(0x80000003u),
+    KestrixStatusNoInterface = static_cast<HRESULT>(0x80000004u),
+    KestrixStatusNullPointer = static_cast<HRESULT>(0x80000005u),
+    KestrixStatusFailed = static_cast<HRESULT>(0x80000008u),
+    KestrixStatusUnexpected = static_cast<HRESULT>(0x8000FFFFu),
+};
+
+// Macros of other SDKs with these names would replace the constants in their own declarations.
+// clang-format off
+#pragma push_macro("S_OK")
+#pragma push_macro("E_NOTIMPL")
+#pragma push_macro("E_OUTOFMEMORY")
+#pragma push_macro("E_INVALIDARG")
+#pragma push_macro("E_NOINTERFACE")
+#pragma push_macro("E_POINTER")
+#pragma push_macro("E_FAIL")
+#pragma push_macro("E_UNEXPECTED")
+#undef S_OK
+#undef E_NOTIMPL
+#undef E_OUTOFMEMORY
+#undef E_INVALIDARG
+#undef E_NOINTERFACE
+#undef E_POINTER
+#undef E_FAIL
+#undef E_UNEXPECTED
+// clang-format on
+
 /// Success. Test for it with `status >= 0`.
-static const HRESULT S_OK = 0;
+static const HRESULT S_OK = KestrixStatusOK;
 
 /// The version of the GL context is too low for the helper.
-static const HRESULT E_NOTIMPL = static_cast<HRESULT>(0x80000001u);
+static const HRESULT E_NOTIMPL = KestrixStatusNotImplemented;
 
 /// An allocation failed. The fixed-function helper also returns it if it has no free slot for a
 /// frame, or if it does not show frames of this 3D packing.
-static const HRESULT E_OUTOFMEMORY = static_cast<HRESULT>(0x80000002u);
+static const HRESULT E_OUTOFMEMORY = KestrixStatusOutOfMemory;
 
 /// A null out-argument, or a frame that cannot be converted.
-static const HRESULT E_INVALIDARG = static_cast<HRESULT>(0x80000003u);
+static const HRESULT E_INVALIDARG = KestrixStatusInvalidArgument;
 
 /// The object does not have the requested interface.
-static const HRESULT E_NOINTERFACE = static_cast<HRESULT>(0x80000004u);
+static const HRESULT E_NOINTERFACE = KestrixStatusNoInterface;
 
 /// A null out-argument of `QueryInterface` or `GetBytes`.
-static const HRESULT E_POINTER = static_cast<HRESULT>(0x80000005u);
+static const HRESULT E_POINTER = KestrixStatusNullPointer;
 
 /// A GL entry point is missing, a shader does not build, `PaintGL` was called before
 /// `InitializeGL`, or an object has no bytes.
-static const HRESULT E_FAIL = static_cast<HRESULT>(0x80000008u);
+static const HRESULT E_FAIL = KestrixStatusFailed;
 
 /// A frame does not have an interface that is required.
-static const HRESULT E_UNEXPECTED = static_cast<HRESULT>(0x8000FFFFu);
+static const HRESULT E_UNEXPECTED = KestrixStatusUnexpected;
+
+// clang-format off
+#pragma pop_macro("S_OK")
+#pragma pop_macro("E_NOTIMPL")
+#pragma pop_macro("E_OUTOFMEMORY")
+#pragma pop_macro("E_INVALIDARG")
+#pragma pop_macro("E_NOINTERFACE")
+#pragma pop_macro("E_POINTER")
+#pragma pop_macro("E_FAIL")
+#pragma pop_macro("E_UNEXPECTED")
+// clang-format on
 
 /// \name Ids of the interfaces
 /// @{
@@ -186,6 +240,10 @@ public:
 
     /// Releases a reference. Returns the new count. At 0 the object destroys itself.
     virtual std::uint32_t Release() = 0;
+
+protected:
+    // Not virtual: it has no place in the table of functions. Objects are destroyed by `Release`.
+    ~IUnknown() = default;
 };
 
 /// A frame. Query it for `IKestrixVideoBuffer` to reach its bytes.
@@ -333,6 +391,9 @@ public:
     /// Stores the value of `id`, a `KestrixMetadataID`. Returns a negative status if the frame has
     /// no such value.
     virtual HRESULT GetInt(std::uint32_t id, std::int64_t* out) = 0;
+
+protected:
+    ~IKestrixVideoFrameMetadata() = default;
 };
 
 /// A captured frame. For the library the interface is only a mark: if a frame has it, the
@@ -383,6 +444,9 @@ public:
     virtual HRESULT Reserved2() = 0;
     /// Like `IKestrixMutableVideoFrame::RegisterInterfaceProvider`.
     virtual HRESULT RegisterInterfaceProvider(REFIID id, IUnknown* provider) = 0;
+
+protected:
+    ~IKestrixFrameProviderRegistry() = default;
 };
 
 // --- Factories -----------------------------------------------------------------------------------
@@ -407,5 +471,9 @@ KESTRIX_EXPORT IKestrixGLScreenPreviewHelper* CreateOpenGL3ScreenPreviewHelper_0
 
 /// The type of both factories, for hosts that look them up with `dlsym`.
 using CreateScreenPreviewHelperFunction = IKestrixGLScreenPreviewHelper* (*)();
+
+#ifdef KESTRIX_NAMESPACE
+} // namespace KESTRIX_NAMESPACE
+#endif
 
 #endif // KESTRIX_PREVIEW_API_H

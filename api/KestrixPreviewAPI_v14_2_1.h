@@ -18,6 +18,10 @@
 
 #include <cstdint>
 
+#ifdef KESTRIX_NAMESPACE
+namespace KESTRIX_NAMESPACE {
+#endif
+
 // clang-format off
 static const REFIID IID_IKestrixVideoFrame_v14_2_1 = {{
     0x49, 0x3d, 0xf1, 0x4e, 0x36, 0x51, 0x41, 0xf1, 0x89, 0x26, 0x1a, 0xa1, 0x9b, 0x48, 0x50, 0x75}};
@@ -130,5 +134,9 @@ KESTRIX_EXPORT IKestrixGLScreenPreviewHelper_v14_2_1* CreateOpenGL3ScreenPreview
 
 /// The type of both factories, for hosts that look them up with `dlsym`.
 using CreateScreenPreviewHelperFunction_v14_2_1 = IKestrixGLScreenPreviewHelper_v14_2_1* (*)();
+
+#ifdef KESTRIX_NAMESPACE
+} // namespace KESTRIX_NAMESPACE
+#endif
 
 #endif // KESTRIX_PREVIEW_API_V14_2_1_H

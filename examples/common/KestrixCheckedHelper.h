@@ -43,6 +43,10 @@
 #include <thread>
 #include <utility>
 
+#ifdef KESTRIX_NAMESPACE
+namespace KESTRIX_NAMESPACE {
+#endif
+
 class KestrixCheckedHelper final : public IKestrixGLScreenPreviewHelper {
 public:
     /// Receives one line. May be called on any thread that calls the helper.
@@ -351,5 +355,9 @@ private:
     IKestrixVideoFrame* m_watched = nullptr;
     std::set<std::string> m_told;
 };
+
+#ifdef KESTRIX_NAMESPACE
+} // namespace KESTRIX_NAMESPACE
+#endif
 
 #endif // KESTRIX_CHECKED_HELPER_H

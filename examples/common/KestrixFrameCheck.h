@@ -22,6 +22,10 @@
 #include <cstdint>
 #include <string>
 
+#ifdef KESTRIX_NAMESPACE
+namespace KESTRIX_NAMESPACE {
+#endif
+
 enum class KestrixHelperKind {
     FixedFunction, ///< made by `CreateOpenGLScreenPreviewHelper_0002`
     OpenGL3,       ///< made by `CreateOpenGL3ScreenPreviewHelper_0002`
@@ -118,7 +122,7 @@ inline KestrixFrameAnswer answer(KestrixFrameAnswer::Outcome outcome, HRESULT st
 
 inline KestrixFrameAnswer refused(const std::string& why)
 {
-    return answer(KestrixFrameAnswer::NotShown, E_INVALIDARG,
+    return answer(KestrixFrameAnswer::NotShown, KestrixStatusInvalidArgument,
                   "not shown: " + why + "; SetFrame returns E_INVALIDARG");
 }
 
@@ -396,7 +400,7 @@ inline KestrixFrameAnswer KestrixWouldBeShown(KestrixHelperKind helper, IKestrix
         const Queried<IKestrixVideoFrame3DExtensions> eyes(frame,
                                                            IID_IKestrixVideoFrame3DExtensions);
         if (eyes && !openGL3 && eyes->Get3DPackingFormat() != Packing3DLeftOnly)
-            return answer(KestrixFrameAnswer::NotShown, E_OUTOFMEMORY,
+            return answer(KestrixFrameAnswer::NotShown, KestrixStatusOutOfMemory,
                           "not shown: the 3D packing is not Packing3DLeftOnly; SetFrame returns "
                           "E_OUTOFMEMORY");
         if (eyes)
@@ -420,5 +424,9 @@ inline KestrixFrameAnswer KestrixWouldBeShown(KestrixHelperKind helper, IKestrix
         right->Release();
     return result;
 }
+
+#ifdef KESTRIX_NAMESPACE
+} // namespace KESTRIX_NAMESPACE
+#endif
 
 #endif // KESTRIX_FRAME_CHECK_H
