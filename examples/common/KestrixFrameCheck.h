@@ -33,29 +33,31 @@ enum class KestrixHelperKind {
 
 /// The context in which the helper paints. A value that isn't known is not checked.
 struct KestrixContextFacts {
-    int version = 0; ///< 10 times the major version plus the minor one: 32 is OpenGL 3.2
-    bool fixedPipeline = true;
+    int version = 0;           ///< 10 times the major version plus the minor one: 32 is OpenGL 3.2
+    bool fixedPipeline = true; ///< The context is no core profile.
     std::int64_t largestTexture = 0; ///< `GL_MAX_TEXTURE_SIZE`, in texels
 };
 
 /// The properties of a frame that are numbers.
 struct KestrixFrameProperties {
-    std::int64_t width = 0;    ///< pixels
-    std::int64_t height = 0;   ///< lines
-    std::int64_t rowBytes = 0; ///< from one line to the next
-    std::uint32_t format = 0;
-    bool statesColourspace = false;
-    std::uint32_t colourspace = 0; ///< a `KestrixColorspaceCode` if `statesColourspace`
-    bool captured = false;         ///< has `IKestrixVideoInputFrame`
+    std::int64_t width = 0;         ///< pixels
+    std::int64_t height = 0;        ///< lines
+    std::int64_t rowBytes = 0;      ///< from one line to the next
+    std::uint32_t format = 0;       ///< as `GetPixelFormat` returns it
+    bool statesColourspace = false; ///< `GetInt` gives a `MetadataColorspace`
+    std::uint32_t colourspace = 0;  ///< a `KestrixColorspaceCode` if `statesColourspace`
+    bool captured = false;          ///< has `IKestrixVideoInputFrame`
 };
 
+/// An answer of `KestrixWouldBeShown`.
 struct KestrixFrameAnswer {
+    /// What becomes of the frame.
     enum Outcome {
         Shown,    ///< The picture is complete.
         Damaged,  ///< A part of the picture is wrong or missing.
         NotShown, ///< The view is black, or the previous picture stays in it.
     };
-    Outcome outcome;
+    Outcome outcome;        ///< Whether the frame is shown.
     HRESULT setFrameStatus; ///< What `SetFrame` returns, if no allocation fails.
     std::string words;      ///< One line: the colourspace that the helper assumes, or the reason.
 };
@@ -81,6 +83,7 @@ std::string KestrixColourspaceOf(KestrixHelperKind helper, const KestrixFramePro
 
 // --- Details -------------------------------------------------------------------------------------
 
+/// \cond
 namespace KestrixFrameCheckDetails {
 
 /// One interface of an object, with a reference.
@@ -329,6 +332,7 @@ inline std::string obstacleToRightEye(KestrixHelperKind helper, const KestrixFra
 }
 
 } // namespace KestrixFrameCheckDetails
+/// \endcond
 
 inline std::string KestrixColourspaceOf(KestrixHelperKind helper,
                                         const KestrixFrameProperties& frame)

@@ -14,14 +14,14 @@ struct KestrixFormatFacts {
     /// Colourspaces, as bits.
     enum Colourspaces : unsigned { Rec601 = 1, Rec709 = 2, Rec2020 = 4, All = 7 };
 
-    std::uint32_t code;
-    const char* name; ///< Four characters; "ARGB" for 32.
-    int groupPixels;  ///< Pixels lie in groups of `groupPixels` pixels and `groupBytes` bytes.
-    int groupBytes;
-    int leastWidth;    ///< Pixels that the fixed-function helper needs in a row.
-    bool openGL3;      ///< The shader of the OpenGL 3 helper knows the format.
-    unsigned standard; ///< Colourspaces of which the fixed-function helper has a conversion.
-    unsigned captured; ///< The same for frames with `IKestrixVideoInputFrame`.
+    std::uint32_t code; ///< As `GetPixelFormat` returns it.
+    const char* name;   ///< Four characters; "ARGB" for 32.
+    int groupPixels;    ///< Pixels lie in groups of this number of pixels,
+    int groupBytes;     ///< and of this number of bytes.
+    int leastWidth;     ///< Pixels that the fixed-function helper needs in a row.
+    bool openGL3;       ///< The shader of the OpenGL 3 helper knows the format.
+    unsigned standard;  ///< Colourspaces of which the fixed-function helper has a conversion.
+    unsigned captured;  ///< The same for frames with `IKestrixVideoInputFrame`.
 
     /// The facts of a format, or null if neither helper shows it and no conversion knows it.
     static const KestrixFormatFacts* find(std::uint32_t code);

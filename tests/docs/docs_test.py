@@ -1,4 +1,5 @@
-"""Checks the pages that people read: docs_test.py SOURCE BUILD links|excerpts|tests|commands|slow-commands
+"""Checks the pages that people read:
+docs_test.py SOURCE BUILD links|excerpts|tests|commands|slow-commands|reference
 
 Commands are in fenced blocks. The first line of a block says how it is used:
 
@@ -150,9 +151,25 @@ def check_commands(slow):
         print(f"{count} blocks were run")
 
 
+def check_reference():
+    """Doxygen has no warning, and each link of the HTML has a target."""
+    subprocess.run(["doxygen", "docs/Doxyfile"], cwd=SOURCE, check=True)
+    folder = SOURCE / "build/doxygen/html"
+    texts = {file.name: file.read_text(errors="replace") for file in folder.glob("*.html")}
+    ids = {name: set(re.findall(r'(?:id|name)="([^"]+)"', text)) for name, text in texts.items()}
+    for name, text in texts.items():
+        for target in re.findall(r'(?:href|src)="([^":]+)"', text):
+            path, _, anchor = target.partition("#")
+            if not (folder / (path or name)).exists():
+                fault(folder / name, f"no such file: {target}")
+            # Doxygen links to the summary of private nested classes, and does not write it.
+            elif anchor not in ("", "nested-classes", *ids[path or name]):
+                fault(folder / name, f"no such place: {target}")
+
+
 {"links": check_links, "excerpts": check_excerpts, "tests": check_tests,
- "commands": lambda: check_commands(False),
- "slow-commands": lambda: check_commands(True)}[sys.argv[3]]()
+ "commands": lambda: check_commands(False), "slow-commands": lambda: check_commands(True),
+ "reference": check_reference}[sys.argv[3]]()
 for text in faults:
     print(text, file=sys.stderr)
 sys.exit(bool(faults))
