@@ -75,6 +75,18 @@ def pkg_config(build, scratch):
     run(scratch / "consumer", env=os.environ | {"LD_LIBRARY_PATH": str(file.parents[1])})
 
 
+def module(build, scratch):
+    """The module finds the library by its name, from the folder that the interpreter looks in."""
+    prefix = install(build, scratch)
+    folder = next(prefix.rglob("kestrix/__init__.py")).parents[1]
+    check(folder.name in ("dist-packages", "site-packages"), f"the module is in {folder}")
+    library = next(prefix.rglob("libKestrixPixelConversion.so.1")).parent
+    environment = os.environ | {"PYTHONPATH": str(folder), "LD_LIBRARY_PATH": str(library),
+                                "PYTHONDONTWRITEBYTECODE": "1"}
+    lines = run(sys.executable, "-m", "kestrix", env=environment).splitlines()
+    check(len(lines) == 30, f"the module lists {len(lines)} formats")
+
+
 def without_gl(build, scratch):
     """Configures the C library alone, as on a machine that has neither libGL nor libuuid."""
     folder = built_by_cmake(scratch, f"-DKESTRIX_SOURCE={SOURCE}", "-DCMAKE_BUILD_TYPE=Release",
@@ -197,7 +209,7 @@ def packages(build, scratch):
         run(folder / "consumer")
 
 
-CASES = [cmake, pkg_config, dlopen, subdirectory, subdirectory_built, without_gl, without_gl_built,
+CASES = [cmake, pkg_config, dlopen, module, subdirectory, subdirectory_built, without_gl, without_gl_built,
          folders, binary, reproducible, packages]
 
 if __name__ == "__main__":
