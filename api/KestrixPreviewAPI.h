@@ -50,6 +50,13 @@
 #include <cstdint>
 #include <cstring>
 
+/// The version of the library that this header belongs to: major, minor and patch number, and text.
+/// The major number is that of the shared object's name.
+#define KESTRIX_PREVIEW_API_VERSION_MAJOR 1
+#define KESTRIX_PREVIEW_API_VERSION_MINOR 0        ///< new functions
+#define KESTRIX_PREVIEW_API_VERSION_PATCH 0        ///< repairs only
+#define KESTRIX_PREVIEW_API_VERSION_STRING "1.0.0" ///< all three
+
 #if defined(__GNUC__)
 /// Makes a factory visible outside the shared library.
 #define KESTRIX_EXPORT __attribute__((visibility("default")))

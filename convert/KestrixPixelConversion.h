@@ -37,6 +37,14 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/** The version of the library that this header belongs to: major, minor and patch number, and text.
+ *  The major number is that of the shared object's name. kestrix_version tells that of the library
+ *  that runs. */
+#define KESTRIX_PIXEL_CONVERSION_VERSION_MAJOR 1
+#define KESTRIX_PIXEL_CONVERSION_VERSION_MINOR 0        /**< new functions */
+#define KESTRIX_PIXEL_CONVERSION_VERSION_PATCH 0        /**< repairs only */
+#define KESTRIX_PIXEL_CONVERSION_VERSION_STRING "1.0.0" /**< all three */
+
 #ifdef __cplusplus
 extern "C" {
 #endif
