@@ -18,11 +18,22 @@ if(KESTRIX_SANITIZE)
   target_compile_definitions(kestrix_flags INTERFACE KSX_KEEP_FUNCTIONS)
 endif()
 
+# The flags of Debian that make faults in what is installed harder to use. The engine has only
+# -fcf-protection, which adds an instruction at the entry of a function: it keeps its rows on the stack, and
+# would check them for each row.
+add_library(kestrix_hardening INTERFACE)
+if(NOT KESTRIX_SANITIZE)
+  set(optimised $<CONFIG:Release,RelWithDebInfo,MinSizeRel>)
+  target_compile_options(kestrix_hardening INTERFACE -fcf-protection -fstack-protector-strong
+    -Wformat-security $<${optimised}:-U_FORTIFY_SOURCE> $<${optimised}:-D_FORTIFY_SOURCE=2>)
+endif()
+target_link_options(kestrix_hardening INTERFACE LINKER:-z,relro,-z,now,-z,noexecstack)
+
 # The flags of the library: floating point as written (a fused multiply-add would change a bit), no symbol
 # visible by default, and the instructions of one kind of processor.
 add_library(kestrix_engine_flags INTERFACE)
 target_compile_options(kestrix_engine_flags INTERFACE
-  -ffp-contract=off -fvisibility=hidden -fvisibility-inlines-hidden
+  -ffp-contract=off -fcf-protection -fvisibility=hidden -fvisibility-inlines-hidden
   $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
 if(NOT KESTRIX_LEVEL)
   # The x86-64 baseline and SSSE3 without later instructions.

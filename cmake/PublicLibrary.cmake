@@ -1,11 +1,13 @@
 # kestrix_make_public(TARGET NAME): makes a shared library one that other projects use, as Kestrix::NAME. It
-# exports what cmake/TARGET.map lists.
+# exports what cmake/TARGET.map lists, and tells its version in a note: readelf --notes.
 function(kestrix_make_public target name)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/VersionNote.cpp.in ${target}Note.cpp @ONLY)
+  target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}Note.cpp)
   set(version_script ${PROJECT_SOURCE_DIR}/cmake/${target}.map)
   add_library(Kestrix::${name} ALIAS ${target})
   target_link_options(${target} PRIVATE
-    LINKER:--version-script=${version_script} LINKER:--gc-sections
-    LINKER:-z,relro,-z,now,-z,noexecstack)
+    LINKER:--version-script=${version_script} LINKER:--gc-sections)
+  target_link_libraries(${target} PRIVATE kestrix_hardening)
   if(NOT KESTRIX_SANITIZE)
     target_link_options(${target} PRIVATE LINKER:-z,defs)
   endif()
