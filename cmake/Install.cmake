@@ -17,10 +17,11 @@ foreach(folder LIBDIR INCLUDEDIR)
   cmake_path(APPEND pc_${folder} ${CMAKE_INSTALL_${folder}})
 endforeach()
 
-# kestrix_install(TARGET DESCRIPTION TEXT RUNTIME COMPONENT DEV COMPONENT HEADERS FILE...): find_package(TARGET)
-# then gives Kestrix::NAME, as kestrix_make_public does. A major version is one ABI.
+# kestrix_install(TARGET DESCRIPTION TEXT RUNTIME COMPONENT DEV COMPONENT HEADERS FILE... [REQUIRES MODULE...]):
+# find_package(TARGET) then gives Kestrix::NAME, as kestrix_make_public does. A major version is one ABI.
+# REQUIRES lists what pkg-config calls the libraries that the library needs.
 function(kestrix_install target)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "DESCRIPTION;RUNTIME;DEV" "HEADERS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "DESCRIPTION;RUNTIME;DEV" "HEADERS;REQUIRES")
   if(KESTRIX_LEVEL)
     # Programs are built with the library for any processor.
     install(TARGETS ${target} LIBRARY COMPONENT ${arg_RUNTIME} NAMELINK_SKIP
@@ -38,6 +39,11 @@ function(kestrix_install target)
     COMPATIBILITY SameMajorVersion)
   install(FILES ${PROJECT_BINARY_DIR}/${target}ConfigVersion.cmake
     DESTINATION ${package_dir} COMPONENT ${arg_DEV})
+  set(pc_requires)
+  if(arg_REQUIRES)
+    list(JOIN arg_REQUIRES " " pc_requires)
+    set(pc_requires "Requires.private: ${pc_requires}\n")
+  endif()
   configure_file(${PROJECT_SOURCE_DIR}/cmake/Library.pc.in ${PROJECT_BINARY_DIR}/${target}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${target}.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT ${arg_DEV})
@@ -45,7 +51,7 @@ endfunction()
 
 if(KESTRIX_BUILD_PREVIEW)
   kestrix_install(KestrixPreviewAPI RUNTIME runtime DEV dev
-    DESCRIPTION "${PROJECT_DESCRIPTION}"
+    DESCRIPTION "${PROJECT_DESCRIPTION}" REQUIRES gl uuid
     HEADERS ${PROJECT_SOURCE_DIR}/api/KestrixPreviewAPI.h
       ${PROJECT_SOURCE_DIR}/api/KestrixPreviewAPI_v14_2_1.h
       ${PROJECT_SOURCE_DIR}/examples/common/KestrixCheckedHelper.h
@@ -59,5 +65,7 @@ if(KESTRIX_BUILD_CONVERSION)
 endif()
 
 if(PROJECT_IS_TOP_LEVEL AND NOT KESTRIX_LEVEL)
+  add_custom_target(uninstall COMMENT "Removing what was installed from this folder"
+    COMMAND ${CMAKE_COMMAND} -D MANIFESTS=${PROJECT_BINARY_DIR}/install_manifest -P ${CMAKE_CURRENT_LIST_DIR}/Uninstall.cmake)
   include(${CMAKE_CURRENT_LIST_DIR}/Package.cmake)
 endif()

@@ -171,6 +171,8 @@ def binary(build, scratch):
     segments = run("readelf", "--wide", "--segments", library)
     check("GNU_RELRO" in segments, "its relocations stay writable")
     check(re.search(r"GNU_STACK.*RW ", segments), "its stack is executable")
+    symbols = run("nm", "--dynamic", library)
+    check("__stack_chk_fail" in symbols, "does not check its stack")
     text = library.read_bytes()
     check(str(SOURCE).encode() not in text, "tells where it was built")
 
@@ -193,24 +195,143 @@ def reproducible(build, scratch):
     check(first == second, "another build from another folder differs")
 
 
+def configured(build, folder, *options):
+    """Configures the sources anew with other options, and copies what is built from a build folder."""
+    cache = (build / "CMakeCache.txt").read_text()
+    compiler, = re.findall(r"^CMAKE_CXX_COMPILER:\w+=(.*)$", cache, re.M)
+    run("cmake", "-G", "Ninja", "-S", SOURCE, "-B", folder, "-DCMAKE_BUILD_TYPE=Release",
+        f"-DCMAKE_CXX_COMPILER={compiler}", *options,
+        *(f"-DKESTRIX_BUILD_{part}=OFF" for part in ("TESTS", "EXAMPLES", "BENCHMARKS")))
+    for script in folder.rglob("cmake_install.cmake"):
+        for name in re.findall(f'"{folder}/([^"]+)"', script.read_text()):
+            if not (folder / name).exists() and (build / name).is_file():
+                shutil.copy2(build / name, folder / name, follow_symlinks=False)
+    return folder
+
+
+def uninstall(build, scratch):
+    folder = configured(build, scratch / "build", f"-DCMAKE_INSTALL_PREFIX={scratch}/prefix")
+    run("cmake", "--install", folder)
+    run("cmake", "--install", folder, "--component", "tools")
+    (scratch / "prefix/include/kept.h").touch()
+    check((scratch / "prefix/bin/preview_host").exists(), "the tools are not installed")
+    run("cmake", "--build", folder, "--target", "uninstall")
+    left = [path for path in (scratch / "prefix").rglob("*")
+            if path.is_file() or path.is_symlink() or "kestrix" in path.name.lower()]
+    check([path.name for path in left] == ["kept.h"], f"uninstall leaves {left}")
+
+
+def static(build, scratch):
+    """Archives are refused, by a project of its own, and not built for a parent."""
+    result = subprocess.run(["cmake", "-S", SOURCE, "-B", scratch / "alone", "-DBUILD_SHARED_LIBS=OFF"],
+                            capture_output=True, text=True)
+    check(result.returncode and "shared ones only" in result.stderr, "BUILD_SHARED_LIBS=OFF is taken")
+    built_by_cmake(scratch, f"-DKESTRIX_SOURCE={SOURCE}", "-DBUILD_SHARED_LIBS=OFF")
+
+
+def version(build, scratch):
+    """The headers, the pkg-config files and the libraries tell the version of the project."""
+    prefix = install(build, scratch)
+    for name, macros in ("KestrixPreviewAPI", "KESTRIX_PREVIEW_API_VERSION"), \
+                        ("KestrixPixelConversion", "KESTRIX_PIXEL_CONVERSION_VERSION"):
+        file, = prefix.rglob(f"{name}.pc")
+        told = run("pkg-config", "--modversion", file).strip()
+        header = run("gcc", "-x", "c++", "-E", "-dM", prefix / f"include/{name}.h")
+        numbers = [int(re.search(rf"#define {macros}_{part} (\d+)$", header, re.M)[1])
+                   for part in ("MAJOR", "MINOR", "PATCH")]
+        check(".".join(map(str, numbers)) == told, f"{name}.h tells {numbers} and not {told}")
+        check(f'#define {macros}_STRING "{told}"' in header, f"{name}.h has no string {told}")
+        library, = prefix.rglob(f"lib{name}.so.1.*")
+        notes = run("readelf", "--notes", library)
+        check(f'{{"name":"lib{name}","version":"{told}"}}' in notes, f"the note of {library} is {notes}")
+
+
+# The packages, what they contain in any case, and whether programs of all processors can have them at once.
+PACKAGES = {
+    "kestrix-tools": ("usr/bin/preview_host", "foreign"),
+    "libkestrixpixelconversion-dev": ("usr/include/KestrixPixelConversion.h", "same"),
+    "libkestrixpixelconversion1": ("usr/lib/*/libKestrixPixelConversion.so.1", "same"),
+    "libkestrixpreviewapi-dev":
+        ("usr/share/doc/libkestrixpreviewapi-dev/examples/KestrixGLStateGuard.h", "same"),
+    "libkestrixpreviewapi1": ("usr/lib/*/libKestrixPreviewAPI.so.1", "same"),
+    "python3-kestrix": ("usr/lib/python3/dist-packages/kestrix/__init__.py", "no"),
+}
+
+
 def packages(build, scratch):
     need("lintian", "dpkg-shlibdeps", "fakeroot")
-    run("fakeroot", "cpack", "-G", "DEB", "-B", scratch, "--config", build / "CPackConfig.cmake")
-    debs = sorted(scratch.glob("*.deb"))
-    names = [deb.name.split("_")[0] for deb in debs]
-    check(names == ["libkestrixpixelconversion-dev", "libkestrixpixelconversion1",
-                    "libkestrixpreviewapi-dev", "libkestrixpreviewapi1"], f"packages are {names}")
-    print(run("lintian", "--allow-root", "--fail-on", "error", *debs))
-    for deb in debs:
-        run("dpkg-deb", "--extract", deb, scratch / "root")
+    check_packages(configured(build, scratch / "build", "-DCMAKE_INSTALL_PREFIX=/usr",
+                              "-DCPACK_DEBIAN_DEBUGINFO_PACKAGE=ON"), scratch)
+
+
+def packages_built(build, scratch):
+    """As a user makes them, with real debug symbols."""
+    need("lintian", "dpkg-shlibdeps", "fakeroot")
+    shutil.copytree(SOURCE, scratch / "tree", ignore=shutil.ignore_patterns("build", ".git"))
+    run("cmake", "--preset", "package", cwd=scratch / "tree")
+    run("cmake", "--build", "--preset", "package", cwd=scratch / "tree")
+    check_packages(scratch / "tree/build/package", scratch)
+    for package in scratch.glob("*.ddeb"):
+        run("dpkg-deb", "--extract", package, scratch / "debug")
+    print(run("lintian", "--allow-root", "--fail-on", "error,warning", *scratch.glob("*.ddeb")))
+    for file in (scratch / "debug").rglob("*.debug"):
+        check(".debug_info" in run("readelf", "--wide", "--sections", file), f"{file} is empty")
+
+
+def check_packages(folder, scratch):
+    run("fakeroot", "cpack", "-G", "DEB", "-B", scratch, "--config", folder / "CPackConfig.cmake")
+    debs = {deb.name.split("_")[0]: deb for deb in scratch.glob("*.deb")}
+    check(sorted(debs) == sorted(PACKAGES), f"packages are {sorted(debs)}")
+    print(run("lintian", "--allow-root", "--fail-on", "error,warning", *debs.values()))
+    root = scratch / "root"
+    synopses = set()
+    (scratch / "control").mkdir()
+    for name, (content, multi_arch) in PACKAGES.items():
+        run("dpkg-deb", "--control", debs[name], scratch / "control" / name)
+        run("dpkg-deb", "--extract", debs[name], root)
+        control = {file.name for file in (scratch / "control" / name).iterdir()}
+        check(control <= {"control", "md5sums", "shlibs", "symbols", "triggers"},
+              f"{name} has maintainer scripts: {control}")
+        told = run("dpkg-deb", "--field", debs[name], "Multi-Arch").strip()
+        check(told == multi_arch, f"{name} is Multi-Arch: {told}")
+        synopses.add(run("dpkg-deb", "--field", debs[name], "Description").splitlines()[0])
+        check(any(root.glob(content)), f"{name} has no {content}")
+        if "symbols" in control:
+            library, = root.glob(content)
+            run("dpkg-gensymbols", f"-p{name}", "-v1.0.0", "-c4", f"-e{library}", "-O/dev/null",
+                f"-I{scratch}/control/{name}/symbols", cwd=scratch)
+    check(len(synopses) == len(PACKAGES), f"synopses are {synopses}")
+    debug = {deb.name.split("_")[0] for deb in scratch.glob("*.ddeb")}
+    check(debug == {"libkestrixpixelconversion1-dbgsym", "libkestrixpreviewapi1-dbgsym",
+                    "kestrix-tools-dbgsym"}, f"packages of debug symbols are {debug}")
+
     for consumer in CONSUMER, C_CONSUMER:
-        folder = built_by_cmake(scratch, f"-DCMAKE_PREFIX_PATH={scratch}/root/usr", consumer=consumer)
-        run("cmake", "--build", folder)
-        run(folder / "consumer")
+        build = built_by_cmake(scratch, f"-DCMAKE_PREFIX_PATH={root}/usr", consumer=consumer)
+        run("cmake", "--build", build)
+        run(build / "consumer")
+    library, = root.glob("usr/lib/*/libKestrixPixelConversion.so.1")
+    environment = os.environ | {"LD_LIBRARY_PATH": str(library.parent), "PYTHONDONTWRITEBYTECODE": "1",
+                                "PYTHONPATH": str(root / "usr/lib/python3/dist-packages")}
+    run(sys.executable, "-m", "kestrix", env=environment)
+    for program in (root / "usr/bin").iterdir():
+        run(program, "--help", env=environment)
 
 
-CASES = [cmake, pkg_config, dlopen, module, subdirectory, subdirectory_built, without_gl, without_gl_built,
-         folders, binary, reproducible, packages]
+def archive(build, scratch):
+    run("cpack", "-G", "TGZ", "-B", scratch, "--config", build / "CPackConfig.cmake")
+    file, = scratch.glob("*.tar.gz")
+    run("tar", "--extract", "--file", file, "--directory", scratch)
+    folder = scratch / file.name.removesuffix(".tar.gz")
+    run(folder / "bin/preview_host", "--help")
+    for consumer in CONSUMER, C_CONSUMER:
+        built = built_by_cmake(scratch, f"-DCMAKE_PREFIX_PATH={folder}", consumer=consumer)
+        run("cmake", "--build", built)
+        run(built / "consumer")
+
+
+CASES = [cmake, pkg_config, dlopen, module, subdirectory, subdirectory_built, without_gl,
+         without_gl_built, folders, binary, version, static, uninstall, reproducible, packages,
+         packages_built, archive]
 
 if __name__ == "__main__":
     case, build, scratch = sys.argv[1], pathlib.Path(sys.argv[2]), pathlib.Path(sys.argv[3])

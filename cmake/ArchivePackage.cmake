@@ -1,0 +1,9 @@
+# cpack reads this for each generator: an archive has all components, in folders below its own.
+if(CPACK_GENERATOR STREQUAL "TGZ")
+  set(CPACK_PACKAGE_FILE_NAME "kestrix-${CPACK_PACKAGE_VERSION}-linux-x86_64")
+  set(CPACK_PACKAGING_INSTALL_PREFIX "/")
+  set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
+  set(CPACK_COMPONENT_INCLUDE_TOPLEVEL_DIRECTORY ON)
+  set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
+  set(CPACK_PRE_BUILD_SCRIPTS)
+endif()
