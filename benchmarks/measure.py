@@ -139,6 +139,7 @@ def main():
     parser.add_argument("--repetitions", type=int, default=7, metavar="N")
     parser.add_argument("--min-time", type=float, default=0.02, metavar="S",
                         help="seconds a repetition takes at least")
+    parser.add_argument("--dry-run", action="store_true", help="only check the options")
     parser.add_argument("--folder", type=Path, default=page.ROOT / "build/release",
                         help="where the programs were built")
     options = parser.parse_args()
@@ -150,6 +151,9 @@ def main():
         re.compile(options.rows or "")
     except re.error as error:
         parser.error(f"--rows is no regular expression: {error}")
+
+    if options.dry_run:
+        return
 
     programs = options.folder / "benchmarks"
     pattern = options.rows
