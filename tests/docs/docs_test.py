@@ -163,7 +163,7 @@ def check_reference():
             if not (folder / (path or name)).exists():
                 fault(folder / name, f"no such file: {target}")
             # Doxygen links to the summary of private nested classes, and does not write it.
-            elif anchor not in ("", "nested-classes", *ids[path or name]):
+            elif anchor not in ("", "nested-classes", *ids.get(path or name, ())):
                 fault(folder / name, f"no such place: {target}")
 
 
